@@ -1,0 +1,42 @@
+# Holds every #include "folder/File.h" below src/ against the folders that the including folder
+# declares in its CMake line, directly or through one of them. LAYERS: a line a folder, "a/b: c d".
+
+cmake_minimum_required(VERSION 3.25)
+
+file(STRINGS "${LAYERS}" lines)
+set(folders "")
+foreach(line IN LISTS lines)
+    if(line MATCHES "^([^:]+): *(.*)$")
+        set(folder "${CMAKE_MATCH_1}")
+        string(REPLACE " " ";" deps_${folder} "${CMAKE_MATCH_2}")
+        list(APPEND folders "${folder}")
+    endif()
+endforeach()
+
+# The libraries stand in the order of their layers, so one pass closes the relation.
+foreach(folder IN LISTS folders)
+    set(closure "${folder}")
+    foreach(dependency IN LISTS deps_${folder})
+        list(APPEND closure "${dependency}" ${closure_${dependency}})
+    endforeach()
+    list(REMOVE_DUPLICATES closure)
+    set(closure_${folder} "${closure}")
+endforeach()
+
+set(faults 0)
+foreach(folder IN LISTS folders)
+    file(GLOB files "${SOURCE_DIR}/src/${folder}/*.cpp" "${SOURCE_DIR}/src/${folder}/*.h")
+    foreach(file IN LISTS files)
+        file(STRINGS "${file}" includes REGEX "^#include \"[^\"]+/")
+        foreach(include IN LISTS includes)
+            string(REGEX REPLACE "^#include \"(.+)/[^/\"]+\".*$" "\\1" target "${include}")
+            if(NOT target IN_LIST closure_${folder})
+                message("${file}: ${include}: src/${folder} may not include ${target}")
+                math(EXPR faults "${faults} + 1")
+            endif()
+        endforeach()
+    endforeach()
+endforeach()
+if(faults GREATER 0)
+    message(FATAL_ERROR "${faults} includes break the layers")
+endif()
