@@ -118,8 +118,11 @@ function(oq_test folder)
         _oq_target_name(${dependency} name)
         target_link_libraries(${target} PRIVATE ${name})
     endforeach()
-    doctest_discover_tests(${target} TEST_PREFIX "${folder}: "
-        PROPERTIES LABELS "${arg_LABELS}" TIMEOUT 300)
+    set(labels "")
+    if(arg_LABELS)
+        set(labels LABELS "${arg_LABELS}")
+    endif()
+    doctest_discover_tests(${target} TEST_PREFIX "${folder}: " PROPERTIES TIMEOUT 300 ${labels})
 endfunction()
 
 # Called once, last: the layer check runs in every build whose sources changed.
