@@ -1,10 +1,12 @@
 # The two functions that every folder uses, and the flags that every target shares.
 #
-#   oq_library(<folder> [KIND STATIC|MODULE|SHARED] [DEPENDS <folders>] [LIBRARIES <targets of others>])
-#   oq_test(<folder> [DEPENDS <folders>] [LABELS <labels>])
+#   oq_library(<folder> [KIND STATIC|MODULE|SHARED] [DEPENDS <folders>] [LIBRARIES <targets of others>]
+#       [OUTPUT_NAME <name>] [EXPORTS <symbols>])
+#   oq_test(<folder> [DEPENDS <folders>] [LIBRARIES <targets of others>] [MODULES <folders>] [LABELS <labels>])
 #
 # A folder src/a/b is the target px_a_b; its sources are all *.cpp in it. DEPENDS names the folders it
-# may include; CheckLayers.cmake holds every #include against the declared folders.
+# may include; CheckLayers.cmake holds every #include against the declared folders. EXPORTS is all that a
+# module or shared library shows. MODULES are loaded by the test at run time and built before it.
 
 if(NOT DEFINED CMAKE_CXX_COMPILER_LAUNCHER)
     find_program(PXVIS_CCACHE ccache)
@@ -59,8 +61,19 @@ function(_oq_refuse_gpl folder)
     endforeach()
 endfunction()
 
+# Nothing but the named symbols leaves the library, nor those of the static libraries in it; and it is
+# never unmapped, since threads and exit handlers of others may still be in it.
+function(_oq_close_borders target)
+    list(JOIN ARGN ";\n        " globals)
+    set(script "${CMAKE_BINARY_DIR}/exports/${target}.map")
+    file(CONFIGURE OUTPUT "${script}" CONTENT "{\n    global:\n        ${globals};\n    local: *;\n};\n" @ONLY)
+    target_link_options(${target} PRIVATE "LINKER:--version-script=${script}" "LINKER:--exclude-libs,ALL"
+        "LINKER:-z,nodelete")
+    set_property(TARGET ${target} APPEND PROPERTY LINK_DEPENDS "${script}")
+endfunction()
+
 function(oq_library folder)
-    cmake_parse_arguments(arg "" "KIND;OUTPUT_NAME" "DEPENDS;LIBRARIES" ${ARGN})
+    cmake_parse_arguments(arg "" "KIND;OUTPUT_NAME" "DEPENDS;LIBRARIES;EXPORTS" ${ARGN})
     if(NOT arg_KIND)
         set(arg_KIND STATIC)
     endif()
@@ -88,6 +101,9 @@ function(oq_library folder)
     if(arg_OUTPUT_NAME)
         set_target_properties(${target} PROPERTIES OUTPUT_NAME "${arg_OUTPUT_NAME}" PREFIX "")
     endif()
+    if(arg_EXPORTS)
+        _oq_close_borders(${target} ${arg_EXPORTS})
+    endif()
     target_link_libraries(${target} PUBLIC px_flags)
     foreach(dependency IN LISTS arg_DEPENDS)
         _oq_target_name(${dependency} name)
@@ -100,7 +116,7 @@ function(oq_library folder)
 endfunction()
 
 function(oq_test folder)
-    cmake_parse_arguments(arg "" "" "DEPENDS;LABELS;LIBRARIES;EXCLUDE" ${ARGN})
+    cmake_parse_arguments(arg "" "" "DEPENDS;LABELS;LIBRARIES;MODULES;EXCLUDE" ${ARGN})
     string(REPLACE "/" "_" target "test_${folder}")
     file(GLOB sources CONFIGURE_DEPENDS "${CMAKE_SOURCE_DIR}/tests/${folder}/*.cpp")
     foreach(excluded IN LISTS arg_EXCLUDE)
@@ -117,6 +133,10 @@ function(oq_test folder)
     foreach(dependency IN LISTS arg_DEPENDS)
         _oq_target_name(${dependency} name)
         target_link_libraries(${target} PRIVATE ${name})
+    endforeach()
+    foreach(module IN LISTS arg_MODULES)
+        _oq_target_name(${module} name)
+        add_dependencies(${target} ${name})
     endforeach()
     set(labels "")
     if(arg_LABELS)

@@ -19,8 +19,10 @@ struct OQBitmapInfo
 
 // A picture in memory, made by the image module. A pixel is 32 bits and reads 0xAARRGGBB as an
 // integer; row y from the top lies at element (height - 1 - y) * width of the array. Owned by
-// whoever made it and destroyed through the virtual destructor; one thread at a time. A
-// COLORREF-like colour is 0x00BBGGRR: red lowest. Positions and rectangles count from the top left.
+// whoever made it and destroyed through the virtual destructor; one thread at a time. A colour is
+// 0x00BBGGRR: red lowest. Positions and rectangles count from the top left; a rectangle whose right
+// or bottom isn't beyond its left or top is empty. On an empty image every operation but Create
+// does nothing. Nothing is thrown.
 // Slots: add at the end only.
 class IOQImage
 {
@@ -31,52 +33,65 @@ public:
     virtual void SetOption(int32_t value) = 0;
     virtual void SetOption2(int32_t value) = 0;
 
-    // Makes a black, transparent picture of width x height pixels. False, and an empty image, if a
-    // side is below 1, the picture is past the limits, or memory is short. The last two are 0.
+    // Makes a black, transparent picture of width x height pixels in place of what there was.
+    // False, and an empty image, if a side is below 1 or above 16384, the picture has more than 64
+    // * 2^20 pixels, or memory is short. The last two are 0.
     virtual bool Create(int32_t width, int32_t height, int32_t reserved1, int32_t reserved2) = 0;
 
     virtual void Clear(uint32_t color, uint8_t alpha) = 0;
 
-    // Null and 0 x 0 for an empty image.
+    // Null for an empty image. Stays where it is until the next Create.
     virtual uint32_t* GetBits() = 0;
     virtual OQSize GetSize() const = 0;
+    // A number that differs between images that are alive; 0 for an empty one.
     virtual intptr_t GetImageHandle() const = 0;
+    // Null for an empty image.
     virtual const OQBitmapInfo* GetBitmapInfo() const = 0;
 
     // Fills what of the rectangle lies inside the image; the alpha byte becomes `alpha`.
     virtual void FillRect(const OQRect& rect, uint32_t color, uint8_t alpha, int32_t reserved) = 0;
 
-    // Integer Bresenham, both ends included, clipped to the image, one pixel wide; pixels take
-    // the colour with `alpha` of the colour's own top byte.
+    // Integer Bresenham, both ends included, clipped to the image, one pixel wide; the alpha byte
+    // becomes the colour's top byte. Any coordinates; the cost is that of the visible pixels.
     virtual void DrawLine(
         int32_t x1, int32_t y1, int32_t x2, int32_t y2, uint32_t color, int32_t reserved)
         = 0;
 
-    // Copies the pixels of `source` that lie in `sourceRect` to this image with its top left corner
-    // at (x, y), all four bytes, clipped to both images.
+    // Copies the pixels of `source` that lie in `sourceRect` to this image with the rectangle's top
+    // left corner at (x, y), all four bytes, clipped to both images. `source` may be this image.
     virtual void CopyRect(IOQImage& source, const OQRect& sourceRect, int32_t x, int32_t y) = 0;
 
-    // Stretches the whole image to a width x height block of 32-bit pixels whose first row is the
-    // top one when `stride` is positive (bytes from a row to the next). Bilinear. False if there is
-    // nothing to copy.
+    // Stretches the whole image over width x height pixels of 4 bytes; bilinear, all four bytes
+    // alike, an exact copy at the image's own size. `target` is the top left pixel, the row below
+    // lies strideBytes further on, or before it where that is negative. False, and nothing
+    // written, for an empty image, a size below 1, a stride shorter than a row, or a pointer or
+    // stride that isn't a multiple of 4.
     virtual bool Blit(void* target, int32_t width, int32_t height, int32_t strideBytes) const = 0;
 
-    // Draws text, a null font being the default one, into the rectangle from its top left; clipped
-    // to it. alignment: 0 left, 1 centre, 2 right.
+    // Draws text into the rectangle, wrapped at its width and clipped to it and to the image; alpha
+    // bytes stay as they are. The text ends at a 0 or at 16384 units. alignment: the low two bits
+    // 0 left, 1 centre, 2 right; the next two 0 top, 1 centre, 2 bottom. The font must be null,
+    // which is a sans-serif of 12 pixels; this module makes no others.
     virtual void DrawText(const OQChar* text, const OQRect& rect, uint32_t color, IOQFont* font,
         int32_t alignment, int32_t reserved1, int32_t reserved2)
         = 0;
 
-    // Writes the picture to `path` as PNG; with `opaque` the alpha bytes are ignored. False if it
-    // can't be written.
+    // Writes the picture to `path` as PNG; with `opaque` the alpha bytes are left out. An existing
+    // file is replaced once the new one is complete; on failure it stays as it is. False if it
+    // can't be written, or if the path names something else than a file.
     virtual bool SavePng(const OQChar* path, bool opaque) const = 0;
 };
 
-// The image module's interface, given by its export GetOQImageAppDLL(). Slots: add at the end only.
+// The image module's interface, given by its one export, extern "C" IOQImageApp*
+// GetOQImageAppDLL(). Lives as long as the process. Any thread. Slots: add at the end only.
 class IOQImageApp
 {
 public:
     virtual void Initialize(const void* parameter) = 0;
+    // Lets go of what is kept between calls; it comes back on demand.
     virtual void Uninitialize() = 0;
-    virtual IOQImage* CreateImage() = 0; // The caller owns it.
+    virtual IOQImage* CreateImage() = 0; // Empty; the caller owns it. Null without memory.
+
+protected:
+    ~IOQImageApp() = default;
 };

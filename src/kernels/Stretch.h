@@ -1,0 +1,16 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+namespace pxvis::kernels {
+
+// Stretches a picture over another size, bilinearly, all four bytes of a pixel alike. The centre of
+// target pixel i lies at (i + 1/2) * source / target of the source, held in 1/2^32 pixel and cut
+// to the centres of the outer pixels; the four neighbours are weighed in 1/256 and the sum is
+// rounded once. Integers only; equal sizes give an exact copy. Strides in pixels as in FillRect;
+// all sizes at least 1, those of the source at most 65536. The pictures must not overlap.
+void Stretch(uint32_t* target, ptrdiff_t targetStride, int32_t targetWidth, int32_t targetHeight,
+    const uint32_t* source, ptrdiff_t sourceStride, int32_t sourceWidth, int32_t sourceHeight);
+
+}

@@ -1,0 +1,146 @@
+#include "siblings/image/CImage.h"
+
+#include "kernels/DrawLine.h"
+#include "kernels/PixelFromColor.h"
+#include "kernels/Stretch.h"
+#include "siblings/image/ImageDrawing.h"
+#include "siblings/image/ImagePng.h"
+#include "siblings/image/ImageText.h"
+#include "siblings/image/Utf8.h"
+
+#include <cstdlib>
+
+using pxvis::image::Pixels;
+using pxvis::kernels::PixelFromColor;
+
+namespace {
+
+uint32_t PixelWithAlpha(uint32_t color, uint8_t alpha)
+{
+    return PixelFromColor(color) | uint32_t { alpha } << 24;
+}
+
+Pixels ViewOf(uint32_t* bits, int32_t width, int32_t height)
+{
+    return { bits + ptrdiff_t { height - 1 } * width, -ptrdiff_t { width }, width, height };
+}
+
+}
+
+void CImage::FreeBits::operator()(uint32_t* bits) const
+{
+    std::free(bits);
+}
+
+Pixels CImage::View() const
+{
+    return ViewOf(m_bits.get(), m_info.width, m_info.height);
+}
+
+void CImage::SetOption(int32_t) { }
+
+void CImage::SetOption2(int32_t) { }
+
+bool CImage::Create(int32_t width, int32_t height, int32_t, int32_t)
+{
+    m_bits.reset();
+    m_info = {};
+    if (width < 1 || height < 1 || width > kMaxSide || height > kMaxSide
+        || int64_t { width } * height > kMaxPixels)
+        return false;
+    const auto count = static_cast<size_t>(width) * static_cast<size_t>(height);
+    m_bits.reset(static_cast<uint32_t*>(std::calloc(count, sizeof(uint32_t))));
+    if (!m_bits)
+        return false;
+    m_info.width = width;
+    m_info.height = height;
+    m_info.strideBytes = width * static_cast<int32_t>(sizeof(uint32_t));
+    return true;
+}
+
+void CImage::Clear(uint32_t color, uint8_t alpha)
+{
+    if (m_bits)
+        pxvis::image::FillRect(View(), pxvis::image::Bounds(View()), PixelWithAlpha(color, alpha));
+}
+
+uint32_t* CImage::GetBits()
+{
+    return m_bits.get();
+}
+
+OQSize CImage::GetSize() const
+{
+    return { m_info.width, m_info.height };
+}
+
+intptr_t CImage::GetImageHandle() const
+{
+    return reinterpret_cast<intptr_t>(m_bits.get());
+}
+
+const OQBitmapInfo* CImage::GetBitmapInfo() const
+{
+    return m_bits ? &m_info : nullptr;
+}
+
+void CImage::FillRect(const OQRect& rect, uint32_t color, uint8_t alpha, int32_t)
+{
+    if (m_bits)
+        pxvis::image::FillRect(View(), rect, PixelWithAlpha(color, alpha));
+}
+
+void CImage::DrawLine(int32_t x1, int32_t y1, int32_t x2, int32_t y2, uint32_t color, int32_t)
+{
+    if (!m_bits)
+        return;
+    const Pixels view = View();
+    pxvis::kernels::DrawLine(view.top, view.stride, view.width, view.height, x1, y1, x2, y2,
+        PixelWithAlpha(color, static_cast<uint8_t>(color >> 24)));
+}
+
+void CImage::CopyRect(IOQImage& source, const OQRect& sourceRect, int32_t x, int32_t y)
+{
+    uint32_t* bits = source.GetBits();
+    const OQSize size = source.GetSize();
+    if (m_bits && bits)
+        pxvis::image::CopyRect(View(), ViewOf(bits, size.cx, size.cy), sourceRect, x, y);
+}
+
+bool CImage::Blit(void* target, int32_t width, int32_t height, int32_t strideBytes) const
+{
+    constexpr int32_t pixelBytes = sizeof(uint32_t);
+    const int64_t stride = std::abs(int64_t { strideBytes });
+    if (!m_bits || !target || width < 1 || height < 1 || stride < int64_t { width } * pixelBytes
+        || strideBytes % pixelBytes != 0
+        || reinterpret_cast<uintptr_t>(target) % alignof(uint32_t) != 0)
+        return false;
+    const Pixels view = View();
+    pxvis::kernels::Stretch(static_cast<uint32_t*>(target), strideBytes / pixelBytes, width, height,
+        view.top, view.stride, view.width, view.height);
+    return true;
+}
+
+void CImage::DrawText(const OQChar* text, const OQRect& rect, uint32_t color, IOQFont*,
+    int32_t alignment, int32_t, int32_t)
+{
+    if (!m_bits || !text)
+        return;
+    try {
+        pxvis::image::ImageText::Get().Draw(
+            View(), pxvis::image::Utf8(text, kMaxTextUnits), rect, color, alignment);
+    } catch (...) {
+        // Without memory there is no text; nothing crosses the module's border.
+    }
+}
+
+bool CImage::SavePng(const OQChar* path, bool opaque) const
+{
+    if (!m_bits || !path)
+        return false;
+    try {
+        return pxvis::image::SavePng(View(), pxvis::image::Utf8(path, kMaxTextUnits), opaque);
+    } catch (...) {
+        return false;
+    }
+}

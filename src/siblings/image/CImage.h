@@ -1,0 +1,45 @@
+#pragma once
+
+#include "foundation/IOQImage.h"
+#include "siblings/image/Pixels.h"
+
+#include <memory>
+
+// The image module's picture: an array of pixels, and drawing on it.
+class CImage final : public IOQImage
+{
+public:
+    // Checked before memory is taken: sizes may come from a stranger's file.
+    static constexpr int32_t kMaxSide = 16384;
+    static constexpr int64_t kMaxPixels = int64_t { 64 } << 20;
+    static constexpr size_t kMaxTextUnits = 16384;
+
+    void SetOption(int32_t value) override;
+    void SetOption2(int32_t value) override;
+    bool Create(int32_t width, int32_t height, int32_t reserved1, int32_t reserved2) override;
+    void Clear(uint32_t color, uint8_t alpha) override;
+    uint32_t* GetBits() override;
+    OQSize GetSize() const override;
+    intptr_t GetImageHandle() const override;
+    const OQBitmapInfo* GetBitmapInfo() const override;
+    void FillRect(const OQRect& rect, uint32_t color, uint8_t alpha, int32_t reserved) override;
+    void DrawLine(
+        int32_t x1, int32_t y1, int32_t x2, int32_t y2, uint32_t color, int32_t reserved) override;
+    void CopyRect(IOQImage& source, const OQRect& sourceRect, int32_t x, int32_t y) override;
+    bool Blit(void* target, int32_t width, int32_t height, int32_t strideBytes) const override;
+    void DrawText(const OQChar* text, const OQRect& rect, uint32_t color, IOQFont* font,
+        int32_t alignment, int32_t reserved1, int32_t reserved2) override;
+    bool SavePng(const OQChar* path, bool opaque) const override;
+
+private:
+    struct FreeBits
+    {
+        void operator()(uint32_t* bits) const;
+    };
+
+    // Only of an image that isn't empty.
+    pxvis::image::Pixels View() const;
+
+    std::unique_ptr<uint32_t[], FreeBits> m_bits;
+    OQBitmapInfo m_info;
+};
