@@ -1,0 +1,43 @@
+#include "host/GStreamer.h"
+
+#include <gst/pbutils/pbutils.h>
+
+#include <mutex>
+
+namespace pxvis::host {
+
+bool InitializeGStreamer(std::string& error)
+{
+    static std::once_flag once;
+    static std::string fault;
+    std::call_once(once, [] {
+        GError* failure = nullptr;
+        if (gst_init_check(nullptr, nullptr, &failure)) {
+            gst_pb_utils_init();
+            return;
+        }
+        const GstHolder<GError> holder(failure);
+        fault
+            = "GStreamer cannot start: " + OneLine(failure ? failure->message : "no reason given");
+    });
+    error = fault;
+    return fault.empty();
+}
+
+std::string OneLine(const char* text)
+{
+    constexpr size_t Limit = 300;
+    std::string line;
+    for (; text && *text && line.size() < Limit; ++text) {
+        const bool control = static_cast<unsigned char>(*text) < ' ' || *text == 0x7F;
+        if (!control)
+            line += *text;
+        else if (!line.empty() && line.back() != ' ')
+            line += ' ';
+    }
+    while (!line.empty() && line.back() == ' ')
+        line.pop_back();
+    return line;
+}
+
+}

@@ -1,0 +1,112 @@
+#include "host/TagReader.h"
+
+#include "host/GStreamer.h"
+
+#include <gst/tag/tag.h>
+
+#include <cstring>
+
+namespace pxvis::host {
+
+namespace {
+
+void TakeText(const GstTagList* tags, const char* tag, std::string& text)
+{
+    char* value = nullptr;
+    if (!text.empty() || !gst_tag_list_get_string(tags, tag, &value))
+        return;
+    const GstHolder<char> holder(value);
+    size_t length = strnlen(value, TrackTags::TextLimit + 1);
+    if (length > TrackTags::TextLimit) {
+        // Back to the start of a character.
+        length = TrackTags::TextLimit;
+        while (length > 0 && (static_cast<unsigned char>(value[length]) & 0xC0) == 0x80)
+            --length;
+    }
+    text.assign(value, length);
+}
+
+void TakeYear(const GstTagList* tags, std::string& year)
+{
+    if (!year.empty())
+        return;
+    GstDateTime* time = nullptr;
+    if (gst_tag_list_get_date_time(tags, GST_TAG_DATE_TIME, &time)) {
+        if (gst_date_time_has_year(time))
+            year = std::to_string(gst_date_time_get_year(time));
+        gst_date_time_unref(time);
+        return;
+    }
+    GDate* date = nullptr;
+    if (gst_tag_list_get_date(tags, GST_TAG_DATE, &date)) {
+        if (g_date_valid(date))
+            year = std::to_string(g_date_get_year(date));
+        g_date_free(date);
+    }
+}
+
+bool IsFrontCover(GstSample* sample)
+{
+    const GstStructure* info = gst_sample_get_info(sample);
+    int type = GST_TAG_IMAGE_TYPE_UNDEFINED;
+    return info && gst_structure_get_enum(info, "image-type", GST_TYPE_TAG_IMAGE_TYPE, &type)
+        && type == GST_TAG_IMAGE_TYPE_FRONT_COVER;
+}
+
+// False for what is no image or too large.
+bool TakeCover(GstSample* sample, TrackTags& tags)
+{
+    GstBuffer* buffer = gst_sample_get_buffer(sample);
+    GstCaps* caps = gst_sample_get_caps(sample);
+    if (!buffer || !caps || gst_caps_is_empty(caps))
+        return false;
+    const char* type = gst_structure_get_name(gst_caps_get_structure(caps, 0));
+    const size_t size = gst_buffer_get_size(buffer);
+    if (!g_str_has_prefix(type, "image/") || size == 0 || size > TrackTags::CoverLimit)
+        return false;
+    tags.cover.resize(size);
+    gst_buffer_extract(buffer, 0, tags.cover.data(), size);
+    tags.coverType = type;
+    return true;
+}
+
+void TakeCover(const GstTagList* list, const char* tag, TrackTags& tags)
+{
+    if (!tags.cover.empty())
+        return;
+    const guint count = gst_tag_list_get_tag_size(list, tag);
+    for (const bool frontOnly : { true, false }) {
+        for (guint i = 0; i < count; ++i) {
+            GstSample* sample = nullptr;
+            if (!gst_tag_list_get_sample_index(list, tag, i, &sample))
+                continue;
+            const GstHolder<GstSample> holder(sample);
+            if (frontOnly && !IsFrontCover(sample))
+                continue;
+            if (TakeCover(sample, tags))
+                return;
+        }
+    }
+}
+
+}
+
+void MergeTags(const GstTagList* list, SongInfo& info)
+{
+    TrackTags& tags = info.tags;
+    TakeText(list, GST_TAG_ARTIST, tags.artist);
+    TakeText(list, GST_TAG_ALBUM, tags.album);
+    TakeText(list, GST_TAG_TITLE, tags.title);
+    TakeText(list, GST_TAG_COMMENT, tags.notes);
+    TakeText(list, GST_TAG_LYRICS, tags.lyrics);
+    TakeYear(list, tags.year);
+    TakeCover(list, GST_TAG_IMAGE, tags);
+    TakeCover(list, GST_TAG_PREVIEW_IMAGE, tags);
+    guint bitRate = 0;
+    if (info.bitRate == 0
+        && (gst_tag_list_get_uint(list, GST_TAG_NOMINAL_BITRATE, &bitRate)
+            || gst_tag_list_get_uint(list, GST_TAG_BITRATE, &bitRate)))
+        info.bitRate = static_cast<int>(bitRate & 0x7FFFFFFF);
+}
+
+}

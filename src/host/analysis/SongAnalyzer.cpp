@@ -1,0 +1,123 @@
+#include "host/analysis/SongAnalyzer.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace pxvis::host {
+
+namespace {
+
+constexpr size_t WaveformSize = 1024;
+constexpr size_t ReadBlock = 4096;
+constexpr float LevelDecay = 0.85f; // a step; what an impact leaves behind
+
+// A file of float samples can hold anything.
+float Finite(float sample)
+{
+    return std::isfinite(sample) ? std::clamp(sample, -8.0f, 8.0f) : 0.0f;
+}
+
+int8_t ToSignedByte(float sample)
+{
+    return static_cast<int8_t>(std::floor(std::clamp(sample * 128 + 0.5f, -128.0f, 127.0f)));
+}
+
+}
+
+SongAnalyzer::SongAnalyzer(SampleSource& source, const AnalysisOptions& options)
+    : m_source(source)
+    , m_options(options)
+    , m_firstPosition(
+          static_cast<int64_t>(std::floor(std::clamp(options.from, 0.0, 1e9) * SampleRate)))
+    , m_samples(2 * SpectrumAnalysis::WindowSize)
+    , m_samplesStart(-static_cast<int64_t>(SpectrumAnalysis::WindowSize))
+{
+}
+
+int64_t SongAnalyzer::PositionOfStep(int64_t step) const
+{
+    // Whole periods apart, so that the product stays in 64 bits for any length of song.
+    const int64_t n = m_options.stepNumerator;
+    const int64_t samplesTimesN = int64_t { SampleRate } * m_options.stepDenominator;
+    return m_firstPosition + step / n * samplesTimesN + step % n * samplesTimesN / n;
+}
+
+// Makes [.., end) available; behind the song's end comes silence.
+void SongAnalyzer::ReadUntil(int64_t end)
+{
+    for (;;) {
+        const size_t filled = m_samples.size() / 2;
+        const int64_t available = m_samplesStart + static_cast<int64_t>(filled);
+        if (available >= end)
+            return;
+        m_samples.resize(2 * (filled + ReadBlock));
+        float* block = &m_samples[2 * filled];
+        const size_t count = m_songEnd < 0 ? m_source.Read(block, ReadBlock) : 0;
+        if (count < ReadBlock && m_songEnd < 0)
+            m_songEnd = available + static_cast<int64_t>(count);
+        std::transform(block, block + 2 * count, block, Finite);
+        std::fill(block + 2 * count, block + 2 * ReadBlock, 0.0f);
+    }
+}
+
+void SongAnalyzer::HearUntil(int64_t end)
+{
+    for (; m_heard + static_cast<int64_t>(OnsetSpectrum::Hop) <= end;
+         m_heard += OnsetSpectrum::Hop) {
+        ReadUntil(m_heard + static_cast<int64_t>(OnsetSpectrum::Hop));
+        const OnsetFrame frame = m_onset.Push(&m_samples[2 * (m_heard - m_samplesStart)]);
+        const int64_t frameEnd = m_heard + static_cast<int64_t>(OnsetSpectrum::Hop);
+        m_levels.push_back({ frameEnd - OnsetSpectrum::AttackDelay, m_impact.Push(frame) });
+        DropBefore(std::min(frameEnd, m_position - int64_t { SpectrumAnalysis::WindowSize }));
+    }
+}
+
+void SongAnalyzer::DropBefore(int64_t first)
+{
+    // In large pieces, since each drop moves the rest.
+    constexpr int64_t Piece = 16384;
+    if (first - m_samplesStart < Piece)
+        return;
+    m_samples.erase(m_samples.begin(), m_samples.begin() + 2 * (first - m_samplesStart));
+    m_samplesStart = first;
+}
+
+bool SongAnalyzer::Next(AudioRecord& record)
+{
+    record = {};
+    m_position = PositionOfStep(m_step);
+    const int64_t nextPosition = PositionOfStep(m_step + 1);
+    ReadUntil(m_position + 1);
+    HearUntil(m_position + static_cast<int64_t>(m_options.lookAhead));
+    if (m_songEnd >= 0 && m_position >= m_songEnd)
+        return false;
+
+    ReadUntil(m_position);
+    const float* const end = &m_samples[2 * (m_position - m_samplesStart)];
+    float window[SpectrumAnalysis::WindowSize];
+    for (int channel = 0; channel < 2; ++channel) {
+        const float* const waveform = end - 2 * WaveformSize + channel;
+        for (size_t i = 0; i < WaveformSize; ++i)
+            record.block.waveform[channel][i] = ToSignedByte(waveform[2 * i]);
+        const float* const samples = end - 2 * SpectrumAnalysis::WindowSize + channel;
+        for (size_t i = 0; i < SpectrumAnalysis::WindowSize; ++i)
+            window[i] = samples[2 * i];
+        m_spectrum.Analyze(window, record.block.spectrum[channel]);
+    }
+
+    // A hit belongs to the nearest step.
+    const int64_t middle = m_position + (nextPosition - m_position) / 2;
+    float level = 0;
+    size_t taken = 0;
+    for (; taken < m_levels.size() && m_levels[taken].position <= middle; ++taken)
+        level = std::max(level, m_levels[taken].level);
+    m_levels.erase(m_levels.begin(), m_levels.begin() + static_cast<int64_t>(taken));
+    m_heldLevel = std::max(level, std::min(100.0f, m_heldLevel * LevelDecay));
+    record.level = static_cast<int32_t>(m_heldLevel);
+
+    record.change = m_step == 0;
+    ++m_step;
+    return true;
+}
+
+}
