@@ -1,7 +1,7 @@
 # The two functions that every folder uses, and the flags that every target shares.
 #
 #   oq_library(<folder> [KIND STATIC|MODULE|SHARED] [DEPENDS <folders>] [LIBRARIES <targets of others>])
-#   oq_test(<folder> [DEPENDS <folders>] [LABELS <labels>])
+#   oq_test(<folder> [DEPENDS <folders>] [LABELS <labels>] [ENVIRONMENT <NAME=value>])
 #
 # A folder src/a/b is the target px_a_b; its sources are all *.cpp in it. DEPENDS names the folders it
 # may include; CheckLayers.cmake holds every #include against the declared folders.
@@ -100,7 +100,7 @@ function(oq_library folder)
 endfunction()
 
 function(oq_test folder)
-    cmake_parse_arguments(arg "" "" "DEPENDS;LABELS;LIBRARIES;EXCLUDE" ${ARGN})
+    cmake_parse_arguments(arg "" "" "DEPENDS;LABELS;LIBRARIES;EXCLUDE;ENVIRONMENT" ${ARGN})
     string(REPLACE "/" "_" target "test_${folder}")
     file(GLOB sources CONFIGURE_DEPENDS "${CMAKE_SOURCE_DIR}/tests/${folder}/*.cpp")
     foreach(excluded IN LISTS arg_EXCLUDE)
@@ -122,7 +122,12 @@ function(oq_test folder)
     if(arg_LABELS)
         set(labels LABELS "${arg_LABELS}")
     endif()
-    doctest_discover_tests(${target} TEST_PREFIX "${folder}: " PROPERTIES TIMEOUT 300 ${labels})
+    set(environment "")
+    if(arg_ENVIRONMENT)
+        set(environment ENVIRONMENT "${arg_ENVIRONMENT}")
+    endif()
+    doctest_discover_tests(${target} TEST_PREFIX "${folder}: "
+        PROPERTIES TIMEOUT 300 ${labels} ${environment})
 endfunction()
 
 # Called once, last: the layer check runs in every build whose sources changed.
