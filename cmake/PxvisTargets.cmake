@@ -2,7 +2,8 @@
 #
 #   oq_library(<folder> [KIND STATIC|MODULE|SHARED] [DEPENDS <folders>] [LIBRARIES <targets of others>]
 #       [OUTPUT_NAME <name>] [EXPORTS <symbols>])
-#   oq_test(<folder> [DEPENDS <folders>] [LIBRARIES <targets of others>] [MODULES <folders>] [LABELS <labels>])
+#   oq_test(<folder> [DEPENDS <folders>] [LIBRARIES <targets of others>] [MODULES <folders>] [LABELS <labels>]
+#       [ENVIRONMENT <NAME=value>])
 #
 # A folder src/a/b is the target px_a_b; its sources are all *.cpp in it. DEPENDS names the folders it
 # may include; CheckLayers.cmake holds every #include against the declared folders. EXPORTS is all that a
@@ -116,7 +117,7 @@ function(oq_library folder)
 endfunction()
 
 function(oq_test folder)
-    cmake_parse_arguments(arg "" "" "DEPENDS;LABELS;LIBRARIES;MODULES;EXCLUDE" ${ARGN})
+    cmake_parse_arguments(arg "" "" "DEPENDS;LABELS;LIBRARIES;MODULES;EXCLUDE;ENVIRONMENT" ${ARGN})
     string(REPLACE "/" "_" target "test_${folder}")
     file(GLOB sources CONFIGURE_DEPENDS "${CMAKE_SOURCE_DIR}/tests/${folder}/*.cpp")
     foreach(excluded IN LISTS arg_EXCLUDE)
@@ -142,7 +143,12 @@ function(oq_test folder)
     if(arg_LABELS)
         set(labels LABELS "${arg_LABELS}")
     endif()
-    doctest_discover_tests(${target} TEST_PREFIX "${folder}: " PROPERTIES TIMEOUT 300 ${labels})
+    set(environment "")
+    if(arg_ENVIRONMENT)
+        set(environment ENVIRONMENT "${arg_ENVIRONMENT}")
+    endif()
+    doctest_discover_tests(${target} TEST_PREFIX "${folder}: "
+        PROPERTIES TIMEOUT 300 ${labels} ${environment})
 endfunction()
 
 # Called once, last: the layer check runs in every build whose sources changed.

@@ -1,0 +1,206 @@
+#include "host/OutputFile.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <system_error>
+#include <utility>
+
+namespace pxvis::host {
+
+static std::string Reason(int code)
+{
+    return std::generic_category().message(code);
+}
+
+// A device, a pipe or a folder must not be renamed over, whoever asks for it.
+static bool MayTake(const std::string& path, bool replace, const char* advice, std::string& error)
+{
+    struct stat status = {};
+    if (lstat(path.c_str(), &status) != 0) {
+        if (errno == ENOENT)
+            return true;
+        error = path + ": " + Reason(errno);
+        return false;
+    }
+    if (S_ISDIR(status.st_mode))
+        error = path + ": is a folder";
+    else if (S_ISLNK(status.st_mode) && stat(path.c_str(), &status) == 0
+        && !S_ISREG(status.st_mode))
+        error = path + ": is a link to something other than a file";
+    else if (!S_ISREG(status.st_mode) && !S_ISLNK(status.st_mode))
+        error = path + ": is not a regular file";
+    else if (!replace)
+        error = path + ": " + advice;
+    else
+        return true;
+    return false;
+}
+
+static std::string FolderOf(const std::string& path)
+{
+    const size_t slash = path.rfind('/');
+    if (slash == std::string::npos)
+        return ".";
+    return slash == 0 ? "/" : path.substr(0, slash);
+}
+
+static bool IsSameFile(const std::string& path, int descriptor)
+{
+    struct stat named = {};
+    struct stat held = {};
+    return lstat(path.c_str(), &named) == 0 && fstat(descriptor, &held) == 0
+        && named.st_dev == held.st_dev && named.st_ino == held.st_ino;
+}
+
+// False while another writer holds the file. The old content goes with its name, never by
+// truncation: it may have a second name.
+static bool RemoveLeftover(const std::string& partPath)
+{
+    const int descriptor = open(partPath.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK);
+    if (descriptor < 0) {
+        unlink(partPath.c_str());
+        return true;
+    }
+    const bool busy = flock(descriptor, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
+    if (!busy && IsSameFile(partPath, descriptor))
+        unlink(partPath.c_str());
+    close(descriptor);
+    return !busy;
+}
+
+std::unique_ptr<OutputFile> OutputFile::Open(
+    const std::string& path, bool replace, std::string& error)
+{
+    error.clear();
+    if (path.empty() || path.back() == '/' || path.find('\0') != std::string::npos) {
+        error = "\"" + path + "\": is not the name of a file";
+        return nullptr;
+    }
+    if (!MayTake(path, replace, "exists already; --force replaces it", error))
+        return nullptr;
+    const std::string partPath = path + ".part";
+    const char* const leftover
+        = "exists already, left by an interrupted run or still being written; --force replaces it";
+    if (!MayTake(partPath, replace, leftover, error))
+        return nullptr;
+
+    if (replace && !RemoveLeftover(partPath)) {
+        error = path + ": is being written by another process";
+        return nullptr;
+    }
+    const int descriptor
+        = open(partPath.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, 0666);
+    if (descriptor < 0) {
+        error = errno == EEXIST ? partPath + ": " + leftover : path + ": " + Reason(errno);
+        return nullptr;
+    }
+    flock(descriptor,
+        LOCK_EX | LOCK_NB); // tells another RemoveLeftover; fails where locks are unknown
+    return std::unique_ptr<OutputFile>(new OutputFile(path, replace, descriptor));
+}
+
+OutputFile::OutputFile(std::string path, bool replace, int descriptor)
+    : m_path(std::move(path))
+    , m_partPath(m_path + ".part")
+    , m_replace(replace)
+    , m_descriptor(descriptor)
+{
+}
+
+OutputFile::~OutputFile()
+{
+    Discard();
+}
+
+bool OutputFile::Write(const void* bytes, size_t count, std::string& error)
+{
+    const char* at = static_cast<const char*>(bytes);
+    while (count > 0) {
+        const ssize_t written = write(m_descriptor, at, count);
+        if (written < 0 && errno == EINTR)
+            continue;
+        if (written <= 0) {
+            error = m_path + ": " + Reason(written < 0 ? errno : EIO);
+            return false;
+        }
+        at += written;
+        count -= static_cast<size_t>(written);
+    }
+    return true;
+}
+
+bool OutputFile::Rename(std::string& error)
+{
+    if (m_replace) {
+        if (MayTake(m_path, true, "", error) && rename(m_partPath.c_str(), m_path.c_str()) != 0)
+            error = m_path + ": " + Reason(errno);
+        return error.empty();
+    }
+    int result
+        = renameat2(AT_FDCWD, m_partPath.c_str(), AT_FDCWD, m_path.c_str(), RENAME_NOREPLACE);
+    if (result != 0 && (errno == EINVAL || errno == ENOSYS)) {
+        // File systems without that kind of rename; a second name is refused just as safely.
+        result = link(m_partPath.c_str(), m_path.c_str());
+        if (result == 0)
+            unlink(m_partPath.c_str());
+    }
+    if (result != 0 && (errno == EPERM || errno == EOPNOTSUPP)) {
+        // FAT and its kin know neither: what is left is a look beforehand.
+        if (MayTake(m_path, false, "exists already", error))
+            result = rename(m_partPath.c_str(), m_path.c_str());
+        else
+            errno = EEXIST;
+    }
+    if (result == 0)
+        return true;
+    const int code = errno;
+    error = m_path + ": "
+        + (code == EEXIST ? "has appeared meanwhile; the finished file is " + m_partPath
+                          : Reason(code));
+    if (code == EEXIST)
+        close(std::exchange(m_descriptor, -1)); // so that Discard leaves it
+    return false;
+}
+
+bool OutputFile::Commit(std::string& error)
+{
+    error.clear();
+    // Some file systems say only now that the disk is full; pipes and the like cannot be synced.
+    if (fsync(m_descriptor) != 0 && errno != EINVAL && errno != EROFS) {
+        error = m_path + ": " + Reason(errno);
+        Discard();
+        return false;
+    }
+    if (!IsSameFile(m_partPath, m_descriptor)) {
+        error = m_path + ": another process has taken " + m_partPath + " away";
+        Discard();
+        return false;
+    }
+    if (!Rename(error)) {
+        Discard();
+        return false;
+    }
+    const int folder = open(FolderOf(m_path).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (folder >= 0) {
+        fsync(folder); // the name itself; without it the file is whole all the same
+        close(folder);
+    }
+    close(std::exchange(m_descriptor, -1));
+    return true;
+}
+
+void OutputFile::Discard()
+{
+    if (m_descriptor < 0)
+        return;
+    if (IsSameFile(m_partPath, m_descriptor))
+        unlink(m_partPath.c_str());
+    close(std::exchange(m_descriptor, -1));
+}
+
+}
