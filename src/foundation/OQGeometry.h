@@ -1,5 +1,7 @@
 #pragma once
 
+#include "kernels/Wrapped.h"
+
 #include <cstdint>
 
 // Pixels; right and bottom are the first column and row outside.
@@ -11,17 +13,11 @@ struct OQRect
     int32_t bottom = 0;
 
     // Wide rectangles from strangers' fractions may overflow 32 bits; the difference wraps.
-    int32_t Width() const { return Difference(right, left); }
+    int32_t Width() const { return pxvis::kernels::SubtractWrapped(right, left); }
 
-    int32_t Height() const { return Difference(bottom, top); }
+    int32_t Height() const { return pxvis::kernels::SubtractWrapped(bottom, top); }
 
     bool operator==(const OQRect&) const = default;
-
-private:
-    static int32_t Difference(int32_t a, int32_t b)
-    {
-        return static_cast<int32_t>(static_cast<uint32_t>(a) - static_cast<uint32_t>(b));
-    }
 };
 
 struct OQSize

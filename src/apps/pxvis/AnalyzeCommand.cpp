@@ -1,0 +1,42 @@
+#include "apps/pxvis/AnalyzeCommand.h"
+
+#include "host/SongDecoder.h"
+#include "host/analysis/SongAnalyzer.h"
+
+#include <cmath>
+#include <ostream>
+
+namespace pxvis {
+
+int RunAnalyze(const AnalyzeOptions& options, std::ostream& output, std::ostream& errors)
+{
+    std::string error;
+    const auto decoder = host::SongDecoder::Open(options.song, error);
+    if (!decoder) {
+        errors << "pxvis: " << error << '\n';
+        return 1;
+    }
+    host::AnalysisOptions analysis;
+    analysis.stepNumerator = options.stepRate.numerator;
+    analysis.stepDenominator = options.stepRate.denominator;
+    analysis.from = options.from;
+    host::SongAnalyzer analyzer(*decoder, analysis);
+
+    const int64_t end = options.to < 0
+        ? INT64_MAX
+        : static_cast<int64_t>(std::floor(options.to * host::SampleRate));
+    host::AudioRecord record;
+    while (analyzer.Next(record) && analyzer.SamplePosition() < end) {
+        if (!host::WriteAudioRecord(output, record)) {
+            errors << "pxvis: the records can't be written\n";
+            return 1;
+        }
+    }
+    if (!decoder->Error().empty()) {
+        errors << "pxvis: " << decoder->Error() << '\n';
+        return 1;
+    }
+    return 0;
+}
+
+}

@@ -1,0 +1,60 @@
+#include "apps/pxvis/FramesCommand.h"
+
+#include "host/analysis/AudioRecord.h"
+
+#include <bit>
+#include <istream>
+#include <ostream>
+
+namespace pxvis {
+
+static_assert(std::endian::native == std::endian::little,
+    "pixels and records are written as they lie in memory");
+
+namespace {
+
+bool WritePicture(IOQImage& picture, std::ostream& output)
+{
+    const OQSize size = picture.GetSize();
+    const uint32_t* bits = picture.GetBits();
+    const std::streamsize rowBytes = std::streamsize { size.cx } * 4;
+    for (int32_t y = size.cy - 1; y >= 0 && output; --y)
+        output.write(reinterpret_cast<const char*>(bits + int64_t { y } * size.cx), rowBytes);
+    return output.good();
+}
+
+}
+
+int RunFrames(
+    const FramesOptions& options, std::istream& records, std::ostream& output, std::ostream& errors)
+{
+    std::string error;
+    const auto session = VisualSession::Create(options.session, error);
+    if (!session || !session->LoadScript(options.script, error)) {
+        errors << "pxvis: " << error << '\n';
+        return 1;
+    }
+    for (;;) {
+        host::AudioRecord record;
+        switch (host::ReadAudioRecord(records, record)) {
+        case host::RecordRead::End:
+            return 0;
+        case host::RecordRead::Truncated:
+            errors << "pxvis: the input ends inside record " << session->StepCount()
+                   << " (from 0)\n";
+            return 1;
+        case host::RecordRead::Record:
+            break;
+        }
+        if (!session->Step(record)) {
+            errors << "pxvis: no memory for a picture of this size\n";
+            return 1;
+        }
+        if (!WritePicture(session->Picture(), output)) {
+            errors << "pxvis: the pictures can't be written\n";
+            return 1;
+        }
+    }
+}
+
+}

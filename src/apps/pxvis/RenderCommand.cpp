@@ -1,0 +1,201 @@
+#include "apps/pxvis/RenderCommand.h"
+
+#include "apps/pxvis/Interrupt.h"
+#include "apps/pxvis/SongPlayback.h"
+#include "foundation/OQSiblingModules.h"
+#include "host/ProgressLine.h"
+#include "host/VideoWriter.h"
+
+#include <algorithm>
+#include <cmath>
+#include <filesystem>
+#include <iomanip>
+#include <memory>
+#include <ostream>
+#include <vector>
+
+namespace pxvis {
+
+namespace {
+
+bool HasExtension(const std::string& path, const std::string& extension)
+{
+    if (path.size() < extension.size())
+        return false;
+    return std::equal(extension.begin(), extension.end(),
+        path.end() - static_cast<ptrdiff_t>(extension.size()),
+        [](char a, char b) { return a == (b >= 'A' && b <= 'Z' ? b + ('a' - 'A') : b); });
+}
+
+int Fail(std::ostream& errors, const std::string& message)
+{
+    errors << "pxvis: " << message << '\n';
+    return 1;
+}
+
+// How long the picture runs, in seconds; 0 where the song does not tell.
+double PartLength(const RenderOptions& options, const host::SongInfo& info)
+{
+    double end = info.durationSeconds;
+    if (options.to >= 0)
+        end = end > 0 ? std::min(end, options.to) : options.to;
+    return std::max(0.0, end - options.from);
+}
+
+// The step that a moment shows: the newest one.
+int64_t StepAt(uint64_t picture, const Rate& frameRate, const Rate& stepRate)
+{
+    return static_cast<int64_t>(picture * frameRate.denominator * stepRate.numerator
+        / (uint64_t { frameRate.numerator } * stepRate.denominator));
+}
+
+// The picture at the output's size.
+class ScaledPicture
+{
+public:
+    ScaledPicture(int32_t width, int32_t height)
+        : m_width(width)
+        , m_height(height)
+    {
+    }
+
+    // The top row; the rows below lie Pitch() pixels further on. Good until the next step.
+    const uint32_t* TopRow(IOQImage& picture)
+    {
+        const OQSize size = picture.GetSize();
+        if (size == OQSize { m_width, m_height })
+            return picture.GetBits() + int64_t { m_height - 1 } * m_width;
+        m_pixels.resize(static_cast<size_t>(m_width) * static_cast<size_t>(m_height));
+        uint32_t* top = m_pixels.data() + int64_t { m_height - 1 } * m_width;
+        picture.Blit(top, m_width, m_height, -m_width * 4);
+        return top;
+    }
+
+    ptrdiff_t Pitch() const { return -ptrdiff_t { m_width }; }
+
+private:
+    int32_t m_width;
+    int32_t m_height;
+    std::vector<uint32_t> m_pixels;
+};
+
+int RenderPicture(const RenderOptions& options, SongPlayback& playback, std::ostream& errors)
+{
+    std::error_code ignored;
+    if (!options.replace && std::filesystem::exists(options.output, ignored))
+        return Fail(errors, options.output + ": exists; --force replaces it");
+    const double length = PartLength(options, playback.Info());
+    const double at = options.at >= 0 ? options.at : options.from + length / 2;
+    if (at < options.from || (options.to >= 0 && at > options.to))
+        return Fail(errors, "--at lies outside --from and --to");
+    const int64_t last = static_cast<int64_t>((at - options.from) * options.stepRate.PerSecond());
+    host::ProgressLine progress(static_cast<double>(last + 1) / options.stepRate.PerSecond());
+    while (playback.StepCount() <= last) {
+        if (!playback.NextStep()) {
+            progress.Clear();
+            return Fail(errors,
+                playback.Error().empty() ? options.song + ": ends before the moment asked for"
+                                         : playback.Error());
+        }
+        progress.Update(static_cast<double>(playback.StepCount()) / options.stepRate.PerSecond(),
+            static_cast<uint64_t>(playback.StepCount()));
+    }
+    progress.Clear();
+
+    IOQImage* picture = &playback.Picture();
+    const std::unique_ptr<IOQImage> scaled(OQCreateImage());
+    if (options.pictureScale != 1.0) {
+        if (!scaled || !scaled->Create(options.width, options.height, 0, 0))
+            return Fail(errors, "no memory for a picture of this size");
+        picture->Blit(scaled->GetBits() + int64_t { options.height - 1 } * options.width,
+            options.width, options.height, -options.width * 4);
+        picture = scaled.get();
+    }
+    if (!picture->SavePng(OQString::FromUtf8(options.output).GetText(), true))
+        return Fail(errors, options.output + ": can't be written");
+    return 0;
+}
+
+int RenderVideo(const RenderOptions& options, SongPlayback& playback, std::ostream& errors)
+{
+    host::EncodeSettings settings;
+    settings.width = options.width;
+    settings.height = options.height;
+    settings.rateNumerator = static_cast<int>(options.frameRate.numerator);
+    settings.rateDenominator = static_cast<int>(options.frameRate.denominator);
+    settings.level = options.level;
+    settings.threads = options.threads;
+    settings.sound = options.sound;
+    settings.songPath = options.song;
+    settings.replace = options.replace;
+    settings.title = playback.Info().tags.title;
+    settings.artist = playback.Info().tags.artist;
+    settings.album = playback.Info().tags.album;
+    std::string error;
+    const auto writer = host::VideoWriter::Open(options.output, settings, error);
+    if (!writer)
+        return Fail(errors, error);
+
+    const Interrupt interrupt(options.output + ".part");
+    playback.SetSoundSink(
+        [&](const float* interleaved, size_t frames) { writer->AddSound(interleaved, frames); });
+    const double frameSeconds = 1.0 / options.frameRate.PerSecond();
+    const double length = PartLength(options, playback.Info());
+    host::ProgressLine progress(length);
+    ScaledPicture scaled(options.width, options.height);
+    uint64_t pictures = 0;
+    bool songGoesOn = true;
+    while (!Interrupt::Requested()) {
+        const double seconds = static_cast<double>(pictures) * frameSeconds;
+        if (options.to >= 0 && options.from + seconds >= options.to)
+            break;
+        const int64_t step = StepAt(pictures, options.frameRate, options.stepRate);
+        while (songGoesOn && playback.StepCount() <= step)
+            songGoesOn = playback.NextStep();
+        if (!songGoesOn)
+            break;
+        if (!writer->AddPicture(scaled.TopRow(playback.Picture()), scaled.Pitch()))
+            break;
+        progress.Update(seconds + frameSeconds, ++pictures);
+    }
+    progress.Clear();
+
+    if (!playback.Error().empty())
+        return Fail(errors, playback.Error());
+    if (pictures == 0)
+        return Fail(errors,
+            writer->Error().empty() ? options.song + ": holds no sound in that part"
+                                    : writer->Error());
+    if (!writer->Finish())
+        return Fail(errors, writer->Error());
+    if (Interrupt::Requested()) {
+        errors << "pxvis: stopped at " << std::fixed << std::setprecision(1)
+               << options.from + static_cast<double>(pictures) * frameSeconds << " s; "
+               << options.output << " holds what was done\n";
+        return 130;
+    }
+    return 0;
+}
+
+}
+
+int RunRender(const RenderOptions& options, std::ostream& errors)
+{
+    const bool picture = HasExtension(options.output, ".png");
+    if (!picture && !HasExtension(options.output, ".mp4"))
+        return Fail(errors, options.output + ": the name must end in .mp4 or .png");
+    // FIXME: *.webm and numbered pictures (frame-%05d.png).
+    if (picture && options.output.find('%') != std::string::npos)
+        return Fail(errors, options.output + ": numbered pictures can't be made yet");
+    if (!picture && (options.width % 2 != 0 || options.height % 2 != 0))
+        return Fail(errors, "the sides of a video are even numbers");
+
+    std::string error;
+    const auto playback = SongPlayback::Open(options, error, errors);
+    if (!playback)
+        return Fail(errors, error);
+    return picture ? RenderPicture(options, *playback, errors)
+                   : RenderVideo(options, *playback, errors);
+}
+
+}

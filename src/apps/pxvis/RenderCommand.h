@@ -1,0 +1,37 @@
+#pragma once
+
+#include "apps/pxvis/VisualSession.h"
+#include "host/EncodeSettings.h"
+
+#include <iosfwd>
+#include <string>
+
+namespace pxvis {
+
+struct RenderOptions
+{
+    std::string song;
+    std::string output; // *.mp4 or *.png
+    std::string script; // as FindScripts takes it
+    int32_t width = 1920;
+    int32_t height = 1080;
+    Rate frameRate;
+    Rate stepRate;
+    uint64_t seed = 0;
+    bool seeded = false; // without a seed the clock starts as in `frames`
+    double from = 0; // seconds of the song
+    double to = -1; // below 0: to the end
+    double at = -1; // of a single picture; below 0: the middle
+    double cycle = 20; // seconds to the next script of several
+    double pictureScale = 1.0; // 0.05 to 1
+    host::EncodeLevel level = host::EncodeLevel::Good;
+    host::SoundCoding sound = host::SoundCoding::Aac;
+    int threads = 0; // of the encoder; 0: as many as suit the machine
+    bool replace = false;
+};
+
+// The command "render": turns a song into a video or one picture of it. Gives the exit status;
+// 130 after Ctrl-C, with a whole video up to that moment.
+int RunRender(const RenderOptions& options, std::ostream& errors);
+
+}

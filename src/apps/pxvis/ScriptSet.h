@@ -1,0 +1,18 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace pxvis {
+
+// Script files (*.pxv) that a person names in one of three ways: a file, a folder (all scripts in
+// it and below), or the name of a script that the user keeps or that is shipped, with or without
+// its folder
+// ("Calm/Tide", "Tide"). An empty name means all shipped ones. Paths are UTF-8 and sorted.
+// Empty, and one line, if nothing fits.
+std::vector<std::string> FindScripts(const std::string& name, std::string& error);
+
+// The folder that holds what is shipped, without a "/" at its end.
+std::string ShippedDataFolder();
+
+}

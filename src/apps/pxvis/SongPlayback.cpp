@@ -1,0 +1,140 @@
+#include "apps/pxvis/SongPlayback.h"
+
+#include "apps/pxvis/RenderCommand.h"
+
+#include <algorithm>
+#include <cmath>
+#include <ostream>
+
+namespace pxvis {
+
+namespace {
+
+int64_t SamplesIn(double seconds)
+{
+    return static_cast<int64_t>(std::floor(std::min(seconds, 1e9) * host::SampleRate));
+}
+
+}
+
+// Hands the song on to the analysis, and the part that is asked for to the sink as well. The song
+// ends where that part does.
+class SongPlayback::SoundTap final : public host::SampleSource
+{
+public:
+    SoundTap(host::SampleSource& song, int64_t from, int64_t to)
+        : m_song(song)
+        , m_from(from)
+        , m_to(to)
+    {
+    }
+
+    size_t Read(float* interleaved, size_t frames) override
+    {
+        const int64_t wanted = std::min<int64_t>(static_cast<int64_t>(frames), m_to - m_position);
+        if (wanted <= 0)
+            return 0;
+        const size_t got = m_song.Read(interleaved, static_cast<size_t>(wanted));
+        const int64_t skipped
+            = std::clamp<int64_t>(m_from - m_position, 0, static_cast<int64_t>(got));
+        m_position += static_cast<int64_t>(got);
+        if (m_sink && skipped < static_cast<int64_t>(got))
+            m_sink(interleaved + skipped * 2, got - static_cast<size_t>(skipped));
+        return got;
+    }
+
+    std::string Error() const override { return m_song.Error(); }
+
+    void SetSink(SoundSink sink) { m_sink = std::move(sink); }
+
+private:
+    host::SampleSource& m_song;
+    int64_t m_from; // samples
+    int64_t m_to;
+    int64_t m_position = 0;
+    SoundSink m_sink;
+};
+
+SongPlayback::~SongPlayback() = default;
+
+std::unique_ptr<SongPlayback> SongPlayback::Open(
+    const RenderOptions& options, std::string& error, std::ostream& warnings)
+{
+    std::unique_ptr<SongPlayback> playback(new SongPlayback);
+    playback->m_cycle = options.cycle;
+    playback->m_stepRate = options.stepRate;
+
+    VisualSessionSettings session;
+    session.width = static_cast<int32_t>(options.width * options.pictureScale);
+    session.height = static_cast<int32_t>(options.height * options.pictureScale);
+    session.stepRate = options.stepRate;
+    // Seeds next to each other start the random numbers far apart.
+    if (options.seeded)
+        session.clockStartMs
+            += static_cast<int64_t>(options.seed * 2654435761u % (uint64_t { 1 } << 31));
+    playback->m_session = VisualSession::Create(session, error);
+    if (!playback->m_session)
+        return nullptr;
+
+    playback->m_scripts = FindScripts(options.script, error);
+    std::string fault;
+    std::erase_if(playback->m_scripts, [&](const std::string& script) {
+        if (playback->m_session->LoadScript(script, fault))
+            return false;
+        if (playback->m_scripts.size() > 1)
+            warnings << "pxvis: left out: " << fault << '\n';
+        return true;
+    });
+    if (playback->m_scripts.empty()) {
+        if (error.empty())
+            error = fault;
+        return nullptr;
+    }
+
+    playback->m_decoder = host::SongDecoder::Open(options.song, error);
+    if (!playback->m_decoder)
+        return nullptr;
+    playback->m_session->SetSong(playback->m_decoder->Info(), {});
+    const int64_t end = options.to < 0 ? INT64_MAX : SamplesIn(options.to);
+    playback->m_tap
+        = std::make_unique<SoundTap>(*playback->m_decoder, SamplesIn(options.from), end);
+    host::AnalysisOptions analysis;
+    analysis.stepNumerator = options.stepRate.numerator;
+    analysis.stepDenominator = options.stepRate.denominator;
+    analysis.from = options.from;
+    playback->m_analyzer.emplace(*playback->m_tap, analysis);
+    return playback;
+}
+
+void SongPlayback::SetSoundSink(SoundSink sink)
+{
+    m_tap->SetSink(std::move(sink));
+}
+
+bool SongPlayback::LoadScriptFor(double seconds)
+{
+    const size_t count = m_scripts.size();
+    const size_t index = count == 1 ? 0 : static_cast<size_t>(seconds / m_cycle) % count;
+    if (index == m_current)
+        return true;
+    m_current = index;
+    return m_session->LoadScript(m_scripts[index], m_error);
+}
+
+bool SongPlayback::NextStep()
+{
+    if (!LoadScriptFor(static_cast<double>(StepCount()) / m_stepRate.PerSecond()))
+        return false;
+    host::AudioRecord record;
+    if (!m_analyzer->Next(record)) {
+        m_error = m_decoder->Error();
+        return false;
+    }
+    if (!m_session->Step(record)) {
+        m_error = "no memory for a picture of this size";
+        return false;
+    }
+    return true;
+}
+
+}

@@ -1,0 +1,64 @@
+#pragma once
+
+#include "apps/pxvis/ScriptSet.h"
+#include "apps/pxvis/VisualSession.h"
+#include "host/SongDecoder.h"
+#include "host/analysis/SongAnalyzer.h"
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace pxvis {
+
+struct RenderOptions;
+
+// A song and the pictures that go with it, step by step: decoding, analysis, the engine, and the
+// change from script to script. One thread at a time.
+class SongPlayback
+{
+public:
+    // Called with the song's samples between from and to, in order, ahead of the steps that show
+    // them: interleaved pairs.
+    using SoundSink = std::function<void(const float* interleaved, size_t frames)>;
+
+    // Null, and one line, if the song or every script fails. `warnings` gets a line for each script
+    // of several that does not parse and is left out.
+    static std::unique_ptr<SongPlayback> Open(
+        const RenderOptions& options, std::string& error, std::ostream& warnings);
+    ~SongPlayback();
+
+    void SetSoundSink(SoundSink sink);
+
+    // Draws the next step. False at the end of the song, or on a fault: then Error() tells.
+    bool NextStep();
+
+    int64_t StepCount() const { return m_session->StepCount(); }
+
+    IOQImage& Picture() { return m_session->Picture(); }
+
+    const std::string& Error() const { return m_error; }
+
+    const host::SongInfo& Info() const { return m_decoder->Info(); }
+
+private:
+    class SoundTap;
+
+    SongPlayback() = default;
+
+    bool LoadScriptFor(double seconds);
+
+    double m_cycle = 0; // seconds
+    Rate m_stepRate;
+    std::vector<std::string> m_scripts;
+    size_t m_current = SIZE_MAX; // index of the loaded script
+    std::unique_ptr<host::SongDecoder> m_decoder;
+    std::unique_ptr<SoundTap> m_tap;
+    std::optional<host::SongAnalyzer> m_analyzer;
+    std::unique_ptr<VisualSession> m_session;
+    std::string m_error;
+};
+
+}

@@ -1,0 +1,94 @@
+#include "apps/pxvis/VisualSession.h"
+
+#include "engine2d/VisLimits.h"
+#include "foundation/OQFileSystem.h"
+#include "foundation/OQSiblingModules.h"
+#include "foundation/OQXmlDocument.h"
+
+namespace pxvis {
+
+VisualSession::VisualSession(const VisualSessionSettings& settings)
+    : m_settings(settings)
+    , m_audio(std::make_shared<host::RecordAudioState>())
+    , m_engine(this)
+{
+    m_context.virtualClock = true;
+    m_context.virtualNanoseconds = settings.clockStartMs * 1'000'000;
+    m_engine.SetEngineContext(&m_context);
+    m_audio->frameRate = static_cast<int32_t>(settings.stepRate.PerSecond() * 1000.0);
+}
+
+std::unique_ptr<VisualSession> VisualSession::Create(
+    const VisualSessionSettings& settings, std::string& error)
+{
+    const int32_t width = settings.width;
+    const int32_t height = settings.height;
+    if (width < smallestSide || height < smallestSide || width > largestSide || height > largestSide
+        || int64_t { width } * height > mostPixels) {
+        error = "a picture of " + std::to_string(width) + "x" + std::to_string(height)
+            + " can't be drawn: sides are " + std::to_string(smallestSide) + " to "
+            + std::to_string(largestSide) + " pixels, 64 megapixels in all";
+        return nullptr;
+    }
+    if (!OQSiblingModules::Get().ImageApp()) {
+        error = "the image module is missing: " + OQSiblingModules::Get().ImageFailure();
+        return nullptr;
+    }
+    return std::unique_ptr<VisualSession>(new VisualSession(settings));
+}
+
+bool VisualSession::LoadScript(const std::string& path, std::string& error)
+{
+    // The engine passes over what it can't read; a person who names a file wants to know.
+    const OQString script = OQString::FromUtf8(path);
+    OQString text;
+    if (!OQFileSystem::FileExists(script)) {
+        error = path + ": no such script";
+        return false;
+    }
+    if (!OQFileSystem::ReadTextFile(script, text, VisLimits::scriptFileBytes)) {
+        error = path + ": can't be read, or is no file of at most 4 MiB";
+        return false;
+    }
+    OQXmlDocument document;
+    if (!document.SetDocument(text)) {
+        error = path + ": not a script: " + document.GetError().ToUtf8();
+        return false;
+    }
+    if (m_engine.LoadScript(script) != 0) {
+        error = path + ": not a script: the root element must be PXV with the Version 1.0";
+        return false;
+    }
+    return true;
+}
+
+void VisualSession::SetSong(const host::SongInfo& info, const std::string& coverFile)
+{
+    m_audio->SetSong(info, coverFile);
+}
+
+bool VisualSession::Step(const host::AudioRecord& record)
+{
+    const uint64_t units = static_cast<uint64_t>(m_steps) * m_settings.stepRate.denominator;
+    const uint64_t rate = m_settings.stepRate.numerator;
+    const uint64_t elapsed = units / rate * 1'000'000'000 + units % rate * 1'000'000'000 / rate;
+    m_context.virtualNanoseconds
+        = m_settings.clockStartMs * 1'000'000 + static_cast<int64_t>(elapsed);
+    ++m_steps;
+    m_audio->record = record;
+    m_audio->ready = true;
+    return m_engine.Draw({ 0, 0, m_settings.width, m_settings.height }, false) == 0
+        && m_engine.GetBuffer().GetBits(0);
+}
+
+IOQImage& VisualSession::Picture()
+{
+    return *m_engine.GetBuffer().GetImage(0);
+}
+
+IVisAudioData* VisualSession::GetAudioData()
+{
+    return new host::RecordAudioData(m_audio);
+}
+
+}

@@ -1,0 +1,237 @@
+#include "apps/pxvis/AnalyzeCommand.h"
+#include "apps/pxvis/EvalCommand.h"
+#include "apps/pxvis/FramesCommand.h"
+#include "apps/pxvis/RenderCommand.h"
+
+#include <CLI/CLI.hpp>
+
+#include <charconv>
+#include <csignal>
+#include <exception>
+#include <iostream>
+#include <new>
+#include <unistd.h>
+
+namespace {
+
+constexpr int usageStatus = 2;
+
+template <typename Number>
+bool ReadNumber(std::string_view text, Number& number)
+{
+    const auto [end, fault] = std::from_chars(text.data(), text.data() + text.size(), number);
+    return fault == std::errc() && end == text.data() + text.size();
+}
+
+// "1920x1080"
+struct SizeText
+{
+    int32_t& width;
+    int32_t& height;
+
+    std::string operator()(const std::string& text) const
+    {
+        const size_t cross = text.find('x');
+        if (cross == std::string::npos
+            || !ReadNumber(std::string_view(text).substr(0, cross), width)
+            || !ReadNumber(std::string_view(text).substr(cross + 1), height))
+            return "'" + text + "' is not a size such as 1920x1080";
+        return {};
+    }
+};
+
+// "60" or "30000/1001"
+struct RateText
+{
+    pxvis::Rate& rate;
+
+    std::string operator()(const std::string& text) const
+    {
+        const size_t slash = text.find('/');
+        const std::string_view view = text;
+        rate.denominator = 1;
+        bool good = ReadNumber(view.substr(0, slash), rate.numerator);
+        if (slash != std::string::npos)
+            good = good && ReadNumber(view.substr(slash + 1), rate.denominator);
+        good = good && rate.numerator >= 1 && rate.denominator >= 1 && rate.numerator <= 1'000'000
+            && rate.denominator <= 1'000'000 && rate.PerSecond() <= 1000.0;
+        return good ? std::string()
+                    : "'" + text + "' is not a rate of at most 1000 such as 60 or 30000/1001";
+    }
+};
+
+// What is read from the option's text lands in the fields that the reader refers to.
+template <typename Reader>
+CLI::Option* AddText(CLI::App& command, const std::string& names, const Reader& reader,
+    const std::string& description, const std::string& standard)
+{
+    return command
+        .add_option_function<std::string>(
+            names,
+            [names, reader](const std::string& text) {
+                const std::string fault = reader(text);
+                if (!fault.empty())
+                    throw CLI::ValidationError(names, fault);
+            },
+            description + " [" + standard + "]")
+        ->type_name("");
+}
+
+void AddKernelAndThreads(CLI::App& command, std::string& kernel, int& threads)
+{
+    // FIXME: one set of kernels so far, the scalar ones, so that both mean the same.
+    command.add_option("--kernel", kernel, "Pixel loops: auto, scalar")
+        ->check(CLI::IsMember({ "auto", "scalar" }))
+        ->capture_default_str();
+    command.add_option("--threads", threads, "Threads; 0: as many as suit the machine")
+        ->check(CLI::Range(0, 256))
+        ->capture_default_str();
+}
+
+void AddRender(CLI::App& app, pxvis::RenderOptions& options, std::string& kernel)
+{
+    CLI::App& command
+        = *app.add_subcommand("render", "Turn a song into a video, or into a picture of it");
+    command.add_option("AUDIO", options.song, "The song: any file that can be decoded")->required();
+    command.add_option("-o,--output", options.output, "*.mp4, or *.png for one picture")
+        ->required();
+    command.add_option("--script", options.script,
+        "A script's file or name, or a folder of scripts [the shipped ones]");
+    AddText(command, "--size", SizeText { options.width, options.height }, "Pixels", "1920x1080");
+    AddText(command, "--fps", RateText { options.frameRate }, "Pictures a second, N or N/D", "60");
+    AddText(command, "--step-rate", RateText { options.stepRate }, "Steps of the engine a second",
+        "60");
+    command.add_option_function<uint64_t>(
+        "--seed",
+        [&options](uint64_t seed) {
+            options.seed = seed;
+            options.seeded = true;
+        },
+        "Other random numbers");
+    command.add_option("--from", options.from, "Start in the song, in seconds")
+        ->check(CLI::Range(0.0, 1e6));
+    command.add_option("--to", options.to, "End in the song, in seconds")
+        ->check(CLI::Range(0.0, 1e6));
+    command
+        .add_option("--at", options.at, "The moment of a single picture, in seconds [the middle]")
+        ->check(CLI::Range(0.0, 1e6));
+    command.add_option("--cycle", options.cycle, "Seconds to the next script of several")
+        ->check(CLI::Range(0.1, 1e6))
+        ->capture_default_str();
+    command.add_option("--picture-scale", options.pictureScale, "Draw smaller by this and stretch")
+        ->check(CLI::Range(0.05, 1.0))
+        ->capture_default_str();
+    command.add_option("--encode", options.level, "Quality: draft, good, best [good]")
+        ->transform(CLI::Transformer(std::map<std::string, pxvis::host::EncodeLevel> {
+            { "draft", pxvis::host::EncodeLevel::Draft },
+            { "good", pxvis::host::EncodeLevel::Good },
+            { "best", pxvis::host::EncodeLevel::Best },
+        }));
+    command.add_option("--audio", options.sound, "Sound: copy, aac, opus [aac]")
+        ->transform(CLI::Transformer(std::map<std::string, pxvis::host::SoundCoding> {
+            { "aac", pxvis::host::SoundCoding::Aac },
+            { "opus", pxvis::host::SoundCoding::Opus },
+            { "copy", pxvis::host::SoundCoding::Copy },
+        }));
+    AddKernelAndThreads(command, kernel, options.threads);
+    command.add_flag("--force", options.replace, "Replace an existing output");
+}
+
+void AddFrames(CLI::App& app, pxvis::FramesOptions& options, std::string& kernel, int& threads)
+{
+    CLI::App& command = *app.add_subcommand("frames",
+        "Read audio records from standard input, write a picture for each to standard output");
+    command.add_option("--script", options.script, "The script's file")->required();
+    AddText(command, "--size", SizeText { options.session.width, options.session.height }, "Pixels",
+        "none")
+        ->required();
+    command
+        .add_option("--clock-start", options.session.clockStartMs,
+            "The engine's clock at the first record, in ms")
+        ->check(CLI::Range(int64_t { 0 }, int64_t { 1 } << 40))
+        ->capture_default_str();
+    AddText(command, "--fps", RateText { options.session.stepRate }, "Records a second, N or N/D",
+        "60");
+    AddKernelAndThreads(command, kernel, threads);
+}
+
+void AddAnalyze(CLI::App& app, pxvis::AnalyzeOptions& options)
+{
+    CLI::App& command
+        = *app.add_subcommand("analyze", "Write a song's audio records to standard output");
+    command.add_option("AUDIO", options.song, "The song: any file that can be decoded")->required();
+    AddText(
+        command, "--step-rate", RateText { options.stepRate }, "Records a second, N or N/D", "60");
+    command.add_option("--from", options.from, "Start in the song, in seconds")
+        ->check(CLI::Range(0.0, 1e6));
+    command.add_option("--to", options.to, "End in the song, in seconds")
+        ->check(CLI::Range(0.0, 1e6));
+}
+
+int Run(int argc, char** argv)
+{
+    CLI::App app("Music made visible: songs become moving pictures.", "pxvis");
+    app.require_subcommand(1);
+    std::string kernel = "auto";
+    int threads = 0;
+    pxvis::RenderOptions render;
+    pxvis::FramesOptions frames;
+    pxvis::AnalyzeOptions analyze;
+    AddRender(app, render, kernel);
+    AddFrames(app, frames, kernel, threads);
+    AddAnalyze(app, analyze);
+    std::string equation;
+    bool batch = false;
+    CLI::App& eval = *app.add_subcommand(
+        "eval", "Evaluate an equation, or one for each line of standard input");
+    CLI::Option* text = eval.add_option("EQUATION", equation, "The equation's text");
+    eval.add_flag("--batch", batch, "Read equations from standard input, one a line")
+        ->excludes(text);
+
+    try {
+        app.parse(argc, argv);
+        if (eval.parsed() && !batch && text->empty())
+            throw CLI::RequiredError("EQUATION or --batch");
+    } catch (const CLI::Success& request) {
+        return app.exit(request);
+    } catch (const CLI::Error& error) {
+        std::cerr << "pxvis: " << error.what() << " (--help tells more)\n";
+        return usageStatus;
+    }
+
+    if (app.got_subcommand("render"))
+        return pxvis::RunRender(render, std::cerr);
+    if (eval.parsed())
+        return batch ? pxvis::RunEvalBatch(std::cin, std::cout, std::cerr)
+                     : pxvis::RunEval(equation, std::cout, std::cerr);
+    if (isatty(STDOUT_FILENO)) {
+        std::cerr << "pxvis: the output is binary; send it to a file or to another program\n";
+        return usageStatus;
+    }
+    const int status = app.got_subcommand("frames")
+        ? pxvis::RunFrames(frames, std::cin, std::cout, std::cerr)
+        : pxvis::RunAnalyze(analyze, std::cout, std::cerr);
+    std::cout.flush();
+    if (status == 0 && !std::cout) {
+        std::cerr << "pxvis: the output can't be written\n";
+        return 1;
+    }
+    return status;
+}
+
+}
+
+int main(int argc, char** argv)
+{
+    std::ios::sync_with_stdio(false);
+    // A reader that goes away is a failed write, not the end of the process.
+    std::signal(SIGPIPE, SIG_IGN);
+    try {
+        return Run(argc, argv);
+    } catch (const std::bad_alloc&) {
+        std::cerr << "pxvis: out of memory\n";
+    } catch (const std::exception& fault) {
+        std::cerr << "pxvis: " << fault.what() << '\n';
+    }
+    return 1;
+}

@@ -1,0 +1,268 @@
+#include "components/CSpectrumAnalyzerVisComponent.h"
+
+#include "components/SpectrumAnalyzerPresets.h"
+#include "engine2d/CVisBufferHelper.h"
+#include "engine2d/VisLimits.h"
+#include "engine2d/VisPresets.h"
+#include "foundation/OQTruncate.h"
+#include "kernels/FillRect.h"
+#include "kernels/PixelFromColor.h"
+#include "kernels/Wrapped.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <limits>
+#include <pxvis/IVisAudioData.h>
+
+namespace {
+
+using pxvis::kernels::AddWrapped;
+using pxvis::kernels::MultiplyWrapped;
+using pxvis::kernels::PixelFromColor;
+using pxvis::kernels::SubtractWrapped;
+
+constexpr float phaseStep = 0.005f;
+
+int32_t LimitFall(int32_t velocity, int32_t terminalVelocity)
+{
+    const int32_t fastest = SubtractWrapped(0, terminalVelocity);
+    return terminalVelocity != 0 && velocity <= fastest ? fastest : velocity;
+}
+
+// A row or column outside the picture counts as the one at the edge.
+int32_t Clamped(int64_t position, int32_t side)
+{
+    return static_cast<int32_t>(std::clamp<int64_t>(position, 0, side - 1));
+}
+
+// Columns first to last and rows top to bottom, all included and inside the picture.
+void FillBlock(const CVisBufferHelper& picture, int32_t first, int32_t last, int32_t top,
+    int32_t bottom, uint32_t pixel)
+{
+    const int64_t width = picture.Width();
+    pxvis::kernels::FillRect(picture.Bits() + (picture.Height() - 1 - top) * width + first, -width,
+        last - first + 1, bottom - top + 1, pixel);
+}
+
+}
+
+CSpectrumAnalyzerVisComponent::CSpectrumAnalyzerVisComponent()
+{
+    Bind(u"DrawSource", m_drawSource, 0, &SpectrumDrawSourcePresets());
+    Bind(u"Channels", m_spectrum.channels, 0, &SpectrumChannelPresets());
+    Bind(u"DrawPeaks", m_drawPeaks, 1, &NoYesPresets());
+    Bind(u"DrawBars", m_drawBars, 1, &NoYesPresets());
+    Bind(u"Mirrored", m_mirrored, 1, &NoYesPresets());
+    Bind(u"ImageFile", m_imageFile, u"COVER_ART");
+    Bind(u"PeakGravity", m_peakGravity, 512, &SpectrumGravityPresets());
+    Bind(u"BarGravity", m_barGravity, 1024, &SpectrumGravityPresets());
+    Bind(u"PeakTerminalVelocity", m_peakTerminalVelocity, 0, &SpectrumTerminalVelocityPresets());
+    Bind(u"BarTerminalVelocity", m_barTerminalVelocity, 0, &SpectrumTerminalVelocityPresets());
+    Bind(u"PeakThrowForce", m_peakThrowForce, 0, &SpectrumThrowPresets());
+    Bind(u"FFTElements", m_spectrum.fftElements, 512, &SpectrumElementPresets());
+    Bind(u"FrequencyScale", m_spectrum.frequencyScale, 5, &SpectrumScalePresets());
+    Bind(u"TopWeight", m_spectrum.topWeight, 5, &SpectrumWeightPresets());
+    Bind(u"UpScale", m_spectrum.upScale, 80, &SpectrumRaisePresets());
+    Bind(u"BarWidth", m_barWidth, 0.01f, &SpectrumWidthPresets());
+    Bind(u"BarSpacing", m_barSpacing, 0.003f, &SpectrumSpacingPresets());
+    Bind(u"PeakHeight", m_peakHeight, 0.0f, &SpectrumPeakPresets());
+    Bind(u"PeakColor", m_peakColor, 0xFFFFFF);
+    Bind(u"Gradient", m_gradientText,
+        u"{2, 4} [[0xFF0000,0x000000][0x00FF00,0x000000][0x0000FF,0x000000][0xFF0000,0x000000]]",
+        &GradientPresets());
+    Bind(u"MainRectangle", m_mainRectangle, &RectanglePresets());
+    LoadProperties(nullptr);
+}
+
+int32_t CSpectrumAnalyzerVisComponent::Invalidate()
+{
+    m_prepared = false;
+    return 0;
+}
+
+void CSpectrumAnalyzerVisComponent::Start()
+{
+    m_barVelocities.fill(0);
+    m_barHeights.fill(0);
+    m_peakHeights.fill(0);
+    m_peakVelocities.fill(0);
+    m_pixelRectangle = PixelRect(m_mainRectangle, m_rect.Width(), m_rect.Height());
+    // FIXME: with a draw source of 1 the picture of m_imageFile fills bars and peaks; until image
+    // sources are there it counts as one that does not load, and nothing is filled.
+    m_gradient.SetText(m_gradientText);
+    m_prepared = true;
+}
+
+CSpectrumAnalyzerVisComponent::Metrics CSpectrumAnalyzerVisComponent::Measure(
+    int32_t width, int32_t height) const
+{
+    const float w = static_cast<float>(width);
+    const float h = static_cast<float>(height);
+    Metrics metrics {};
+    metrics.barWidth = std::max(1, OQTruncateToInt32(w * m_barWidth));
+    int64_t gap = OQTruncateToInt32(m_barSpacing * w);
+    if (m_barSpacing > 0)
+        gap = std::max<int64_t>(gap, 1);
+    metrics.peakHeight = std::max(1, OQTruncateToInt32(h * m_peakHeight));
+    // A negative spacing lets bars overlap, but each still moves on.
+    metrics.pitch = std::max<int64_t>(metrics.barWidth + gap, 1);
+    const int64_t across = std::abs(int64_t { m_pixelRectangle.right } - m_pixelRectangle.left);
+    metrics.bars = static_cast<int32_t>(std::min<int64_t>(maxBars, across / metrics.pitch));
+    metrics.margin = (across - metrics.bars * metrics.pitch) / 2;
+    return metrics;
+}
+
+int32_t CSpectrumAnalyzerVisComponent::Draw(IVisBuffer& buffer, IVisAudioData& audio)
+{
+    if (!m_prepared)
+        Start();
+    const CVisBufferHelper picture(buffer);
+    const VisAudioBlock* block = audio.GetData();
+    if (!picture.Bits() || !block)
+        return -1;
+
+    m_phase += phaseStep;
+    if (m_phase >= 1.0f)
+        m_phase = 0;
+    BuildColors();
+
+    const Metrics metrics = Measure(picture.Width(), picture.Height());
+    CSpectrumBarValues values(*block, m_spectrum, metrics.bars);
+    m_barBoxes.clear();
+    m_peakBoxes.clear();
+    for (size_t bar = 0; bar < static_cast<size_t>(metrics.bars); ++bar) {
+        MoveBar(bar, values.Next());
+        if (m_drawPeaks)
+            MovePeak(bar);
+        CollectBoxes(metrics, bar);
+    }
+    if (m_drawSource == 1)
+        return 0;
+    for (const Box& box : m_barBoxes)
+        FillBar(picture, box);
+    for (const Box& box : m_peakBoxes)
+        FillPeak(picture, box);
+    return 0;
+}
+
+void CSpectrumAnalyzerVisComponent::MoveBar(size_t bar, int32_t target)
+{
+    int32_t velocity = m_barVelocities[bar];
+    int32_t height = std::max(AddWrapped(m_barHeights[bar], velocity / 256), 0);
+    velocity = LimitFall(SubtractWrapped(velocity, m_barGravity), m_barTerminalVelocity);
+    if (height < target) {
+        height = target;
+        velocity = 0;
+    }
+    m_barHeights[bar] = height;
+    m_barVelocities[bar] = velocity;
+}
+
+// A rising bar pushes the peak up and throws it.
+void CSpectrumAnalyzerVisComponent::MovePeak(size_t bar)
+{
+    int32_t velocity = m_peakVelocities[bar];
+    int32_t height = std::max(AddWrapped(m_peakHeights[bar], velocity / 256), 0);
+    velocity = LimitFall(SubtractWrapped(velocity, m_peakGravity), m_peakTerminalVelocity);
+    if (height < m_barHeights[bar]) {
+        velocity = MultiplyWrapped(m_barHeights[bar] - height, m_peakThrowForce);
+        height = m_barHeights[bar];
+    }
+    m_peakHeights[bar] = height;
+    m_peakVelocities[bar] = velocity;
+}
+
+void CSpectrumAnalyzerVisComponent::CollectBoxes(const Metrics& metrics, size_t bar)
+{
+    const OQRect& area = m_pixelRectangle;
+    const bool reversed = area.right < area.left;
+    const int64_t step = metrics.pitch * static_cast<int64_t>(bar);
+    const int64_t start = reversed ? area.left - step : area.left + step;
+    const int64_t x1 = start + metrics.margin;
+    const int64_t x2 = reversed ? x1 - metrics.barWidth : x1 + metrics.barWidth;
+    const int64_t height = m_barHeights[bar];
+    const int64_t peak = m_peakHeights[bar];
+
+    if (!m_mirrored) {
+        const int64_t down = int64_t { area.bottom } - area.top;
+        if (m_drawBars)
+            m_barBoxes.push_back({ x1, area.bottom - height * down / 1000, x2, area.bottom });
+        if (m_drawPeaks) {
+            const int64_t y = area.bottom - down * peak / 1000;
+            m_peakBoxes.push_back({ x1, y - 2, x2, y }); // 2 rows, whatever the peak height says
+        }
+        return;
+    }
+    const int64_t middle = (int64_t { area.top } + area.bottom) / 2;
+    const int64_t half = (int64_t { area.bottom } - area.top) / 2;
+    if (m_drawBars) {
+        m_barBoxes.push_back({ x1, middle - height * half / 1000, x2, middle });
+        m_barBoxes.push_back({ x1, middle + half * height / 1000, x2, middle });
+    }
+    if (m_drawPeaks) {
+        const int64_t away = half * peak / 1000;
+        m_peakBoxes.push_back({ x1, middle - away - metrics.peakHeight, x2, middle - away });
+        m_peakBoxes.push_back({ x1, middle + away, x2, middle + away + metrics.peakHeight });
+    }
+}
+
+void CSpectrumAnalyzerVisComponent::BuildColors()
+{
+    int64_t span = std::abs(int64_t { m_pixelRectangle.bottom } - m_pixelRectangle.top);
+    if (m_mirrored)
+        span /= 2;
+    const int64_t entries = std::min<int64_t>(span + 1, std::numeric_limits<int32_t>::max());
+    m_gradient.BuildTable(m_phase, static_cast<int32_t>(entries));
+    m_tablePixels.resize(
+        static_cast<size_t>(std::min<int64_t>(entries, VisLimits::gradientTableEntries)));
+    for (size_t i = 0; i < m_tablePixels.size(); ++i)
+        m_tablePixels[i] = PixelFromColor(m_gradient.TableColor(static_cast<int32_t>(i)));
+}
+
+// A thrown bar never passes the table, but rounding in a reversed area may: the last colour then.
+uint32_t CSpectrumAnalyzerVisComponent::TablePixel(int64_t index) const
+{
+    if (index < static_cast<int64_t>(m_tablePixels.size()))
+        return m_tablePixels[static_cast<size_t>(index)];
+    const int64_t last = m_gradient.GetTableSize() - 1;
+    return PixelFromColor(m_gradient.TableColor(static_cast<int32_t>(std::min(index, last))));
+}
+
+// Rows from the base line (the box's bottom entry) to its top entry, both included, in the order of
+// the table. Rows outside the picture pile up on its edge row, where the last of them stays.
+void CSpectrumAnalyzerVisComponent::FillBar(const CVisBufferHelper& picture, const Box& box) const
+{
+    const int64_t leftmost = std::min(box.left, box.right);
+    const int64_t rightmost = std::max(box.left, box.right);
+    if (leftmost == rightmost)
+        return;
+    const int32_t first = Clamped(leftmost, picture.Width());
+    const int32_t last = Clamped(rightmost - 1, picture.Width());
+
+    const bool upward = box.top <= box.bottom;
+    const int64_t rows = std::abs(box.bottom - box.top);
+    const int32_t height = picture.Height();
+    const int32_t highest = Clamped(std::min(box.top, box.bottom), height);
+    const int32_t lowest = Clamped(std::max(box.top, box.bottom), height);
+    for (int32_t y = highest; y <= lowest; ++y) {
+        int64_t index = upward ? box.bottom - y : y - box.bottom;
+        const bool tipIsOutside
+            = upward ? y == 0 && box.top < 0 : y == height - 1 && box.top > height - 1;
+        if (tipIsOutside || index > rows)
+            index = rows;
+        FillBlock(picture, first, last, y, y, TablePixel(index));
+    }
+}
+
+void CSpectrumAnalyzerVisComponent::FillPeak(const CVisBufferHelper& picture, const Box& box) const
+{
+    const auto [left, right] = std::minmax(box.left, box.right);
+    const auto [top, bottom] = std::minmax(box.top, box.bottom);
+    if (left == right || top == bottom)
+        return;
+    const int32_t first = Clamped(left, picture.Width());
+    const int32_t last = Clamped(right - 1, picture.Width());
+    // PeakColor is 0xRRGGBB, which is a pixel of alpha 0.
+    FillBlock(picture, first, last, Clamped(top, picture.Height()),
+        Clamped(bottom - 1, picture.Height()), m_peakColor.value);
+}

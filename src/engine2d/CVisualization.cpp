@@ -1,0 +1,212 @@
+#include "engine2d/CVisualization.h"
+
+#include "engine2d/CVisComponent.h"
+#include "engine2d/CVisLayer.h"
+#include "engine2d/CVisSaveLoadHelper.h"
+#include "engine2d/VisLimits.h"
+#include "foundation/OQFileSystem.h"
+#include "foundation/OQNumberText.h"
+
+#include <pxvis/IVisAudioData.h>
+
+namespace {
+
+constexpr const OQChar* rootTag = u"PXV";
+constexpr const OQChar* formatVersion = u"1.0";
+constexpr int64_t dateCheckMs = 500;
+
+}
+
+class CVisualization::Operation
+{
+public:
+    explicit Operation(CVisualization& engine)
+        : m_guard(engine.m_lock)
+        , m_scope(engine.m_context)
+    {
+    }
+
+private:
+    std::lock_guard<std::recursive_mutex> m_guard;
+    OQEngineContextScope m_scope;
+};
+
+CVisualization::CVisualization(IVisualization2DOwner* owner)
+    : m_owner(owner)
+    , m_rootPiece(nullptr)
+{
+    m_rootPiece.MakeLayer();
+    m_componentManager.Fill();
+}
+
+CVisualization::~CVisualization()
+{
+    Reset();
+}
+
+void CVisualization::SetEngineContext(OQEngineContext* context)
+{
+    const std::lock_guard guard(m_lock);
+    m_context = context;
+}
+
+void CVisualization::Reset()
+{
+    const Operation operation(*this);
+    m_rootPiece.MakeLayer();
+    m_sized = false;
+    m_audioData.reset();
+}
+
+int32_t CVisualization::LoadScript(const OQString& path)
+{
+    const Operation operation(*this);
+    // The caller may hand in our own path, which must outlive its assignment.
+    const OQString script = path;
+    Reset();
+    m_scriptPath = script;
+    if (!OQFileSystem::FileExists(script))
+        return -1;
+    m_scriptDate = OQFileSystem::GetLastWriteTime(script);
+    m_lastCheck = OQClockMilliseconds();
+
+    OQString text;
+    if (!OQFileSystem::ReadTextFile(script, text, VisLimits::scriptFileBytes))
+        return -1;
+    m_scriptDocument.SetDocument(text);
+    if (!m_scriptDocument.FindElem(rootTag)
+        || m_scriptDocument.GetAttrib(u"Version") != formatVersion)
+        return -1;
+    m_scriptDocument.IntoElem();
+    CVisSaveLoadHelper(m_scriptDocument).ReadChildren(m_rootPiece, m_componentManager);
+    if (m_owner)
+        m_owner->OnScriptLoaded();
+    m_sized = false;
+    return 0;
+}
+
+int32_t CVisualization::SaveScript(const OQString& path)
+{
+    const Operation operation(*this);
+    if (!path.IsEmpty())
+        m_scriptPath = path;
+    m_scriptDocument.SetDocument({});
+    m_scriptDocument.AddElem(rootTag);
+    m_scriptDocument.SetAttrib(u"Version", formatVersion);
+    m_scriptDocument.IntoElem();
+    CVisSaveLoadHelper helper(m_scriptDocument);
+    const CVisLayer& root = *m_rootPiece.GetLayer();
+    for (int32_t i = 0; i < root.GetPieceCount(); ++i)
+        helper.WritePiece(*root.GetPiece(i));
+    OQFileSystem::WriteTextFile(m_scriptPath, m_scriptDocument.GetDoc());
+    return 0;
+}
+
+int32_t CVisualization::Resize(const OQRect& rect)
+{
+    const Operation operation(*this);
+    if (rect.Width() < 5 || rect.Height() < 5)
+        return -1;
+    m_rootPiece.Resize(rect);
+    m_size = rect;
+    m_sized = true;
+    return 0;
+}
+
+int32_t CVisualization::Draw(const OQRect& rect, bool showFps)
+{
+    const Operation operation(*this);
+    if (!m_sized)
+        Resize(rect);
+    if (m_size.Width() < 4 || m_size.Height() < 4)
+        return -1;
+    CheckScriptDate();
+    if (!m_audioData && m_owner)
+        m_audioData.reset(m_owner->GetAudioData());
+    if (m_audioData && m_audioData->Refresh() == 0)
+        m_rootPiece.GetLayer()->Draw(*m_audioData, rect);
+    if (showFps)
+        DrawFrameRate();
+    return 0;
+}
+
+void CVisualization::CheckScriptDate()
+{
+    // Under a virtual clock the picture depends on the input alone.
+    if (OQCurrentEngineContext().virtualClock)
+        return;
+    if (OQClockMilliseconds() - m_lastCheck <= dateCheckMs)
+        return;
+    if (!m_scriptPath.IsEmpty() && OQFileSystem::GetLastWriteTime(m_scriptPath) != m_scriptDate)
+        LoadScript(m_scriptPath);
+    m_lastCheck = OQClockMilliseconds();
+}
+
+void CVisualization::DrawFrameRate()
+{
+    IOQImage* image = GetBuffer().GetImage(0);
+    if (!image)
+        return;
+    const int32_t thousandths = m_audioData ? m_audioData->GetValue(VisAudioValueFrameRate) : 0;
+    const float rate = static_cast<float>(thousandths) / 1000.0f;
+    const OQString text = u"fps: " + OQFixedToText(double { rate }, 1);
+    const OQRect area { 1, 1, m_size.Width() - 2, m_size.Height() - 2 };
+    image->DrawText(text.GetText(), area, 0xFFFFFF, nullptr, 0, 1, -1);
+}
+
+int32_t CVisualization::AddPiece(int32_t type, CVisLayerPiece* where)
+{
+    const Operation operation(*this);
+    if (type < 0 && type != newLayer)
+        return 0;
+    CVisLayerPiece* parent = &m_rootPiece;
+    if (where && where->GetType() == CVisLayerPiece::Type::Layer)
+        parent = where;
+    else if (where && where->GetType() == CVisLayerPiece::Type::Component && where->GetParent())
+        parent = where->GetParent();
+
+    auto piece = std::make_unique<CVisLayerPiece>(parent);
+    if (type == newLayer) {
+        piece->MakeLayer();
+    } else {
+        auto component = m_componentManager.MakeComponent(type);
+        if (!component)
+            return 0;
+        piece->MakeComponent(std::move(component));
+    }
+    CVisLayer& layer = *parent->GetLayer();
+    piece->Resize(layer.GetPixelRect());
+    layer.InsertPiece(layer.FindPiece(where) + 1, std::move(piece));
+    return 1;
+}
+
+int32_t CVisualization::MovePiece(CVisLayerPiece* piece, int32_t direction)
+{
+    const Operation operation(*this);
+    if (direction == 0 || !piece || !piece->GetParent())
+        return 0;
+    CVisLayerPiece* parent = piece->GetParent();
+    CVisLayer& layer = *parent->GetLayer();
+    const bool up = direction < 1;
+    const int32_t index = layer.FindPiece(piece);
+    const int32_t neighbour = up ? index - 1 : index + 1;
+    if (neighbour >= 0 && neighbour < layer.GetPieceCount()) {
+        CVisLayer* inner = layer.GetPiece(neighbour)->GetLayer();
+        if (inner)
+            inner->InsertPiece(up ? inner->GetPieceCount() : 0, layer.TakePiece(index));
+        else
+            layer.InsertPiece(neighbour, layer.TakePiece(index));
+        return 1;
+    }
+    if (!parent->GetParent())
+        return 0;
+    CVisLayer& outer = *parent->GetParent()->GetLayer();
+    const int32_t parentIndex = outer.FindPiece(parent);
+    outer.InsertPiece(up ? parentIndex : parentIndex + 1, layer.TakePiece(index));
+    return 1;
+}
+
+IVisBuffer& CVisualization::GetBuffer()
+{
+    return m_rootPiece.GetLayer()->GetBuffer();
+}

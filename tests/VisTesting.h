@@ -1,0 +1,100 @@
+#pragma once
+
+#include "engine2d/CDibBuffer.h"
+#include "engine2d/IVisualization2DOwner.h"
+
+#include <pxvis/IVisAudioData.h>
+
+#include <cstdint>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <unistd.h>
+
+// Audio that a test sets as it likes.
+struct TestAudio final : IVisAudioData
+{
+    int32_t Refresh() override { return refreshResult; }
+
+    void Reserved() override { }
+
+    const VisAudioBlock* GetData() override { return &block; }
+
+    int32_t GetValue(int32_t which) override { return which >= 0 && which < 4 ? values[which] : 0; }
+
+    const void* GetPlayInfo() override { return nullptr; }
+
+    char16_t* GetTrackField(int32_t) override { return nullptr; }
+
+    char16_t* ExpandText(const char16_t*) override { return nullptr; }
+
+    VisAudioBlock block {};
+    int32_t values[4] = { 0, 0, 60000, 0 }; // level, beat, frame rate, change
+    int32_t refreshResult = 0;
+};
+
+// Gives an engine audio that the test goes on setting through `audio`.
+struct TestOwner final : IVisualization2DOwner
+{
+    void OnScriptLoaded() override { ++scriptsLoaded; }
+
+    IVisAudioData* GetAudioData() override
+    {
+        audio = new TestAudio;
+        audio->values[0] = level;
+        audio->values[1] = beat;
+        return audio;
+    }
+
+    TestAudio* audio = nullptr; // the engine's
+    int32_t level = 0; // of new audio
+    int32_t beat = 0;
+    int scriptsLoaded = 0;
+};
+
+// The pixel at (x, y) from the top left of a ring's image.
+inline uint32_t& PixelAt(IVisBuffer& buffer, int32_t x, int32_t y, int32_t offset = 0)
+{
+    OQSize size;
+    buffer.GetSize(&size);
+    return buffer.GetBits(offset)[(size.cy - 1 - y) * size.cx + x];
+}
+
+inline void FillBuffer(IVisBuffer& buffer, uint32_t pixel, int32_t offset = 0)
+{
+    OQSize size;
+    buffer.GetSize(&size);
+    for (int32_t i = 0; i < size.cx * size.cy; ++i)
+        buffer.GetBits(offset)[i] = pixel;
+}
+
+// A file of the test's own, gone at the end.
+class TestFile
+{
+public:
+    TestFile(const std::string& name, const std::string& text)
+        : m_path((std::filesystem::temp_directory_path() / (std::to_string(getpid()) + "-" + name))
+                     .string())
+    {
+        Write(text);
+    }
+
+    ~TestFile()
+    {
+        std::error_code ignored;
+        std::filesystem::remove(m_path, ignored);
+    }
+
+    void Write(const std::string& text) const { std::ofstream(m_path, std::ios::binary) << text; }
+
+    std::string Read() const
+    {
+        std::ifstream file(m_path, std::ios::binary);
+        return { std::istreambuf_iterator<char>(file), {} };
+    }
+
+    const std::string& Path() const { return m_path; }
+
+private:
+    std::string m_path;
+};
