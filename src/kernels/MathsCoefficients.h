@@ -29,8 +29,8 @@ inline constexpr double ln2Lo = 0x1.3de6af278ece6p-42;
 inline constexpr double oneOverLn2 = 0x1.71547652b82fep0;
 
 // 26 and 53 bits.
-inline constexpr double twoThirdsHi = 0x1.555555p-1;
-inline constexpr double twoThirdsLo = 0x1.5555555555555p-27;
+inline constexpr double twoFifteenthsHi = 0x1.111111p-3;
+inline constexpr double twoFifteenthsLo = 0x1.1111111111111p-31;
 
 // sin r = r + r z p(z), z = r^2, |r| <= pi/4. Relative error below 2^-62.
 inline constexpr double sinTail[] = {
@@ -53,23 +53,20 @@ inline constexpr double cosTail[] = {
     -0x1.8fa681e3853d1p-37,
 };
 
-// atan t = t + t z p(z), z = t^2, |t| <= 0.66. Relative error below 2^-59.
+// atan t = t + t z p(z), z = t^2, |t| <= sqrt 2 - 1. Relative error below 2^-63.
 inline constexpr double atanTail[] = {
-    -0x1.5555555555544p-2,
-    0x1.99999999978dp-3,
-    -0x1.24924923e4308p-3,
-    0x1.c71c718c71edap-4,
-    -0x1.745d115f0f2e3p-4,
-    0x1.3b134de813f84p-4,
-    -0x1.110c8d7d6233fp-4,
-    0x1.e196960769827p-5,
-    -0x1.ad5b71410fb44p-5,
-    0x1.7de1f90b9e908p-5,
-    -0x1.480a81a7babb5p-5,
-    0x1.fe072ca42392dp-6,
-    -0x1.42f0bd8c5a6e3p-6,
-    0x1.1b5dee929cd5ep-7,
-    -0x1.f29cd06c2a7e7p-10,
+    -0x1.5555555555554p-2,
+    0x1.99999999995bfp-3,
+    -0x1.24924924721bap-3,
+    0x1.c71c71b5f8e14p-4,
+    -0x1.745d14918f17p-4,
+    0x1.3b136b1bae533p-4,
+    -0x1.110c4ad6ad5e7p-4,
+    0x1.e16f444bbe824p-5,
+    -0x1.ab6d98473ad4cp-5,
+    0x1.70b245a1a93dcp-5,
+    -0x1.11b975f43e95fp-5,
+    0x1.f00e1b161c80dp-7,
 };
 
 // asin x = x + x z p(z), z = x^2, |x| <= 1/2. Relative error below 2^-59.
@@ -100,16 +97,16 @@ inline constexpr double logTail[] = {
     0x1.2f025483348dcp-3,
 };
 
-// log((1 + s) / (1 - s)) = 2/3 s (3 + z + z^2 p(z)), the same s. Relative error below 2^-73.
+// log((1 + s) / (1 - s)) = 2/15 s (15 + 5 z + 3 z^2 + z^3 p(z)), the same s. Relative error below
+// 2^-72.
 inline constexpr double powLogTail[] = {
-    0x1.333333333333p-1,
-    0x1.b6db6db6dc8f2p-2,
-    0x1.5555555418562p-2,
-    0x1.1745d228fd01dp-2,
-    0x1.d89d129067429p-3,
-    0x1.99b1438054837p-3,
-    0x1.66a2f505d9eb8p-3,
-    0x1.706824318ce61p-3,
+    0x1.124924924954ep1,
+    0x1.aaaaaaa9f4e12p0,
+    0x1.5d174659a5335p0,
+    0x1.276240c6c0c1bp0,
+    0x1.000bedf0d71e1p0,
+    0x1.c0b5363e6f797p-1,
+    0x1.c95ca3816ca61p-1,
 };
 
 // exp r = 1 + r + r^2 p(r), |r| <= ln(2) / 2. Relative error below 2^-57.

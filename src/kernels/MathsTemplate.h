@@ -44,8 +44,8 @@ public:
     static F Tan(F x)
     {
         const Angle angle = Reduce(Abs(x));
-        const Pair sine = SineOrCosine(angle.hi, angle.lo, [](F sine, F) { return sine; });
-        const Pair cosine = SineOrCosine(angle.hi, angle.lo, [](F, F cosine) { return cosine; });
+        const Pair sine = SineOrCosine(angle.hi, angle.lo, [](F s, F) { return s; });
+        const Pair cosine = SineOrCosine(angle.hi, angle.lo, [](F, F c) { return c; });
         // In odd quadrants tan(r + pi/2) = -cos r / sin r.
         const M even = L::IsZero(angle.quadrant & L::SetBits(1));
         const Pair numerator
@@ -53,28 +53,32 @@ public:
         const Pair denominator
             = FastSum(L::Select(even, cosine.hi, sine.hi), L::Select(even, cosine.lo, sine.lo));
         const U oddSign = L::template ShiftLeft<63>(angle.quadrant);
-        return Finish(x, Quotient(numerator, denominator), Signs(x) ^ oddSign);
+        const Pair quotient = Quotient(numerator, denominator);
+        return Finish(x, quotient.hi + quotient.lo, Signs(x) ^ oddSign);
     }
 
     static F Atan(F x)
     {
         // atan x = pi/4 + atan((x - 1) / (x + 1)) = pi/2 + atan(-1 / x)
-        const F one = L::Set(1.0);
         const F zero = L::Set(0.0);
-        const F magnitude = Abs(x);
-        const M small = L::LessEqual(magnitude, L::Set(0.66));
+        const F one = L::Set(1.0);
+        const F bound = L::Set(0x1p60); // from here on the result is pi/2 rounded
+        const F magnitude = L::Select(L::Less(bound, Abs(x)), bound, Abs(x));
+        const M small = L::LessEqual(magnitude, L::Set(0.4142));
         const M large = L::Less(L::Set(2.4142), magnitude);
-        const F numerator
-            = L::Select(small, magnitude, L::Select(large, L::Set(-1.0), magnitude - one));
-        const F denominator = L::Select(small, one, L::Select(large, magnitude, magnitude + one));
-        const F baseHi
-            = L::Select(small, zero, L::Select(large, L::Set(halfPiHi), L::Set(quarterPiHi)));
-        const F baseLo
-            = L::Select(small, zero, L::Select(large, L::Set(halfPiLo), L::Set(quarterPiLo)));
-        const F t = numerator / denominator;
-        const F z = t * t;
-        const F tail = t * (z * Polynomial(z, atanTail));
-        const F result = baseHi + (t + (tail + baseLo));
+        const auto pick = [&](F ifSmall, F middle, F ifLarge) {
+            return L::Select(small, ifSmall, L::Select(large, ifLarge, middle));
+        };
+        const Pair below = FastSum(zero - one, magnitude);
+        const Pair above = FastSum(one, magnitude);
+        const Pair t
+            = Quotient({ pick(magnitude, below.hi, zero - one), pick(zero, below.lo, zero) },
+                { pick(one, above.hi, magnitude), pick(zero, above.lo, zero) });
+        const F z = t.hi * t.hi;
+        const F tail = t.hi * (z * Polynomial(z, atanTail));
+        const Pair sum = FastSum(pick(zero, L::Set(quarterPiHi), L::Set(halfPiHi)), t.hi);
+        const F rest = (t.lo - t.lo * z) + pick(zero, L::Set(quarterPiLo), L::Set(halfPiLo));
+        const F result = sum.hi + (sum.lo + (tail + rest));
         return OrNaN(x, L::FromBits(L::Bits(result) | Signs(x)));
     }
 
@@ -89,7 +93,8 @@ public:
         const F tail = z * Polynomial(z, asinTail);
 
         // pi/2 - asin x
-        const F nearZero = L::Set(halfPiHi) - (x - (L::Set(halfPiLo) - x * tail));
+        const Pair start = FastSum(L::Set(halfPiHi), zero - x);
+        const F nearZero = start.hi + (start.lo + (L::Set(halfPiLo) - x * tail));
 
         // acos x = 2 asin(sqrt((1 - x) / 2)), and for negative x pi minus that of -x.
         const F root = L::Sqrt(z);
@@ -99,8 +104,8 @@ public:
             = (z - rootHead * rootHead) / L::Select(L::Equal(divisor, zero), one, divisor);
         const F rest = rootRest + root * tail;
         const F nearOne = L::Set(2.0) * (rootHead + rest);
-        const F nearMinusOne
-            = L::Set(piHi) - L::Set(2.0) * (rootHead + (rest - L::Set(0.5 * piLo)));
+        const Pair turned = FastSum(L::Set(piHi), L::Set(-2.0) * rootHead);
+        const F nearMinusOne = turned.hi + (turned.lo + (L::Set(piLo) - L::Set(2.0) * rest));
         const F outer = L::Select(L::Less(x, zero), nearMinusOne, nearOne);
 
         return L::Select(L::LessEqual(magnitude, one), L::Select(inner, nearZero, outer), NaN());
@@ -110,6 +115,7 @@ public:
     {
         // With x = 2^k (1 + f) and s = f / (2 + f):
         // log(1 + f) = f - (f^2/2 - s (f^2/2 + z p(z))), z = s^2.
+        const F zero = L::Set(0.0);
         const F half = L::Set(0.5);
         const Binary binary = Split(x);
         const F f = binary.fraction;
@@ -120,15 +126,14 @@ public:
         const F halfSquareRest = half * ((f - head) * (f + head));
         const F series = s * (halfSquare + halfSquareRest + z * Polynomial(z, logTail));
         const Pair first = FastSum(binary.exponent * L::Set(ln2Hi), f);
-        const Pair second = FastSum(first.hi, L::Set(0.0) - halfSquare);
+        const Pair second = FastSum(first.hi, zero - halfSquare);
         const F rest = (series - halfSquareRest) + binary.exponent * L::Set(ln2Lo);
         F result = second.hi + (second.lo + (first.lo + rest));
 
-        const F zero = L::Set(0.0);
         const M ordinary = L::And(L::Less(zero, x), L::Less(x, Infinity()));
         if (!L::All(ordinary)) {
-            const F special = L::Select(L::Equal(x, zero), L::Set(0.0) - Infinity(),
-                L::Select(L::Equal(x, Infinity()), x, NaN()));
+            const F special = L::Select(
+                L::Equal(x, zero), zero - Infinity(), L::Select(L::Equal(x, Infinity()), x, NaN()));
             result = L::Select(ordinary, result, special);
         }
         return result;
@@ -149,7 +154,7 @@ public:
         const F magnitude = Abs(x);
         const Pair log = LogAsSum(magnitude);
 
-        // y log|x|, correct to about 2^-65.
+        // y log|x|, correct to about 2^-67, which leaves 2^-57 of the result at its largest.
         const F yHead = Head<26>(y);
         const F logHead = Head<26>(log.hi);
         const F product = y * log.hi;
@@ -261,8 +266,7 @@ private:
         angle.lo = (second - angle.hi) - rest;
         angle.quadrant = L::Bits(shifted);
 
-        // What is left of pi/2 is below 2^-96 times 2^21, so a tiny hi would have too few good
-        // bits.
+        // What is left of pi/2 times the count is below 2^-95: a tiny hi has too few good bits.
         const M good = L::And(L::LessEqual(x, L::Set(0x1p20)),
             L::Or(L::Less(x, L::Set(0.75)), L::Less(L::Set(0x1p-30), Abs(angle.hi))));
         if (!L::All(good))
@@ -271,9 +275,9 @@ private:
     }
 
     // sin(r + lo) or cos(r + lo), |r| <= pi/4, as a sum of two. Both have one shape; pick(s, c)
-    // gives s for the sine and c for the cosine. With r = h + d, where h^3 is exact: sin = r + c0
-    // h^3 + (c0 d (r^2 + r h + h^2) + r z^2 p(z) + lo (1 - z/2)) cos = 1 - h^2/2 + (-d (r + h) / 2
-    // + z^2 q(z) - lo r)
+    // gives s for the sine and c for the cosine. With r = h + d, where h^3 is exact, they are
+    // - r + c0 h^3 + (c0 d (r^2 + r h + h^2) + r z^2 p(z) + lo (1 - z/2))
+    // - 1 - h^2/2 + (-d (r + h) / 2 + z^2 q(z) - lo r)
     template <typename Pick>
     static Pair SineOrCosine(F r, F lo, Pick pick)
     {
@@ -299,8 +303,7 @@ private:
     static Pair SineOf(const Angle& angle)
     {
         const M even = L::IsZero(angle.quadrant & L::SetBits(1));
-        return SineOrCosine(
-            angle.hi, angle.lo, [even](F sine, F cosine) { return L::Select(even, sine, cosine); });
+        return SineOrCosine(angle.hi, angle.lo, [even](F s, F c) { return L::Select(even, s, c); });
     }
 
     // Negative in quadrants 2 and 3.
@@ -315,7 +318,8 @@ private:
         return L::Select(finite, L::FromBits(L::Bits(result) ^ signs), NaN());
     }
 
-    static F Quotient(const Pair& numerator, const Pair& denominator)
+    // Not normalised: lo may be a few ulp of hi.
+    static Pair Quotient(const Pair& numerator, const Pair& denominator)
     {
         const F reciprocal = L::Set(1.0) / denominator.hi;
         const F q = numerator.hi * reciprocal;
@@ -325,7 +329,7 @@ private:
         const F dRest = denominator.hi - dHead;
         const F remainder
             = ((numerator.hi - qHead * dHead) - qHead * dRest) - qRest * dHead - qRest * dRest;
-        return q + ((remainder + numerator.lo) - q * denominator.lo) * reciprocal;
+        return { q, ((remainder + numerator.lo) - q * denominator.lo) * reciprocal };
     }
 
     // x > 0 with 1 + fraction from sqrt(1/2) to sqrt(2). Other x give something finite.
@@ -345,39 +349,45 @@ private:
         return { field - bias, significand - L::Set(1.0) };
     }
 
-    // log x for finite x > 0, correct to about 2^-65 of the result.
+    // log x for finite x > 0, correct to about 2^-68 of the result.
     static Pair LogAsSum(F x)
     {
         const F two = L::Set(2.0);
         const F three = L::Set(3.0);
+        const F five = L::Set(5.0);
         const Binary binary = Split(x);
         const F f = binary.fraction;
 
-        // s = f / (2 + f) as sHead + sRest
+        // s = f / (2 + f) as sHead + sRest, z = s^2; 5 sHead^2 and 3 zHead^2 are exact.
         const F v = two + f;
         const F vHead = Head<26>(v);
         const F vRest = (v - vHead) + (f - (v - two));
         const F s = f / v;
-        const F sHead = Head<26>(s);
+        const F sHead = Head<25>(s);
         const F sRest = ((f - sHead * vHead) - sHead * vRest) / v;
-
-        // t = 3 + z + z^2 p(z), z = s^2
-        const F z = s * s;
         const F square = sHead * sHead;
         const F squareRest = sRest * (s + sHead);
-        const Pair start = FastSum(three, square);
+        const Pair z = FastSum(square, squareRest);
+        const F zHead = Head<25>(z.hi);
+        const F fourth = three * (zHead * zHead);
+        const F fourthRest = three * (((z.hi - zHead) + z.lo) * (z.hi + zHead));
+
+        // t = 15 + 5 z + 3 z^2 + z^3 p(z)
+        const Pair start = FastSum(L::Set(15.0), five * square);
+        const Pair next = FastSum(start.hi, fourth);
+        const F series = z.hi * z.hi * z.hi * Polynomial(z.hi, powLogTail);
         const Pair t
-            = FastSum(start.hi, start.lo + (squareRest + z * z * Polynomial(z, powLogTail)));
+            = FastSum(next.hi, (start.lo + next.lo) + (five * squareRest + (fourthRest + series)));
         const F tHead = Head<26>(t.hi);
         const F tRest = (t.hi - tHead) + t.lo;
 
-        // log(1 + f) = 2/3 s t
+        // log(1 + f) = 2/15 s t
         const Pair st = FastSum(sHead * tHead, sHead * tRest + sRest * t.hi);
         const F stHead = Head<26>(st.hi);
         const F stRest = (st.hi - stHead) + st.lo;
-        const F rest = L::Set(twoThirdsHi) * stRest + L::Set(twoThirdsLo) * st.hi;
+        const F rest = L::Set(twoFifteenthsHi) * stRest + L::Set(twoFifteenthsLo) * st.hi;
 
-        const Pair sum = FastSum(binary.exponent * L::Set(ln2Hi), L::Set(twoThirdsHi) * stHead);
+        const Pair sum = FastSum(binary.exponent * L::Set(ln2Hi), L::Set(twoFifteenthsHi) * stHead);
         return FastSum(sum.hi, sum.lo + (rest + binary.exponent * L::Set(ln2Lo)));
     }
 
