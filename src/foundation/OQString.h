@@ -127,6 +127,11 @@ public:
         return Concatenate(a.View(), { &b, 1 });
     }
 
+    friend OQString operator+(OQChar a, const OQString& b)
+    {
+        return Concatenate({ &a, 1 }, b.View());
+    }
+
 private:
     static std::u16string_view ViewOf(const OQChar* text)
     {

@@ -1,0 +1,141 @@
+#include "foundation/OQCharacters.h"
+#include "foundation/OQNumberText.h"
+#include "foundation/OQXmlDocument.h"
+
+#include <utility>
+
+namespace {
+
+struct Entity
+{
+    std::u16string_view name; // with the ";"
+    OQChar character;
+};
+
+constexpr Entity entities[] = {
+    { u"lt;", u'<' },
+    { u"amp;", u'&' },
+    { u"gt;", u'>' },
+    { u"apos;", u'\'' },
+    { u"quot;", u'"' },
+};
+
+OQString EscapedControl(OQChar character, uint32_t flags)
+{
+    if ((flags & OQXmlReplaceControls) && character != 1)
+        return u"?";
+    return u"&#x" + OQHexToText(character) + u";";
+}
+
+// What the character is written as; empty: as it stands.
+OQString EscapedCharacter(OQChar character, uint32_t flags)
+{
+    switch (character) {
+    case u'&':
+        return u"&amp;";
+    case u'<':
+        return u"&lt;";
+    case u'>':
+        return u"&gt;";
+    case u'"':
+        return flags & OQXmlEscapeQuote ? u"&quot;" : u"";
+    case u'\'':
+        return flags & OQXmlEscapeApostrophe ? u"&apos;" : u"";
+    case u'\t':
+    case u'\n':
+    case u'\r':
+        return {};
+    default:
+        return character < 32 && (flags & OQXmlEscapeControls) ? EscapedControl(character, flags)
+                                                               : OQString();
+    }
+}
+
+struct Reference
+{
+    uint32_t character = 0; // 0: there is no reference here
+    size_t length = 0;
+};
+
+// At the text behind "&#": up to 7 characters and a ";".
+Reference ReadNumber(std::u16string_view text)
+{
+    constexpr size_t MaximumLength = 7;
+    const size_t end = text.substr(0, MaximumLength + 1).find(u';');
+    if (end == std::u16string_view::npos)
+        return {};
+    const bool hexadecimal = text[0] == u'x';
+    uint32_t value = 0;
+    for (const OQChar character : text.substr(hexadecimal, end - hexadecimal)) {
+        if (hexadecimal ? OQHexDigitValue(character) < 0 : !OQIsDigit(character))
+            return {};
+        value = value * (hexadecimal ? 16 : 10) + static_cast<uint32_t>(OQHexDigitValue(character));
+    }
+    if (value > 0x10FFFF)
+        return {};
+    return { value, end + 1 };
+}
+
+// At the text behind "&".
+Reference ReadReference(std::u16string_view text)
+{
+    if (text.starts_with(u'#')) {
+        Reference number = ReadNumber(text.substr(1));
+        ++number.length;
+        return number;
+    }
+    for (const Entity& entity : entities) {
+        if (text.starts_with(entity.name))
+            return { entity.character, entity.name.size() };
+    }
+    return {};
+}
+
+}
+
+OQString OQXmlDocument::Escape(const OQString& text, uint32_t escapeFlags)
+{
+    const std::u16string_view view = text.View();
+    OQString result;
+    size_t copied = 0;
+    for (size_t i = 0; i < view.size(); ++i) {
+        if (view[i] > u'>') // nothing above it is ever written otherwise
+            continue;
+        const OQString escaped = EscapedCharacter(view[i], escapeFlags);
+        if (escaped.IsEmpty())
+            continue;
+        result.Append(view.substr(copied, i - copied));
+        result += escaped;
+        copied = i + 1;
+    }
+    if (copied == 0)
+        return text;
+    return std::move(result.Append(view.substr(copied)));
+}
+
+OQString OQXmlDocument::Unescape(const OQString& text)
+{
+    const std::u16string_view view = text.View();
+    OQString result;
+    size_t copied = 0;
+    size_t at = view.find(u'&');
+    while (at != std::u16string_view::npos) {
+        const Reference reference = ReadReference(view.substr(at + 1));
+        size_t behind = at + 1;
+        if (reference.character != 0) {
+            behind += reference.length;
+            result.Append(view.substr(copied, at - copied));
+            copied = behind;
+            if (reference.character >= 0x10000) {
+                result += static_cast<OQChar>(0xD7C0 + (reference.character >> 10));
+                result += static_cast<OQChar>(0xDC00 + (reference.character & 0x3FF));
+            } else {
+                result += static_cast<OQChar>(reference.character);
+            }
+        }
+        at = view.find(u'&', behind);
+    }
+    if (copied == 0)
+        return text;
+    return std::move(result.Append(view.substr(copied)));
+}
