@@ -1,12 +1,12 @@
 #include "siblings/image/CImage.h"
 
+#include "foundation/OQString.h"
 #include "kernels/DrawLine.h"
 #include "kernels/PixelFromColor.h"
 #include "kernels/Stretch.h"
 #include "siblings/image/ImageDrawing.h"
 #include "siblings/image/ImagePng.h"
 #include "siblings/image/ImageText.h"
-#include "siblings/image/Utf8.h"
 
 #include <cstdlib>
 
@@ -23,6 +23,14 @@ uint32_t PixelWithAlpha(uint32_t color, uint8_t alpha)
 Pixels ViewOf(uint32_t* bits, int32_t width, int32_t height)
 {
     return { bits + ptrdiff_t { height - 1 } * width, -ptrdiff_t { width }, width, height };
+}
+
+std::string Utf8(const OQChar* text)
+{
+    int length = 0;
+    while (length < CImage::kMaxTextUnits && text[length])
+        ++length;
+    return OQString(text, length).ToUtf8();
 }
 
 }
@@ -127,8 +135,7 @@ void CImage::DrawText(const OQChar* text, const OQRect& rect, uint32_t color, IO
     if (!m_bits || !text)
         return;
     try {
-        pxvis::image::ImageText::Get().Draw(
-            View(), pxvis::image::Utf8(text, kMaxTextUnits), rect, color, alignment);
+        pxvis::image::ImageText::Get().Draw(View(), Utf8(text), rect, color, alignment);
     } catch (...) {
         // Without memory there is no text; nothing crosses the module's border.
     }
@@ -139,7 +146,7 @@ bool CImage::SavePng(const OQChar* path, bool opaque) const
     if (!m_bits || !path)
         return false;
     try {
-        return pxvis::image::SavePng(View(), pxvis::image::Utf8(path, kMaxTextUnits), opaque);
+        return pxvis::image::SavePng(View(), Utf8(path), opaque);
     } catch (...) {
         return false;
     }

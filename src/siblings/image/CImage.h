@@ -12,7 +12,7 @@ public:
     // Checked before memory is taken: sizes may come from a stranger's file.
     static constexpr int32_t kMaxSide = 16384;
     static constexpr int64_t kMaxPixels = int64_t { 64 } << 20;
-    static constexpr size_t kMaxTextUnits = 16384;
+    static constexpr int kMaxTextUnits = 16384; // also of a path, which the system ends at 4096
 
     void SetOption(int32_t value) override;
     void SetOption2(int32_t value) override;

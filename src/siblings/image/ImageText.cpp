@@ -24,6 +24,24 @@ OQRect Near(const OQRect& rect)
     return { nearer(rect.left), nearer(rect.top), nearer(rect.right), nearer(rect.bottom) };
 }
 
+// Pango's time for a word that doesn't fit a line grows with the square of the word's length.
+constexpr int kLongestWord = 256; // characters
+
+// Whether lines may be broken between words only: not with a word past that limit, which nobody
+// wrote as a word. From U+3000 on, kana and ideographs, a line may break almost anywhere.
+PangoWrapMode WrapMode(const std::string& text)
+{
+    int length = 0;
+    for (const char c : text) {
+        const auto byte = static_cast<unsigned char>(c);
+        if (byte <= ' ' || byte >= 0xE3)
+            length = 0;
+        else if ((byte & 0xC0) != 0x80 && ++length > kLongestWord)
+            return PANGO_WRAP_CHAR;
+    }
+    return PANGO_WRAP_WORD_CHAR;
+}
+
 PangoAlignment HorizontalAlignment(int32_t alignment)
 {
     switch (alignment & 3) {
@@ -88,7 +106,6 @@ void ImageText::Prepare()
     pango_font_description_set_absolute_size(font, kFontPixels * PANGO_SCALE);
     pango_layout_set_font_description(m_layout, font);
     pango_font_description_free(font);
-    pango_layout_set_wrap(m_layout, PANGO_WRAP_WORD_CHAR);
 
     g_object_unref(context);
     g_object_unref(fontMap);
@@ -105,6 +122,7 @@ void ImageText::Draw(
     Prepare();
     if (text != m_text) {
         m_text = text;
+        pango_layout_set_wrap(m_layout, WrapMode(text));
         pango_layout_set_text(m_layout, text.data(), static_cast<int>(text.size()));
     }
     pango_layout_set_width(m_layout, rect.Width() * PANGO_SCALE);

@@ -1,0 +1,62 @@
+#include "foundation/OQSiblingModules.h"
+
+#include "foundation/IOQImage.h"
+
+#include <doctest/doctest.h>
+
+#include <atomic>
+#include <memory>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace {
+
+const std::string kBin = PXVIS_BINARY_DIR "/bin/";
+
+}
+
+TEST_CASE("A missing image module gives null and a reason that stays")
+{
+    OQSiblingModules modules({ .name = "OQNothing.so" });
+    CHECK(modules.ImageFailure().empty());
+    CHECK(modules.ImageApp() == nullptr);
+    const std::string reason = modules.ImageFailure();
+    CHECK(reason.find(kBin + "OQNothing.so") != std::string::npos);
+    CHECK(modules.ImageApp() == nullptr);
+    CHECK(modules.ImageFailure() == reason);
+}
+
+TEST_CASE("A library that is no image module is refused")
+{
+    OQSiblingModules modules({ .name = kBin + "ModuleUnderTest.so" });
+    CHECK(modules.ImageApp() == nullptr);
+    CHECK(modules.ImageFailure().find("GetOQImageAppDLL") != std::string::npos);
+}
+
+TEST_CASE("An absolute name is loaded as it stands")
+{
+    OQSiblingModules modules({ .name = kBin + "OQImage.so" });
+    CHECK(modules.ImageApp() != nullptr);
+    CHECK(modules.ImageFailure().empty());
+}
+
+TEST_CASE("Threads that ask at once get one interface and it works again after an unload")
+{
+    OQSiblingModules modules;
+    std::vector<IOQImageApp*> got(8);
+    {
+        std::vector<std::jthread> threads;
+        for (IOQImageApp*& app : got)
+            threads.emplace_back([&] { app = modules.ImageApp(); });
+    }
+    for (IOQImageApp* app : got)
+        CHECK(app == got.front());
+    REQUIRE(got.front());
+
+    modules.Unload();
+    const std::unique_ptr<IOQImage> image(OQCreateImage());
+    REQUIRE(image);
+    CHECK(image->Create(2, 2, 0, 0));
+    CHECK(modules.ImageApp() != nullptr);
+}

@@ -1,0 +1,89 @@
+#include "kernels/Stretch.h"
+
+#include <doctest/doctest.h>
+
+#include <cmath>
+#include <random>
+#include <vector>
+
+using pxvis::kernels::Stretch;
+
+namespace {
+
+std::vector<uint32_t> Noise(int width, int height)
+{
+    std::mt19937 random(3);
+    std::vector<uint32_t> bits(static_cast<size_t>(width * height));
+    for (uint32_t& pixel : bits)
+        pixel = static_cast<uint32_t>(random());
+    return bits;
+}
+
+}
+
+TEST_CASE("At equal size the stretch is a copy, and the sign of the strides turns it over")
+{
+    const std::vector<uint32_t> source = Noise(5, 3);
+    std::vector<uint32_t> target(15);
+    Stretch(target.data(), 5, 5, 3, source.data(), 5, 5, 3);
+    CHECK(target == source);
+
+    Stretch(target.data() + 10, -5, 5, 3, source.data(), 5, 5, 3);
+    for (size_t x = 0; x < 5; ++x)
+        for (size_t y = 0; y < 3; ++y)
+            REQUIRE(target[(2 - y) * 5 + x] == source[y * 5 + x]);
+}
+
+TEST_CASE("Doubling weighs neighbours three to one, halving averages pairs")
+{
+    const std::vector<uint32_t> two { 0x00000000, 0xFF804000 };
+    std::vector<uint32_t> four(4);
+    Stretch(four.data(), 4, 4, 1, two.data(), 2, 2, 1);
+    // 255 / 4 = 63.75, 255 * 3 / 4 = 191.25
+    CHECK(four == std::vector<uint32_t> { 0, 0x40201000, 0xBF603000, 0xFF804000 });
+
+    const std::vector<uint32_t> square { 0x10, 0x20, 0x30, 0x42 };
+    uint32_t one = 0;
+    Stretch(&one, 1, 1, 1, square.data(), 2, 2, 2);
+    CHECK(one == 0x29); // 40.5 rounded up
+}
+
+TEST_CASE("Any stretch stays near the real-number one and inside its target")
+{
+    const int sizes[][4] = { { 7, 5, 13, 11 }, { 64, 48, 100, 30 }, { 1, 1, 9, 4 },
+        { 3, 200, 1, 7 }, { 40, 2, 39, 2 } };
+    for (const auto& [sw, sh, tw, th] : sizes) {
+        const std::vector<uint32_t> source = Noise(sw, sh);
+        const int stride = tw + 3;
+        std::vector<uint32_t> target(static_cast<size_t>(stride * th), 0xDEADBEEF);
+        Stretch(target.data(), stride, tw, th, source.data(), sw, sw, sh);
+        for (int y = 0; y < th; ++y)
+            for (int x = 0; x < stride; ++x) {
+                const uint32_t got = target[static_cast<size_t>(y * stride + x)];
+                if (x >= tw) {
+                    REQUIRE(got == 0xDEADBEEF);
+                    continue;
+                }
+                const auto place = [](int i, int to, int from) {
+                    return std::min(std::max((i + 0.5) * from / to - 0.5, 0.0), from - 1.0);
+                };
+                const double px = place(x, tw, sw);
+                const double py = place(y, th, sh);
+                const int x0 = static_cast<int>(px);
+                const int y0 = static_cast<int>(py);
+                const int x1 = std::min(x0 + 1, sw - 1);
+                const int y1 = std::min(y0 + 1, sh - 1);
+                for (int shift = 0; shift < 32; shift += 8) {
+                    const auto at = [&](int sx, int sy) -> double {
+                        return source[static_cast<size_t>(sy * sw + sx)] >> shift & 0xFF;
+                    };
+                    const double fx = px - x0;
+                    const double fy = py - y0;
+                    const double wanted = (at(x0, y0) * (1 - fx) + at(x1, y0) * fx) * (1 - fy)
+                        + (at(x0, y1) * (1 - fx) + at(x1, y1) * fx) * fy;
+                    // Weights in 1/256 move it by 255/256 an axis at most, rounding by 1/2.
+                    REQUIRE(std::abs(wanted - (got >> shift & 0xFF)) <= 2.5);
+                }
+            }
+    }
+}
