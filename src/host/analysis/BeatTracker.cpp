@@ -27,7 +27,7 @@ constexpr float FullShare = 0.6f;
 constexpr int DeadHops = 8; // 46 ms
 constexpr float Audible = 1e-6f; // -60 dB
 constexpr int FirstOnsets = 4;
-constexpr int OnsetDelay = 180; // samples from an attack to the end of the hop that shows it best
+constexpr int OnsetDelay = 340; // samples from an attack to the end of the hop that shows it best
 
 }
 
@@ -72,7 +72,7 @@ void BeatTracker::Advance()
         arriving[i] = comb.scores[static_cast<size_t>(comb.beat)];
     }
     for (int i = 0; i < PeriodCount; ++i) {
-        float score = m_best - Memory;
+        float score = m_best.score - Memory;
         const int first = std::max(0, i - MaxChange);
         const int last = std::min(PeriodCount - 1, i + MaxChange);
         for (int from = first; from <= last; ++from) {
@@ -84,6 +84,9 @@ void BeatTracker::Advance()
         Comb& comb = m_combs[static_cast<size_t>(i)];
         comb.scores[static_cast<size_t>(comb.beat)] = score - m_beatCost[static_cast<size_t>(i)];
     }
+    // Between onsets no score rises, so the best stays the best until its own next beat.
+    if (++m_best.sinceBeat == m_best.period)
+        FindBest();
 }
 
 void BeatTracker::AddOnset(float strength)
@@ -96,13 +99,21 @@ void BeatTracker::AddOnset(float strength)
             score += strength * Closeness[static_cast<size_t>(distance + Reach)];
         }
     }
-    // The scores of a long song would outgrow their precision.
-    m_best = FindBest().score;
+    FindBest();
+    LowerScores();
+}
+
+// The scores of a long song would outgrow their precision.
+void BeatTracker::LowerScores()
+{
+    constexpr float Limit = 64;
+    if (m_best.score < Limit)
+        return;
     for (Comb& comb : m_combs) {
         for (float& score : comb.scores)
-            score -= m_best;
+            score -= Limit;
     }
-    m_best = 0;
+    m_best.score -= Limit;
 }
 
 void BeatTracker::Push(const OnsetFrame& frame)
@@ -119,39 +130,27 @@ void BeatTracker::Push(const OnsetFrame& frame)
     }
 }
 
-BeatTracker::Best BeatTracker::FindBest() const
+void BeatTracker::FindBest()
 {
-    Best best { ShortestPeriod, 0, -1e30f };
+    m_best.score = -1e30f;
     for (const Comb& comb : m_combs) {
         const auto top = std::max_element(comb.scores.begin(), comb.scores.end());
-        if (*top <= best.score)
+        if (*top <= m_best.score)
             continue;
         const int period = static_cast<int>(comb.scores.size());
         const int slot = static_cast<int>(top - comb.scores.begin());
-        best = { period, (slot - comb.beat + period) % period, *top };
+        m_best = { period, (slot - comb.beat + period) % period, *top };
     }
-    return best;
 }
 
-int64_t BeatTracker::NextBeat(int64_t after) const
+BeatTracker::Prediction BeatTracker::Predict() const
 {
-    if (m_onsets < FirstOnsets)
-        return -1;
-    const Best best = FindBest();
-    if (2 * m_hopsSinceSound > 3 * best.period)
-        return -1;
-    const int64_t hop = OnsetSpectrum::Hop;
-    const int64_t period = best.period * hop;
-    const int64_t last = (m_hops - PeakReach - best.sinceBeat) * hop - OnsetDelay;
-    // Floor division, for beats on both sides of the last one.
-    const int64_t ahead = after - last;
-    const int64_t whole = ahead >= 0 ? ahead / period : -((-ahead + period - 1) / period);
-    return last + (whole + 1) * period;
-}
-
-int64_t BeatTracker::Period() const
-{
-    return FindBest().period * static_cast<int64_t>(OnsetSpectrum::Hop);
+    constexpr int64_t Hop = OnsetSpectrum::Hop;
+    Prediction prediction;
+    prediction.beats = m_onsets >= FirstOnsets && 2 * m_hopsSinceSound <= 3 * m_best.period;
+    prediction.beat = (m_hops - PeakReach - m_best.sinceBeat) * Hop - OnsetDelay;
+    prediction.period = m_best.period * Hop;
+    return prediction;
 }
 
 }

@@ -22,12 +22,14 @@ public:
     // Takes the next hop.
     void Push(const OnsetFrame& frame);
 
-    // Song position in samples of the first beat behind `after`; -1 as long as no beat is to be
-    // expected: before a few onsets were heard, and in silence.
-    int64_t NextBeat(int64_t after) const;
+    struct Prediction
+    {
+        bool beats = false; // false before a few onsets were heard, and in silence
+        int64_t beat = 0; // song position of one beat in samples; the others lie whole periods away
+        int64_t period = 0; // samples
+    };
 
-    // Samples between two beats, by the best hypothesis.
-    int64_t Period() const;
+    Prediction Predict() const;
 
 private:
     static constexpr int ShortestPeriod = 52; // hops; 199 beats a minute
@@ -42,21 +44,22 @@ private:
         int beat = 0; // where "0 hops since the beat" stands in the ring
     };
 
-    struct Best
+    struct Hypothesis
     {
-        int period; // hops
-        int sinceBeat; // hops
-        float score;
+        int period = ShortestPeriod; // hops
+        int sinceBeat = 0; // hops
+        float score = 0;
     };
 
     float NextOnset(const OnsetFrame& frame);
     void Advance();
     void AddOnset(float strength);
-    Best FindBest() const;
+    void FindBest();
+    void LowerScores();
 
     std::vector<Comb> m_combs; // by period
     std::array<float, PeriodCount> m_beatCost {};
-    float m_best = 0; // of all scores, as of the last beats
+    Hypothesis m_best;
 
     std::array<float, 2 * PeakReach + 1> m_flux {}; // of the last hops, the newest last
     float m_fluxMean = 0;

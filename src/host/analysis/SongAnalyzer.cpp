@@ -113,13 +113,19 @@ int32_t SongAnalyzer::LevelBetween(int64_t begin, int64_t end)
     return static_cast<int32_t>(m_heldLevel);
 }
 
-// A beat that the tracker moved into the past is left out rather than late, and one that it moved
+// A beat that the tracker moves into the past is left out rather than late, and one that it moves
 // to just behind the last one is the last one.
 int32_t SongAnalyzer::BeatBetween(int64_t begin, int64_t end)
 {
-    const int64_t earliest = std::max(begin - 1, m_lastBeat + m_beat.Period() * 6 / 10);
-    const int64_t beat = m_beat.NextBeat(earliest);
-    if (beat < 0 || beat >= end)
+    const BeatTracker::Prediction prediction = m_beat.Predict();
+    if (!prediction.beats)
+        return 0;
+    const int64_t period = prediction.period;
+    const int64_t earliest = std::max(begin, m_lastBeat + period * 6 / 10);
+    // The first of the predicted beats that isn't before `earliest`.
+    const int64_t phase = (earliest - prediction.beat) % period;
+    const int64_t beat = phase > 0 ? earliest + period - phase : earliest - phase;
+    if (beat >= end)
         return 0;
     m_lastBeat = beat;
     return 1;
