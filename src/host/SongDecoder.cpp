@@ -2,6 +2,7 @@
 
 #include "host/GStreamer.h"
 #include "host/TagReader.h"
+#include "host/analysis/Mp3Trim.h"
 #include "os/Clock.h"
 
 #include <gst/app/gstappsink.h>
@@ -67,6 +68,48 @@ void CheckForSound(GstElement* decoder, void* converter)
         gst_message_new_application(GST_OBJECT(decoder), gst_structure_new_empty("no-sound")));
 }
 
+// Shared with GStreamer's threads, which write it before the first sample is decoded.
+struct StreamTrim
+{
+    bool inContainer = false; // then the container tells where the song starts
+    Mp3Trim mp3;
+};
+
+// Looks at the stream's first frame. A header frame is not passed on: the decoder would act on
+// some encoders' headers and not on others'.
+GstPadProbeReturn ReadFirstFrame(GstPad* pad, GstPadProbeInfo* info, void* data)
+{
+    GstBuffer* buffer = GST_PAD_PROBE_INFO_BUFFER(info);
+    auto* trim = static_cast<StreamTrim*>(data);
+    // A parser that has read the header says so itself.
+    GstMapInfo map;
+    if (trim->inContainer || gst_buffer_get_meta(buffer, GST_AUDIO_CLIPPING_META_API_TYPE)
+        || !gst_buffer_map(buffer, &map, GST_MAP_READ))
+        return GST_PAD_PROBE_REMOVE;
+    trim->mp3 = ReadMp3Trim(map.data, map.size);
+    gst_buffer_unmap(buffer, &map);
+    if (!trim->mp3.isHeaderFrame)
+        return GST_PAD_PROBE_REMOVE;
+    gst_pad_remove_probe(pad, GST_PAD_PROBE_INFO_ID(info));
+    return GST_PAD_PROBE_DROP;
+}
+
+void WatchParser(GstBin*, GstBin*, GstElement* element, void* data)
+{
+    GstElementFactory* factory = gst_element_get_factory(element);
+    const char* name = factory ? gst_plugin_feature_get_name(factory) : nullptr;
+    if (!name)
+        return;
+    auto* trim = static_cast<StreamTrim*>(data);
+    const bool onlyTags = std::strcmp(name, "id3demux") == 0 || std::strcmp(name, "apedemux") == 0;
+    if (HasClass(factory, "Demux") && !onlyTags)
+        trim->inContainer = true;
+    if (std::strcmp(name, "mpegaudioparse") != 0)
+        return;
+    const GstHolder<GstPad> pad(gst_element_get_static_pad(element, "src"));
+    gst_pad_add_probe(pad.get(), GST_PAD_PROBE_TYPE_BUFFER, ReadFirstFrame, data, nullptr);
+}
+
 // Empty when the path names a regular file that may be read.
 std::string FileFault(const std::string& path)
 {
@@ -102,11 +145,17 @@ struct SongDecoder::Pipeline
     GstElement* sink = nullptr;
     bool ended = false;
     bool stalled = false;
+    StreamTrim trim;
+    int64_t framesToDrop = 0;
+    int64_t framesLeft = INT64_MAX;
 
     GstHolder<GstSample> sample; // being read
     size_t sampleOffset = 0;
 
     ~Pipeline();
+    static void Close(std::unique_ptr<Pipeline> pipeline);
+    size_t Read(float* interleaved, size_t frames);
+    bool Clip();
     bool Start();
     bool NextSample();
     void ReadMessages();
@@ -118,11 +167,15 @@ struct SongDecoder::Pipeline
 SongDecoder::Pipeline::~Pipeline()
 {
     sample.reset();
-    // A plug-in that hangs would hang the shutdown too; its threads and memory are given up.
-    if (stalled)
-        static_cast<void>(pipeline.release());
-    else if (pipeline)
+    if (pipeline)
         gst_element_set_state(pipeline.get(), GST_STATE_NULL);
+}
+
+// A plug-in that hangs would hang the shutdown too: its threads, and all they use, are given up.
+void SongDecoder::Pipeline::Close(std::unique_ptr<Pipeline> pipeline)
+{
+    if (pipeline && pipeline->stalled)
+        static_cast<void>(pipeline.release());
 }
 
 void SongDecoder::Pipeline::Fail(const std::string& reason)
@@ -155,6 +208,7 @@ bool SongDecoder::Pipeline::Start()
     const GstHolder<GstCaps> sound(gst_caps_new_empty_simple("audio/x-raw"));
     g_object_set(source, "location", path.c_str(), nullptr);
     g_object_set(decoder, "caps", sound.get(), "expose-all-streams", FALSE, nullptr);
+    g_signal_connect(pipeline.get(), "deep-element-added", G_CALLBACK(WatchParser), &trim);
     g_signal_connect(decoder, "autoplug-select", G_CALLBACK(SelectPlugin), nullptr);
     g_signal_connect(decoder, "pad-added", G_CALLBACK(LinkSound), converter);
     g_signal_connect(decoder, "no-more-pads", G_CALLBACK(CheckForSound), converter);
@@ -188,6 +242,11 @@ void SongDecoder::Pipeline::TakeFormat()
     if (caps && gst_audio_info_from_caps(&format, caps.get())) {
         info.channels = GST_AUDIO_INFO_CHANNELS(&format);
         info.sampleRate = GST_AUDIO_INFO_RATE(&format);
+    }
+    if (info.sampleRate > 0 && !trim.inContainer && trim.mp3.isLayer3) {
+        framesToDrop = int64_t { trim.mp3.start } * SampleRate / info.sampleRate;
+        if (trim.mp3.length >= 0)
+            framesLeft = trim.mp3.length * SampleRate / info.sampleRate;
     }
 }
 
@@ -250,8 +309,10 @@ bool SongDecoder::Pipeline::NextSample()
         // What was decoded before a fault is still the song.
         sample.reset(
             gst_app_sink_try_pull_sample(GST_APP_SINK(sink), error.empty() ? PollTime : 0));
-        if (sample)
+        if (sample && Clip())
             return true;
+        if (sample)
+            continue;
         if (!error.empty() || gst_app_sink_is_eos(GST_APP_SINK(sink))) {
             ReadMessages();
             ended = true;
@@ -262,6 +323,46 @@ bool SongDecoder::Pipeline::NextSample()
         }
     }
     return false;
+}
+
+// Takes away what lies outside the file's own edit of the song; false when nothing is left.
+bool SongDecoder::Pipeline::Clip()
+{
+    GstBuffer* buffer = gst_sample_get_buffer(sample.get());
+    GstSegment* segment = gst_sample_get_segment(sample.get());
+    if (!buffer)
+        return false;
+    if (!segment || segment->format != GST_FORMAT_TIME || !GST_BUFFER_PTS_IS_VALID(buffer))
+        return true;
+    GstBuffer* clipped
+        = gst_audio_buffer_clip(gst_buffer_ref(buffer), segment, SampleRate, BytesPerFrame);
+    if (!clipped)
+        return false;
+    const GstHolder<GstBuffer> holder(clipped);
+    sample.reset(gst_sample_new(clipped, gst_sample_get_caps(sample.get()), segment, nullptr));
+    return true;
+}
+
+size_t SongDecoder::Pipeline::Read(float* interleaved, size_t frames)
+{
+    frames = static_cast<size_t>(std::min<int64_t>(static_cast<int64_t>(frames), framesLeft));
+    size_t done = 0;
+    while (done < frames && (sample || NextSample())) {
+        GstBuffer* buffer = gst_sample_get_buffer(sample.get());
+        const size_t size = gst_buffer_get_size(buffer);
+        const size_t dropped = static_cast<size_t>(
+            std::min(framesToDrop, static_cast<int64_t>((size - sampleOffset) / BytesPerFrame)));
+        framesToDrop -= static_cast<int64_t>(dropped);
+        sampleOffset += dropped * BytesPerFrame;
+        const size_t copied = gst_buffer_extract(
+            buffer, sampleOffset, interleaved + 2 * done, (frames - done) * BytesPerFrame);
+        sampleOffset += copied;
+        done += copied / BytesPerFrame;
+        if (sampleOffset + BytesPerFrame > size)
+            sample.reset();
+    }
+    framesLeft -= static_cast<int64_t>(done);
+    return done;
 }
 
 std::unique_ptr<SongDecoder> SongDecoder::Open(const std::string& path, std::string& error)
@@ -278,6 +379,7 @@ std::unique_ptr<SongDecoder> SongDecoder::Open(const std::string& path, std::str
     pipeline->path = path;
     if (!pipeline->Start()) {
         error = pipeline->error;
+        Pipeline::Close(std::move(pipeline));
         return nullptr;
     }
     return std::unique_ptr<SongDecoder>(new SongDecoder(std::move(pipeline)));
@@ -288,26 +390,14 @@ SongDecoder::SongDecoder(std::unique_ptr<Pipeline> pipeline)
 {
 }
 
-SongDecoder::~SongDecoder() = default;
+SongDecoder::~SongDecoder()
+{
+    Pipeline::Close(std::move(m_pipeline));
+}
 
 size_t SongDecoder::Read(float* interleaved, size_t frames)
 {
-    Pipeline& pipeline = *m_pipeline;
-    size_t done = 0;
-    while (done < frames) {
-        if (!pipeline.sample && !pipeline.NextSample())
-            break;
-        GstBuffer* buffer = gst_sample_get_buffer(pipeline.sample.get());
-        const size_t wanted = (frames - done) * BytesPerFrame;
-        const size_t copied = buffer
-            ? gst_buffer_extract(buffer, pipeline.sampleOffset, interleaved + 2 * done, wanted)
-            : 0;
-        pipeline.sampleOffset += copied;
-        done += copied / BytesPerFrame;
-        if (copied < wanted)
-            pipeline.sample.reset();
-    }
-    return done;
+    return m_pipeline->Read(interleaved, frames);
 }
 
 std::string SongDecoder::Error() const

@@ -42,6 +42,17 @@ int64_t SongAnalyzer::PositionOfStep(int64_t step) const
     return m_firstPosition + step / n * samplesTimesN + step % n * samplesTimesN / n;
 }
 
+int64_t SongAnalyzer::MiddleAfterStep(int64_t step) const
+{
+    const int64_t position = PositionOfStep(step);
+    return position + (PositionOfStep(step + 1) - position) / 2;
+}
+
+bool SongAnalyzer::EndsBefore(int64_t position) const
+{
+    return m_songEnd >= 0 && position >= m_songEnd;
+}
+
 // Makes [.., end) available; behind the song's end comes silence.
 void SongAnalyzer::ReadUntil(int64_t end)
 {
@@ -64,10 +75,15 @@ void SongAnalyzer::HearUntil(int64_t end)
 {
     for (; m_heard + static_cast<int64_t>(OnsetSpectrum::Hop) <= end;
          m_heard += OnsetSpectrum::Hop) {
+        if (EndsBefore(m_position))
+            return;
         ReadUntil(m_heard + static_cast<int64_t>(OnsetSpectrum::Hop));
         const OnsetFrame frame = m_onset.Push(&m_samples[2 * (m_heard - m_samplesStart)]);
         const int64_t frameEnd = m_heard + static_cast<int64_t>(OnsetSpectrum::Hop);
-        m_levels.push_back({ frameEnd - OnsetSpectrum::AttackDelay, m_impact.Push(frame) });
+        const float level = m_impact.Push(frame);
+        if (frameEnd > m_position - SampleRate)
+            m_levels.push_back({ frameEnd - OnsetSpectrum::AttackDelay, level });
+        m_beat.Push(frame);
         DropBefore(std::min(frameEnd, m_position - int64_t { SpectrumAnalysis::WindowSize }));
     }
 }
@@ -82,39 +98,66 @@ void SongAnalyzer::DropBefore(int64_t first)
     m_samplesStart = first;
 }
 
+// With no look-ahead some attacks become known a step late; they count then.
+int32_t SongAnalyzer::LevelBetween(int64_t begin, int64_t end)
+{
+    const int64_t earliest = begin - (m_step == 0 ? 0 : end - begin);
+    float level = 0;
+    size_t taken = 0;
+    for (; taken < m_levels.size() && m_levels[taken].position < end; ++taken) {
+        if (m_levels[taken].position >= earliest)
+            level = std::max(level, m_levels[taken].level);
+    }
+    m_levels.erase(m_levels.begin(), m_levels.begin() + static_cast<int64_t>(taken));
+    m_heldLevel = std::max(level, std::min(100.0f, m_heldLevel * LevelDecay));
+    return static_cast<int32_t>(m_heldLevel);
+}
+
+// A beat that the tracker moves into the past is left out rather than late, and one that it moves
+// to just behind the last one is the last one.
+int32_t SongAnalyzer::BeatBetween(int64_t begin, int64_t end)
+{
+    const BeatTracker::Prediction prediction = m_beat.Predict();
+    if (!prediction.beats)
+        return 0;
+    const int64_t period = prediction.period;
+    const int64_t earliest = std::max(begin, m_lastBeat + period * 6 / 10);
+    // The first of the predicted beats that isn't before `earliest`.
+    const int64_t phase = (earliest - prediction.beat) % period;
+    const int64_t beat = phase > 0 ? earliest + period - phase : earliest - phase;
+    if (beat >= end)
+        return 0;
+    m_lastBeat = beat;
+    return 1;
+}
+
 bool SongAnalyzer::Next(AudioRecord& record)
 {
     record = {};
     m_position = PositionOfStep(m_step);
-    const int64_t nextPosition = PositionOfStep(m_step + 1);
-    ReadUntil(m_position + 1);
     HearUntil(m_position + static_cast<int64_t>(m_options.lookAhead));
-    if (m_songEnd >= 0 && m_position >= m_songEnd)
+    if (!EndsBefore(m_position))
+        ReadUntil(m_position + 1);
+    if (EndsBefore(m_position))
         return false;
 
-    ReadUntil(m_position);
-    const float* const end = &m_samples[2 * (m_position - m_samplesStart)];
+    const float* const newest = &m_samples[2 * (m_position - m_samplesStart)];
     float window[SpectrumAnalysis::WindowSize];
     for (int channel = 0; channel < 2; ++channel) {
-        const float* const waveform = end - 2 * WaveformSize + channel;
+        const float* const waveform = newest - 2 * WaveformSize + channel;
         for (size_t i = 0; i < WaveformSize; ++i)
             record.block.waveform[channel][i] = ToSignedByte(waveform[2 * i]);
-        const float* const samples = end - 2 * SpectrumAnalysis::WindowSize + channel;
+        const float* const samples = newest - 2 * SpectrumAnalysis::WindowSize + channel;
         for (size_t i = 0; i < SpectrumAnalysis::WindowSize; ++i)
             window[i] = samples[2 * i];
         m_spectrum.Analyze(window, record.block.spectrum[channel]);
     }
 
-    // A hit belongs to the nearest step.
-    const int64_t middle = m_position + (nextPosition - m_position) / 2;
-    float level = 0;
-    size_t taken = 0;
-    for (; taken < m_levels.size() && m_levels[taken].position <= middle; ++taken)
-        level = std::max(level, m_levels[taken].level);
-    m_levels.erase(m_levels.begin(), m_levels.begin() + static_cast<int64_t>(taken));
-    m_heldLevel = std::max(level, std::min(100.0f, m_heldLevel * LevelDecay));
-    record.level = static_cast<int32_t>(m_heldLevel);
-
+    // A hit and a beat belong to the nearest step.
+    const int64_t begin = MiddleAfterStep(m_step - 1);
+    const int64_t end = MiddleAfterStep(m_step);
+    record.level = LevelBetween(begin, end);
+    record.beat = BeatBetween(begin, end);
     record.change = m_step == 0;
     ++m_step;
     return true;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "host/analysis/AudioRecord.h"
+#include "host/analysis/BeatTracker.h"
 #include "host/analysis/ImpactDetector.h"
 #include "host/analysis/OnsetSpectrum.h"
 #include "host/analysis/SampleSource.h"
@@ -41,9 +42,13 @@ public:
 
 private:
     int64_t PositionOfStep(int64_t step) const;
+    int64_t MiddleAfterStep(int64_t step) const;
+    bool EndsBefore(int64_t position) const;
     void ReadUntil(int64_t end);
     void HearUntil(int64_t end);
     void DropBefore(int64_t first);
+    int32_t LevelBetween(int64_t begin, int64_t end);
+    int32_t BeatBetween(int64_t begin, int64_t end);
 
     SampleSource& m_source;
     AnalysisOptions m_options;
@@ -59,6 +64,7 @@ private:
     SpectrumAnalysis m_spectrum;
     OnsetSpectrum m_onset;
     ImpactDetector m_impact;
+    BeatTracker m_beat;
     int64_t m_heard = 0; // how far the detectors have heard
 
     struct TimedLevel
@@ -69,6 +75,7 @@ private:
 
     std::vector<TimedLevel> m_levels; // not yet given to a step
     float m_heldLevel = 0;
+    int64_t m_lastBeat = INT64_MIN / 2;
 };
 
 }
