@@ -83,6 +83,8 @@ bool CMathCompiler::Compile(const OQString& text)
     if (length == 0)
         return Fail(Kind::EmptyText, 0, "the text is empty");
 
+    // Every operation comes from a character of its own, so the program never has to grow.
+    m_program.Reserve(length);
     int32_t begin = 0;
     while (begin < length) { // so a ";" at the very end starts no statement
         const int32_t separator = m_text.Find(u';', begin);

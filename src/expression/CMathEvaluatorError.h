@@ -29,6 +29,6 @@ struct CMathEvaluatorError
 
     Kind kind = Kind::None;
     int32_t position = 0; // in the text, in characters from 0; at most its length
-    int32_t statement = 0; // from 1; 0 without an error
+    int32_t statement = 0; // from 1; 0 for an empty text and without an error
     OQString reason; // in English, without a full stop
 };

@@ -1,5 +1,7 @@
 #include "expression/CVariableTable.h"
 
+#include <memory>
+
 CVariableTable::~CVariableTable()
 {
     ClearVariables();
@@ -13,8 +15,10 @@ int32_t CVariableTable::GetVariable(const OQString& name, bool create)
         return found->second;
     if (!create)
         return -1;
-    Append({ .variable = new CVariable { 0.0, lowerName }, .owned = true });
-    return GetVariableCount() - 1;
+    std::unique_ptr<CVariable> variable(new CVariable { 0.0, lowerName });
+    const int32_t index = Append({ .variable = variable.get(), .owned = true });
+    variable.release();
+    return index;
 }
 
 void CVariableTable::AddVariables(const CVariableTable& other)
@@ -35,8 +39,13 @@ void CVariableTable::ClearVariables()
     m_entries.Clear();
 }
 
-void CVariableTable::Append(CVariableInfo entry)
+int32_t CVariableTable::Append(CVariableInfo entry)
 {
-    m_indexOfName.emplace(entry.variable->name.View(), GetVariableCount());
-    m_entries.Add(entry);
+    const auto place = m_indexOfName.emplace(entry.variable->name.View(), GetVariableCount()).first;
+    try {
+        return m_entries.Add(entry);
+    } catch (...) {
+        m_indexOfName.erase(place); // the variable goes with the exception, and its name with it
+        throw;
+    }
 }

@@ -4,8 +4,8 @@
 #include "foundation/OQArray.h"
 
 #include <cstdint>
+#include <map>
 #include <string_view>
-#include <unordered_map>
 
 // The variables of one or several equation objects, found by name without regard to case. A table
 // must outlive every program that was compiled on it and every table that took over variables from
@@ -35,10 +35,10 @@ public:
     void ClearVariables();
 
 private:
-    void Append(CVariableInfo entry);
+    int32_t Append(CVariableInfo entry);
 
     OQArray<CVariableInfo> m_entries;
-    // Equations come from strangers: with a plain search a text of a million names would compile
-    // for hours. The keys point into the variables' names.
-    std::unordered_map<std::u16string_view, int32_t> m_indexOfName;
+    // Equations come from strangers: with a plain search, or with a hash that can be foreseen, a
+    // text of a million names would compile for hours. The keys point into the variables' names.
+    std::map<std::u16string_view, int32_t> m_indexOfName;
 };
