@@ -11,20 +11,24 @@ int32_t CVariableTable::GetVariable(const OQString& name, bool create)
 {
     OQString lowerName = name;
     lowerName.MakeLower();
-    if (const auto found = m_indexOfName.find(lowerName.View()); found != m_indexOfName.end())
+    if (const auto found = m_indexOfName.find(lowerName); found != m_indexOfName.end())
         return found->second;
     if (!create)
         return -1;
     std::unique_ptr<CVariable> variable(new CVariable { 0.0, lowerName });
     const int32_t index = Append({ .variable = variable.get(), .owned = true });
+<<<<<<< Updated upstream
     variable.release();
+=======
+    static_cast<void>(variable.release()); // the entry owns it now
+>>>>>>> Stashed changes
     return index;
 }
 
 void CVariableTable::AddVariables(const CVariableTable& other)
 {
     for (const CVariableInfo& entry : other.m_entries) {
-        if (!m_indexOfName.contains(entry.variable->name.View()))
+        if (!m_indexOfName.contains(entry.variable->name))
             Append({ .variable = entry.variable, .owned = false });
     }
 }
@@ -41,7 +45,11 @@ void CVariableTable::ClearVariables()
 
 int32_t CVariableTable::Append(CVariableInfo entry)
 {
+<<<<<<< Updated upstream
     const auto place = m_indexOfName.emplace(entry.variable->name.View(), GetVariableCount()).first;
+=======
+    const auto place = m_indexOfName.emplace(entry.variable->name, GetVariableCount()).first;
+>>>>>>> Stashed changes
     try {
         return m_entries.Add(entry);
     } catch (...) {

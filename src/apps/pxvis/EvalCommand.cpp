@@ -14,7 +14,7 @@ namespace pxvis {
 namespace {
 
 constexpr int64_t kClockStartMs = 1'000'000;
-constexpr size_t kLongestLine = 4 * 1024 * 1024; // bytes; no script file is longer either
+constexpr size_t kLongestLine = size_t { 4 } << 20; // bytes; no script file is longer either
 
 OQEngineContext MakeContext()
 {
