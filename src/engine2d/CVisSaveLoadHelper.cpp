@@ -7,27 +7,35 @@
 #include "engine2d/VisLimits.h"
 #include "foundation/OQXmlDocument.h"
 
+// In front of the first child of the element that we are in.
+void CVisSaveLoadHelper::Rewind()
+{
+    m_document.OutOfElem();
+    m_document.ResetChildPos();
+    m_document.IntoElem();
+}
+
 void CVisSaveLoadHelper::Set(const OQString& path, const OQString& value, bool asElement)
 {
     OQStringArray names;
     path.Split(u'\\', names);
     const int32_t elements = names.GetCount() - (asElement ? 0 : 1);
     for (int32_t i = 0; i < elements; ++i) {
-        m_document.ResetPos();
+        Rewind();
         if (!m_document.FindElem(names[i].GetText()))
-            m_document.AddElem(names[i]);
+            m_document.AddElem(names[i].GetText());
         m_document.IntoElem();
     }
     // Text and attributes belong to the element from outside.
     m_document.OutOfElem();
     if (asElement)
-        m_document.SetData(value);
+        m_document.SetData(value.GetText());
     else
-        m_document.SetAttrib(names[elements], value);
+        m_document.SetAttrib(names[elements].GetText(), value.GetText());
     m_document.IntoElem();
     for (int32_t i = 0; i < elements; ++i)
         m_document.OutOfElem();
-    m_document.ResetPos();
+    Rewind();
 }
 
 void CVisSaveLoadHelper::WritePiece(const CVisLayerPiece& piece)
@@ -84,8 +92,6 @@ void CVisSaveLoadHelper::ReadLayer(CVisLayerPiece& piece, const CComponentManage
     // Children are read from behind the properties on; without properties from the start.
     if (ReadProperties(list))
         piece.LoadProperties(&list);
-    else
-        m_document.ResetPos();
     ReadChildren(piece, manager);
 }
 

@@ -30,6 +30,7 @@ public:
     void ReadChildren(CVisLayerPiece& layerPiece, const CComponentManager& manager);
 
 private:
+    void Rewind();
     void ReadLayer(CVisLayerPiece& piece, const CComponentManager& manager);
     void ReadComponent(
         CVisLayerPiece& piece, const CComponentManager& manager, const OQString& guid);
