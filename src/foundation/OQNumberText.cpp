@@ -2,6 +2,7 @@
 
 #include "foundation/OQArray.h"
 #include "foundation/OQCharacters.h"
+#include "kernels/Maths.h"
 
 #include <algorithm>
 #include <charconv>
@@ -58,7 +59,7 @@ struct Mantissa
 
 double PowerOfTen(double exponent)
 {
-    return std::pow(10.0, exponent);
+    return pxvis::maths::Pow(10.0, exponent);
 }
 
 uint64_t ReadDigits(const OQChar*& text, const OQChar* end, int& count)

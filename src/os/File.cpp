@@ -1,0 +1,235 @@
+#include "os/File.h"
+
+#include <atomic>
+#include <cerrno>
+#include <cstdint>
+#include <cstdlib>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace pxvis::os {
+
+namespace {
+
+class Descriptor
+{
+public:
+    explicit Descriptor(int descriptor)
+        : m_descriptor(descriptor)
+    {
+    }
+
+    ~Descriptor()
+    {
+        if (m_descriptor >= 0)
+            ::close(m_descriptor);
+    }
+
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+
+    bool IsOpen() const { return m_descriptor >= 0; }
+
+    int Get() const { return m_descriptor; }
+
+    // Some file systems tell only now that the disk is full.
+    bool Close()
+    {
+        const int result = ::close(m_descriptor);
+        m_descriptor = -1;
+        return result == 0;
+    }
+
+private:
+    int m_descriptor;
+};
+
+FileError ErrorOf(int number)
+{
+    switch (number) {
+    case ENOENT:
+    case ENOTDIR:
+        return FileError::NotFound;
+    case EACCES:
+    case EPERM:
+    case EROFS:
+        return FileError::Denied;
+    case EISDIR:
+    case ENXIO:
+        return FileError::NotRegular;
+    default:
+        return FileError::Failed;
+    }
+}
+
+bool IsUsable(const std::string& path)
+{
+    return !path.empty() && path.find('\0') == std::string::npos;
+}
+
+// The file that links lead to; the path itself if it names nothing yet.
+std::string ResolveLinks(const std::string& path)
+{
+    char* resolved = ::realpath(path.c_str(), nullptr);
+    if (!resolved)
+        return path;
+    std::string result = resolved;
+    std::free(resolved);
+    return result;
+}
+
+std::string FolderOf(const std::string& path)
+{
+    const size_t slash = path.rfind('/');
+    if (slash == std::string::npos)
+        return ".";
+    return slash == 0 ? "/" : path.substr(0, slash);
+}
+
+// A new file in the folder; its name is hidden and never one of ours.
+int CreateTemporary(const std::string& folder, std::string& path)
+{
+    static std::atomic<unsigned> counter { 0 };
+    constexpr int Attempts = 1000; // files that crashes left behind
+    for (int i = 0; i < Attempts; ++i) {
+        path = folder + "/.pxvis-" + std::to_string(::getpid()) + "-"
+            + std::to_string(counter.fetch_add(1)) + ".tmp";
+        const int descriptor
+            = ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666);
+        if (descriptor >= 0 || errno != EEXIST)
+            return descriptor;
+    }
+    return -1;
+}
+
+bool WriteAll(int descriptor, std::string_view bytes)
+{
+    while (!bytes.empty()) {
+        const ssize_t written = ::write(descriptor, bytes.data(), bytes.size());
+        if (written < 0 && errno == EINTR)
+            continue;
+        if (written <= 0)
+            return false;
+        bytes.remove_prefix(static_cast<size_t>(written));
+    }
+    return true;
+}
+
+// The new name should outlive a power cut as well; not every file system can promise that.
+void SyncFolder(const std::string& folder)
+{
+    const Descriptor descriptor(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (descriptor.IsOpen())
+        ::fsync(descriptor.Get());
+}
+
+// May `path` be replaced? `mode` becomes that of the file that is there, or stays as it is.
+FileError CheckTarget(const std::string& path, mode_t& mode)
+{
+    struct stat status
+    {
+    };
+
+    if (::stat(path.c_str(), &status) != 0)
+        return errno == ENOENT ? FileError::None : ErrorOf(errno);
+    if (!S_ISREG(status.st_mode))
+        return FileError::NotRegular;
+    if (::access(path.c_str(), W_OK) != 0)
+        return ErrorOf(errno);
+    mode = status.st_mode & 07777;
+    return FileError::None;
+}
+
+}
+
+bool FileExists(const std::string& path)
+{
+    struct stat status
+    {
+    };
+
+    return IsUsable(path) && ::stat(path.c_str(), &status) == 0 && !S_ISDIR(status.st_mode);
+}
+
+FileError ReadFile(const std::string& path, size_t maximumSize, std::string& bytes)
+{
+    bytes.clear();
+    if (!IsUsable(path))
+        return FileError::NotFound;
+    const Descriptor file(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+    if (!file.IsOpen())
+        return ErrorOf(errno);
+
+    struct stat status
+    {
+    };
+
+    if (::fstat(file.Get(), &status) != 0)
+        return ErrorOf(errno);
+    if (!S_ISREG(status.st_mode))
+        return FileError::NotRegular;
+    if (static_cast<uint64_t>(status.st_size) > maximumSize)
+        return FileError::TooLarge;
+
+    // The size is only a hint: the file may grow meanwhile, and some tell none.
+    std::string read;
+    read.resize(static_cast<size_t>(status.st_size) + 1);
+    size_t used = 0;
+    for (;;) {
+        if (used == read.size())
+            read.resize(read.size() * 2);
+        const ssize_t count = ::read(file.Get(), read.data() + used, read.size() - used);
+        if (count < 0 && errno == EINTR)
+            continue;
+        if (count < 0)
+            return ErrorOf(errno);
+        if (count == 0)
+            break;
+        used += static_cast<size_t>(count);
+        if (used > maximumSize)
+            return FileError::TooLarge;
+    }
+    read.resize(used);
+    bytes = std::move(read);
+    return FileError::None;
+}
+
+FileError WriteFile(const std::string& path, std::string_view bytes)
+{
+    if (!IsUsable(path))
+        return FileError::NotFound;
+    const std::string target = ResolveLinks(path);
+    mode_t mode = 0;
+    if (const FileError error = CheckTarget(target, mode); error != FileError::None)
+        return error;
+    const std::string folder = FolderOf(target);
+    std::string temporary;
+    Descriptor file(CreateTemporary(folder, temporary));
+    if (!file.IsOpen())
+        return ErrorOf(errno);
+    const bool written = (mode == 0 || ::fchmod(file.Get(), mode) == 0)
+        && WriteAll(file.Get(), bytes) && ::fsync(file.Get()) == 0 && file.Close()
+        && ::rename(temporary.c_str(), target.c_str()) == 0;
+    if (!written) {
+        const FileError error = ErrorOf(errno);
+        ::unlink(temporary.c_str());
+        return error;
+    }
+    SyncFolder(folder);
+    return FileError::None;
+}
+
+double LastWriteTime(const std::string& path)
+{
+    struct stat status
+    {
+    };
+
+    if (!IsUsable(path) || ::stat(path.c_str(), &status) != 0)
+        return 0;
+    return static_cast<double>(status.st_mtim.tv_sec)
+        + static_cast<double>(status.st_mtim.tv_nsec) / 1e9;
+}
+
+}

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace pxvis::os {
+
+// Paths are UTF-8; one with a zero inside names nothing. Any thread.
+
+enum class FileError
+{
+    None,
+    NotFound,
+    NotRegular, // a folder, a device, a pipe
+    TooLarge,
+    Denied,
+    Failed, // anything else: the disk is full, the device doesn't answer
+};
+
+// A file of any kind but a folder.
+bool FileExists(const std::string& path);
+
+// The whole of a regular file of at most `maximumSize` bytes. Never waits for a writer, as opening
+// a pipe would. `bytes` is empty after a failure.
+FileError ReadFile(const std::string& path, size_t maximumSize, std::string& bytes);
+
+// Writes a file that is there in its new form or not at all: the bytes go to a new file beside it,
+// reach the disk, and then take the name. The permissions of a file that was there stay, links are
+// followed, and one that may not be written is left alone.
+FileError WriteFile(const std::string& path, std::string_view bytes);
+
+// Seconds since 1970, or 0 if there is no such file.
+double LastWriteTime(const std::string& path);
+
+}
