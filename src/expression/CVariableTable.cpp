@@ -17,11 +17,7 @@ int32_t CVariableTable::GetVariable(const OQString& name, bool create)
         return -1;
     std::unique_ptr<CVariable> variable(new CVariable { 0.0, lowerName });
     const int32_t index = Append({ .variable = variable.get(), .owned = true });
-<<<<<<< Updated upstream
-    variable.release();
-=======
     static_cast<void>(variable.release()); // the entry owns it now
->>>>>>> Stashed changes
     return index;
 }
 
@@ -45,11 +41,7 @@ void CVariableTable::ClearVariables()
 
 int32_t CVariableTable::Append(CVariableInfo entry)
 {
-<<<<<<< Updated upstream
-    const auto place = m_indexOfName.emplace(entry.variable->name.View(), GetVariableCount()).first;
-=======
     const auto place = m_indexOfName.emplace(entry.variable->name, GetVariableCount()).first;
->>>>>>> Stashed changes
     try {
         return m_entries.Add(entry);
     } catch (...) {

@@ -5,10 +5,6 @@
 
 #include <cstdint>
 #include <map>
-<<<<<<< Updated upstream
-#include <string_view>
-=======
->>>>>>> Stashed changes
 
 // The variables of one or several equation objects, found by name without regard to case. Programs
 // compiled on a table, and tables that share its variables, hold their addresses: once the table is
@@ -42,11 +38,6 @@ private:
 
     OQArray<CVariableInfo> m_entries;
     // Equations come from strangers: with a plain search, or with a hash that can be foreseen, a
-<<<<<<< Updated upstream
-    // text of a million names would compile for hours. The keys point into the variables' names.
-    std::map<std::u16string_view, int32_t> m_indexOfName;
-=======
     // text of a million names would compile for hours.
     std::map<OQString, int32_t> m_indexOfName;
->>>>>>> Stashed changes
 };
