@@ -7,11 +7,13 @@
 
 namespace {
 
+// Empty, which nothing can be loaded from, if our own folder isn't known.
 std::string PathOf(const std::string& name)
 {
     if (!name.empty() && name.front() == '/')
         return name;
-    return pxvis::os::ModuleFolder() + "/" + name;
+    const std::string folder = pxvis::os::ModuleFolder();
+    return folder.empty() ? std::string() : folder + "/" + name;
 }
 
 }

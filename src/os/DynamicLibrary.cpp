@@ -24,7 +24,7 @@ bool DynamicLibrary::Open(const std::string& path)
     Close();
     m_error.clear();
     if (path.empty() || path.front() != '/') {
-        m_error = path + ": not an absolute path";
+        m_error = "\"" + path + "\" is not an absolute path";
         return false;
     }
     m_handle = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);

@@ -28,7 +28,8 @@ std::string LibraryPath(const char* name)
         void* handle = dlopen(name, RTLD_LAZY | RTLD_NOLOAD);
         if (!handle)
             return {};
-        std::vector<char> folder(2 * PATH_MAX); // working folder + name, PATH_MAX at most each
+        std::vector<char> folder(
+            2 * size_t { PATH_MAX }); // working folder + name, PATH_MAX at most each
         const bool known = dlinfo(handle, RTLD_DI_ORIGIN, folder.data()) == 0;
         dlclose(handle);
         if (!known)

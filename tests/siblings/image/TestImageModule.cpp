@@ -71,6 +71,16 @@ struct Folder
     }
 };
 
+// The place of a virtual operation in the table of its class, by the Itanium C++ ABI.
+template <typename Method>
+long SlotOf(Method method)
+{
+    ptrdiff_t words[2] = {};
+    static_assert(sizeof(method) == sizeof(words));
+    std::memcpy(words, &method, sizeof(words));
+    return words[0] / static_cast<long>(sizeof(void*));
+}
+
 // Names of the symbols that a shared library defines for others.
 std::vector<std::string> ExportsOf(const fs::path& path)
 {
@@ -106,6 +116,22 @@ TEST_CASE("The module shows one symbol")
 {
     CHECK(ExportsOf(PXVIS_BINARY_DIR "/bin/OQImage.so")
         == std::vector<std::string> { "GetOQImageAppDLL" });
+}
+
+TEST_CASE("Each operation keeps its slot, which modules built at other times rely on")
+{
+    // The destructor takes the first two.
+    const long slots[]
+        = { SlotOf(&IOQImage::SetOption), SlotOf(&IOQImage::SetOption2), SlotOf(&IOQImage::Create),
+              SlotOf(&IOQImage::Clear), SlotOf(&IOQImage::GetBits), SlotOf(&IOQImage::GetSize),
+              SlotOf(&IOQImage::GetImageHandle), SlotOf(&IOQImage::GetBitmapInfo),
+              SlotOf(&IOQImage::FillRect), SlotOf(&IOQImage::DrawLine), SlotOf(&IOQImage::CopyRect),
+              SlotOf(&IOQImage::Blit), SlotOf(&IOQImage::DrawText), SlotOf(&IOQImage::SavePng) };
+    for (size_t i = 0; i < std::size(slots); ++i)
+        CHECK(slots[i] == static_cast<long>(i) + 2);
+    CHECK(SlotOf(&IOQImageApp::Initialize) == 0);
+    CHECK(SlotOf(&IOQImageApp::Uninitialize) == 1);
+    CHECK(SlotOf(&IOQImageApp::CreateImage) == 2);
 }
 
 TEST_CASE("A picture is made black and transparent, and a refused one is empty")
