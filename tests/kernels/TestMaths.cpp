@@ -105,10 +105,11 @@ TEST_CASE("Powers that a double can hold are exact")
     for (int n = 0; n <= 22; n++, ten *= 10.0)
         CHECK(maths::Pow(10.0, n) == ten);
 
-    constexpr double limit = 0x1p53;
+    constexpr uint64_t limit = uint64_t { 1 } << 53;
     for (int base = 2; base <= 1000; base++) {
         int exponent = 1;
-        for (double power = base; power <= limit; power *= base, exponent++) {
+        for (uint64_t whole = base; whole <= limit; whole *= base, exponent++) {
+            const double power = static_cast<double>(whole);
             CAPTURE(base);
             CAPTURE(exponent);
             REQUIRE(maths::Pow(base, exponent) == power);
@@ -129,9 +130,9 @@ TEST_CASE("Powers that a double can hold are exact")
 
 static void CheckBits(Unary function, std::initializer_list<std::pair<double, double>> cases)
 {
-    for (const auto& [x, result] : cases) {
-        CAPTURE(x);
-        CHECK(Bits(function(x)) == Bits(result));
+    for (const std::pair<double, double>& row : cases) {
+        CAPTURE(row.first);
+        CHECK(Bits(function(row.first)) == Bits(row.second));
     }
 }
 
