@@ -1,6 +1,6 @@
 #include "host/RecordAudioData.h"
 
-#include "pxvis/SysString.h"
+#include <pxvis/SysString.h>
 
 #include <glib.h>
 

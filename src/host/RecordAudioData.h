@@ -2,7 +2,7 @@
 
 #include "host/TrackTags.h"
 #include "host/analysis/AudioRecord.h"
-#include "pxvis/IVisAudioData.h"
+#include <pxvis/IVisAudioData.h>
 
 #include <array>
 #include <memory>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "pxvis/IVisAudioData.h"
+#include <pxvis/IVisAudioData.h>
 
 #include <cstdint>
 #include <iosfwd>
