@@ -27,7 +27,6 @@ constexpr float FullShare = 0.6f;
 constexpr int DeadHops = 8; // 46 ms
 constexpr float Audible = 1e-6f; // -60 dB
 constexpr int FirstOnsets = 4;
-constexpr int OnsetDelay = 340; // samples from an attack to the end of the hop that shows it best
 
 }
 
@@ -148,7 +147,7 @@ BeatTracker::Prediction BeatTracker::Predict() const
     constexpr int64_t Hop = OnsetSpectrum::Hop;
     Prediction prediction;
     prediction.beats = m_onsets >= FirstOnsets && 2 * m_hopsSinceSound <= 3 * m_best.period;
-    prediction.beat = (m_hops - PeakReach - m_best.sinceBeat) * Hop - OnsetDelay;
+    prediction.beat = (m_hops - PeakReach - m_best.sinceBeat) * Hop - OnsetSpectrum::AttackDelay;
     prediction.period = m_best.period * Hop;
     return prediction;
 }

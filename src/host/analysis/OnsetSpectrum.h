@@ -26,8 +26,8 @@ class OnsetSpectrum
 public:
     static constexpr size_t Hop = 256; // 5.8 ms
     static constexpr size_t WindowSize = 1024;
-    // An attack s samples into the song raises the frames whose windows end about here behind it.
-    static constexpr int AttackDelay = 420;
+    // Samples from an attack to the end of the hop whose broad rise shows it best.
+    static constexpr int AttackDelay = 340;
 
     OnsetSpectrum();
     ~OnsetSpectrum();

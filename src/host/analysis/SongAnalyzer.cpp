@@ -80,11 +80,22 @@ void SongAnalyzer::HearUntil(int64_t end)
         ReadUntil(m_heard + static_cast<int64_t>(OnsetSpectrum::Hop));
         const OnsetFrame frame = m_onset.Push(&m_samples[2 * (m_heard - m_samplesStart)]);
         const int64_t frameEnd = m_heard + static_cast<int64_t>(OnsetSpectrum::Hop);
-        const float level = m_impact.Push(frame);
-        if (frameEnd > m_position - SampleRate)
-            m_levels.push_back({ frameEnd - OnsetSpectrum::AttackDelay, level });
+        HearImpact(frame, frameEnd);
         m_beat.Push(frame);
         DropBefore(std::min(frameEnd, m_position - int64_t { SpectrumAnalysis::WindowSize }));
+    }
+}
+
+void SongAnalyzer::HearImpact(const OnsetFrame& frame, int64_t frameEnd)
+{
+    const ImpactDetector::Result result = m_impact.Push(frame);
+    // What a later start leaves out.
+    if (frameEnd < m_position - SampleRate)
+        return;
+    m_levels.push_back({ frameEnd - OnsetSpectrum::AttackDelay, result.level });
+    if (result.hit > 0) {
+        const size_t back = std::min(result.hitHopsAgo, m_levels.size() - 1);
+        m_levels[m_levels.size() - 1 - back].level = result.hit;
     }
 }
 
@@ -98,14 +109,13 @@ void SongAnalyzer::DropBefore(int64_t first)
     m_samplesStart = first;
 }
 
-// With no look-ahead some attacks become known a step late; they count then.
+// With no look-ahead an attack becomes known late and counts then.
 int32_t SongAnalyzer::LevelBetween(int64_t begin, int64_t end)
 {
-    const int64_t earliest = begin - (m_step == 0 ? 0 : end - begin);
     float level = 0;
     size_t taken = 0;
     for (; taken < m_levels.size() && m_levels[taken].position < end; ++taken) {
-        if (m_levels[taken].position >= earliest)
+        if (m_step > 0 || m_levels[taken].position >= begin)
             level = std::max(level, m_levels[taken].level);
     }
     m_levels.erase(m_levels.begin(), m_levels.begin() + static_cast<int64_t>(taken));

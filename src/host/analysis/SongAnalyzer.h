@@ -46,6 +46,7 @@ private:
     bool EndsBefore(int64_t position) const;
     void ReadUntil(int64_t end);
     void HearUntil(int64_t end);
+    void HearImpact(const OnsetFrame& frame, int64_t frameEnd);
     void DropBefore(int64_t first);
     int32_t LevelBetween(int64_t begin, int64_t end);
     int32_t BeatBetween(int64_t begin, int64_t end);
