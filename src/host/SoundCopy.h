@@ -1,0 +1,52 @@
+#pragma once
+
+#include "host/GStreamer.h"
+
+#include <atomic>
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace pxvis::host {
+
+// Leads a song's encoded sound into a muxer as it is. Belongs to a pipeline's owner, who stops the
+// pipeline before this goes away.
+class SoundCopy
+{
+public:
+    // The muxer's pad must be free. False with a reason when a plug-in is missing.
+    bool Build(GstBin* pipeline, GstPad* muxerPad, const std::string& songPath, std::string& error);
+
+    // Once the pipeline plays: until the song's kind is known and led on. False with a reason when
+    // the file can't be read or the muxer can't hold its sound.
+    bool WaitForSound(GstBus* bus, std::string& error);
+
+    // Sound that begins later is read but not stored any more.
+    void EndAt(GstClockTime time) { m_end = time; }
+
+    // Samples before what is to be heard, at the given rate. Once sound has come through.
+    uint32_t Skip(uint32_t rate) const;
+
+private:
+    void LinkSound(GstPad* pad);
+    bool LinkThrough(GstPad* pad, const char* parser);
+    GstPadProbeReturn Adjust(GstPad* pad, GstPadProbeInfo* info);
+    void BeginSound(GstPad* pad);
+
+    GstBin* m_pipeline = nullptr; // both outlive this
+    GstElement* m_source = nullptr;
+    GstPad* m_muxerPad = nullptr;
+    std::string m_songPath;
+
+    // Of the one streaming thread, until the pipeline stands still.
+    bool m_begun = false;
+    bool m_opus = false;
+    GstClockTime m_segmentStart = 0;
+    GstClockTime m_firstTime = GST_CLOCK_TIME_NONE;
+    uint64_t m_opusSamples = 0;
+    std::optional<uint32_t> m_opusSkip; // as the stream's own header says
+
+    std::atomic<GstClockTime> m_end = GST_CLOCK_TIME_NONE;
+};
+
+}

@@ -1,0 +1,522 @@
+#include "host/VideoWriter.h"
+
+#include "host/GStreamer.h"
+#include "host/Mp4Timing.h"
+#include "host/OpusStream.h"
+#include "host/OutputFile.h"
+#include "host/SoundCopy.h"
+#include "os/Clock.h"
+
+#include <fcntl.h>
+#include <gst/app/gstappsrc.h>
+#include <gst/video/video.h>
+#include <stdlib.h>
+#include <sys/statvfs.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <bit>
+#include <cstring>
+#include <utility>
+
+namespace pxvis::host {
+
+namespace {
+
+constexpr int64_t Second = 1'000'000'000;
+constexpr GstClockTime PollTime = 2 * GST_MSECOND;
+
+// Pictures that may wait for the encoder; small ones need more of them to bridge a poll.
+constexpr guint64 WaitingPictures = 3;
+constexpr guint64 WaitingBytes = guint64 { 4 } << 20;
+
+// What the encoder may look ahead, in bytes of its picture format.
+constexpr int64_t LookaheadBytes = int64_t { 96 } << 20;
+
+// avenc_aac puts one block before the sound (AAC's transform needs it).
+constexpr uint32_t AacSkip = 1024;
+
+struct LevelSettings
+{
+    const char* preset;
+    guint quality; // constant rate factor: 0 lossless to 50, about 18 looks like the original
+    guint lookahead; // pictures
+};
+
+LevelSettings SettingsOf(EncodeLevel level)
+{
+    switch (level) {
+    case EncodeLevel::Draft:
+        return { "ultrafast", 23, 0 };
+    case EncodeLevel::Good:
+        break;
+    case EncodeLevel::Best:
+        return { "slow", 16, 50 };
+    }
+    return { "veryfast", 19, 20 };
+}
+
+std::string SettingsFault(const EncodeSettings& settings)
+{
+    const auto side = [](int n) { return n >= 2 && n <= EncodeSettings::SideLimit && n % 2 == 0; };
+    if (!side(settings.width) || !side(settings.height))
+        return "width and height of a video are even numbers from 2 to 16384";
+    if (int64_t { settings.width } * settings.height > EncodeSettings::PixelLimit)
+        return "a video has at most 64 megapixels";
+    const int64_t numerator = settings.rateNumerator;
+    const int64_t denominator = settings.rateDenominator;
+    if (numerator < 1 || denominator < 1 || numerator > 1000 * denominator
+        || numerator * 60 < denominator)
+        return "a video has from 1/60 to 1000 pictures a second";
+    if (settings.sound == SoundCoding::Copy && settings.songPath.empty())
+        return "there is no song whose sound could be copied";
+    return {};
+}
+
+// The muxer does not say why it can't write.
+bool DiskIsFull(int descriptor)
+{
+    struct statvfs disk = {};
+    return fstatvfs(descriptor, &disk) == 0 && disk.f_bavail * disk.f_frsize < 1 << 20;
+}
+
+// A file without a name beside the output: the muxer keeps the pictures there until it knows the
+// index that goes before them. -1 when there is none; the muxer then takes one of its own.
+int OpenScratch(const std::string& path)
+{
+    std::string name = path + ".XXXXXX";
+    const int descriptor = mkostemp(name.data(), O_CLOEXEC);
+    if (descriptor >= 0)
+        unlink(name.c_str());
+    return descriptor;
+}
+
+}
+
+struct VideoWriter::Pipeline
+{
+    EncodeSettings settings;
+    std::string path;
+    std::string error;
+    std::unique_ptr<OutputFile> file;
+    int scratch = -1;
+
+    GstHolder<GstElement> pipeline;
+    GstHolder<GstBus> bus;
+    GstElement* pictures = nullptr; // all owned by the pipeline
+    GstElement* sound = nullptr; // null when the sound is copied
+    std::unique_ptr<SoundCopy> copy; // null when it is encoded
+    GstElement* muxer = nullptr;
+    GstBufferPool* pool = nullptr;
+    GstHolder<GstPad> soundPad; // the muxer's
+    bool ended = false;
+
+    uint64_t pictureCount = 0;
+    uint64_t soundFrames = 0;
+
+    ~Pipeline();
+    bool Fail(const std::string& reason);
+    GstElement* Add(const char* factory, const char* package);
+    bool Link(std::initializer_list<GstElement*> elements);
+    bool LinkToMuxer(GstElement* last, const char* pad, GstHolder<GstPad>* kept);
+    bool Build();
+    bool BuildPictures();
+    bool BuildPool();
+    bool BuildSound();
+    bool BuildCopy();
+    bool ReadMessages(GstClockTime wait);
+    bool WaitForRoom();
+    bool Drain();
+    Mp4SoundTiming SoundTiming() const;
+    void Stop();
+};
+
+VideoWriter::Pipeline::~Pipeline()
+{
+    Stop();
+    if (scratch >= 0)
+        close(scratch);
+}
+
+bool VideoWriter::Pipeline::Fail(const std::string& reason)
+{
+    if (error.empty())
+        error = path + ": " + reason;
+    return false;
+}
+
+GstElement* VideoWriter::Pipeline::Add(const char* factory, const char* package)
+{
+    GstElement* element = gst_element_factory_make(factory, nullptr);
+    if (!element) {
+        Fail(std::string("GStreamer has no ") + factory + "; the package " + package + " holds it");
+        return nullptr;
+    }
+    gst_bin_add(GST_BIN(pipeline.get()), element);
+    return element;
+}
+
+bool VideoWriter::Pipeline::Link(std::initializer_list<GstElement*> elements)
+{
+    GstElement* before = nullptr;
+    for (GstElement* element : elements) {
+        if (!element || (before && !gst_element_link(before, element)))
+            return Fail("the encoder's parts do not fit together");
+        before = element;
+    }
+    return true;
+}
+
+bool VideoWriter::Pipeline::LinkToMuxer(GstElement* last, const char* pad, GstHolder<GstPad>* kept)
+{
+    // Encoded data is small: a queue without bounds lets neither stream wait for the other.
+    GstElement* queue = Add("queue", "libgstreamer1.0-0");
+    if (!queue || !last)
+        return false;
+    g_object_set(
+        queue, "max-size-buffers", 0, "max-size-bytes", 0, "max-size-time", guint64 { 0 }, nullptr);
+    GstHolder<GstPad> sink(gst_element_request_pad_simple(muxer, pad));
+    const GstHolder<GstPad> source(gst_element_get_static_pad(queue, "src"));
+    if (!gst_element_link(last, queue) || !sink
+        || gst_pad_link(source.get(), sink.get()) != GST_PAD_LINK_OK)
+        return Fail("the encoder's parts do not fit together");
+    if (kept)
+        *kept = std::move(sink);
+    return true;
+}
+
+bool VideoWriter::Pipeline::BuildPool()
+{
+    const GstHolder<GstCaps> caps(gst_caps_new_simple("video/x-raw", "format", G_TYPE_STRING,
+        std::endian::native == std::endian::little ? "BGRx" : "xRGB", "width", G_TYPE_INT,
+        settings.width, "height", G_TYPE_INT, settings.height, "framerate", GST_TYPE_FRACTION,
+        settings.rateNumerator, settings.rateDenominator, "pixel-aspect-ratio", GST_TYPE_FRACTION,
+        1, 1, "colorimetry", G_TYPE_STRING, "sRGB", nullptr));
+    g_object_set(pictures, "caps", caps.get(), nullptr);
+    pool = gst_buffer_pool_new();
+    GstStructure* config = gst_buffer_pool_get_config(pool);
+    const guint bytes
+        = static_cast<guint>(settings.width) * static_cast<guint>(settings.height) * 4;
+    gst_buffer_pool_config_set_params(config, caps.get(), bytes, 0, 0);
+    return (gst_buffer_pool_set_config(pool, config) && gst_buffer_pool_set_active(pool, TRUE))
+        || Fail("there is no memory for its pictures");
+}
+
+bool VideoWriter::Pipeline::BuildPictures()
+{
+    pictures = Add("appsrc", "gstreamer1.0-plugins-base");
+    GstElement* convert = Add("videoconvert", "gstreamer1.0-plugins-base");
+    GstElement* format = Add("capsfilter", "libgstreamer1.0-0");
+    GstElement* encoder = Add("x264enc", "gstreamer1.0-plugins-ugly");
+    GstElement* profile = Add("capsfilter", "libgstreamer1.0-0");
+    if (!error.empty())
+        return false;
+    g_object_set(pictures, "format", GST_FORMAT_TIME, "max-bytes", guint64 { 0 }, nullptr);
+
+    // Left to itself the encoder would take 4:4:4, which few players show, and the converter the
+    // matrix of small pictures, BT.601.
+    gst_util_set_object_arg(
+        G_OBJECT(format), "caps", "video/x-raw,format=I420,colorimetry=bt709,chroma-site=mpeg2");
+    gst_util_set_object_arg(G_OBJECT(profile), "caps", "video/x-h264,profile=high");
+
+    const LevelSettings level = SettingsOf(settings.level);
+    const int64_t bytes = int64_t { settings.width } * settings.height * 3 / 2;
+    const int lookahead
+        = static_cast<int>(std::min<int64_t>(level.lookahead, LookaheadBytes / bytes));
+    const int rate
+        = (settings.rateNumerator + settings.rateDenominator - 1) / settings.rateDenominator;
+    gst_util_set_object_arg(G_OBJECT(encoder), "speed-preset", level.preset);
+    gst_util_set_object_arg(G_OBJECT(encoder), "pass", "qual");
+    g_object_set(encoder, "quantizer", level.quality, "vbv-buf-capacity",
+        0, // else the bit rate of another mode bounds this one
+        "key-int-max", std::clamp(2 * rate, 12, 600), // jumping about needs one every 2 s
+        "rc-lookahead", lookahead, "threads", static_cast<guint>(settings.threads), nullptr);
+    return BuildPool() && Link({ pictures, convert, format, encoder, profile })
+        && LinkToMuxer(profile, "video_%u", nullptr);
+}
+
+bool VideoWriter::Pipeline::BuildSound()
+{
+    const bool opus = settings.sound == SoundCoding::Opus;
+    sound = Add("appsrc", "gstreamer1.0-plugins-base");
+    GstElement* convert = Add("audioconvert", "gstreamer1.0-plugins-base");
+    GstElement* resample = Add("audioresample", "gstreamer1.0-plugins-base");
+    GstElement* encoder = opus ? Add("opusenc", "gstreamer1.0-plugins-base")
+                               : Add("avenc_aac", "gstreamer1.0-libav");
+    if (!error.empty())
+        return false;
+    const GstHolder<GstCaps> caps(gst_caps_new_simple("audio/x-raw", "format", G_TYPE_STRING,
+        std::endian::native == std::endian::little ? "F32LE" : "F32BE", "layout", G_TYPE_STRING,
+        "interleaved", "rate", G_TYPE_INT, SampleRate, "channels", G_TYPE_INT, 2, nullptr));
+    g_object_set(
+        sound, "format", GST_FORMAT_TIME, "max-bytes", guint64 { 0 }, "caps", caps.get(), nullptr);
+    g_object_set(resample, "quality", 9, nullptr);
+    g_object_set(encoder, "bitrate", opus ? 192000 : 256000, nullptr);
+    return Link({ sound, convert, resample, encoder })
+        && LinkToMuxer(encoder, "audio_%u", &soundPad);
+}
+
+bool VideoWriter::Pipeline::BuildCopy()
+{
+    soundPad.reset(gst_element_request_pad_simple(muxer, "audio_%u"));
+    copy = std::make_unique<SoundCopy>();
+    std::string fault;
+    return copy->Build(GST_BIN(pipeline.get()), soundPad.get(), settings.songPath, fault)
+        || Fail(fault);
+}
+
+bool VideoWriter::Pipeline::Build()
+{
+    pipeline.reset(GST_ELEMENT(gst_object_ref_sink(gst_pipeline_new(nullptr))));
+    bus.reset(gst_element_get_bus(pipeline.get()));
+    muxer = Add("mp4mux", "gstreamer1.0-plugins-good");
+    GstElement* sink = Add("fdsink", "libgstreamer1.0-0");
+    if (!error.empty() || !Link({ muxer, sink }) || !BuildPictures()
+        || !(settings.sound == SoundCoding::Copy ? BuildCopy() : BuildSound()))
+        return false;
+
+    g_object_set(sink, "fd", file->Descriptor(), "sync", FALSE, nullptr);
+    g_object_set(muxer, "faststart", TRUE, nullptr);
+    scratch = OpenScratch(path);
+    const std::string scratchPath = "/proc/self/fd/" + std::to_string(scratch);
+    if (scratch >= 0 && access(scratchPath.c_str(), R_OK | W_OK) == 0)
+        g_object_set(muxer, "faststart-file", scratchPath.c_str(), nullptr);
+    const std::pair<const char*, const std::string&> tags[] = { { GST_TAG_TITLE, settings.title },
+        { GST_TAG_ARTIST, settings.artist }, { GST_TAG_ALBUM, settings.album } };
+    for (const auto& [tag, text] : tags) {
+        if (!text.empty() && g_utf8_validate(text.c_str(), -1, nullptr))
+            gst_tag_setter_add_tags(
+                GST_TAG_SETTER(muxer), GST_TAG_MERGE_REPLACE, tag, text.c_str(), nullptr);
+    }
+    if (gst_element_set_state(pipeline.get(), GST_STATE_PLAYING) == GST_STATE_CHANGE_FAILURE) {
+        ReadMessages(GST_SECOND);
+        return Fail("the encoder does not start");
+    }
+    std::string fault;
+    return !copy || copy->WaitForSound(bus.get(), fault) || Fail(fault);
+}
+
+// Waits for news of that length at most; false after an error.
+bool VideoWriter::Pipeline::ReadMessages(GstClockTime wait)
+{
+    const auto wanted = static_cast<GstMessageType>(GST_MESSAGE_ERROR | GST_MESSAGE_EOS);
+    while (GstMessage* popped = gst_bus_timed_pop_filtered(bus.get(), wait, wanted)) {
+        const GstHolder<GstMessage> message(popped);
+        wait = 0;
+        if (GST_MESSAGE_TYPE(popped) == GST_MESSAGE_EOS) {
+            ended = true;
+            continue;
+        }
+        GError* raw = nullptr;
+        gst_message_parse_error(popped, &raw, nullptr);
+        const GstHolder<GError> failure(raw);
+        if (g_error_matches(raw, GST_RESOURCE_ERROR, GST_RESOURCE_ERROR_NO_SPACE_LEFT)
+            || DiskIsFull(file->Descriptor()))
+            Fail("no space left on the disk");
+        else
+            Fail(OneLine(raw ? raw->message : "the encoder failed"));
+    }
+    return error.empty();
+}
+
+bool VideoWriter::Pipeline::WaitForRoom()
+{
+    // The source's own blocking would never end when the encoder fails.
+    const guint64 picture = guint64 { 4 } * static_cast<guint64>(settings.width)
+        * static_cast<guint64>(settings.height);
+    const guint64 most = std::max(WaitingPictures * picture, WaitingBytes);
+    guint64 before = G_MAXUINT64;
+    int64_t deadline = 0;
+    for (GstClockTime wait = 0;; wait = PollTime) {
+        if (!ReadMessages(wait))
+            return false;
+        const guint64 level = gst_app_src_get_current_level_bytes(GST_APP_SRC(pictures));
+        if (level + picture <= most)
+            return true;
+        const int64_t now = os::MonotonicNanoseconds();
+        if (level != before)
+            deadline = now + StallSeconds * Second;
+        else if (now > deadline)
+            return Fail("the encoder takes no more pictures");
+        before = level;
+    }
+}
+
+// Until the end has gone through the encoders to the file.
+bool VideoWriter::Pipeline::Drain()
+{
+    gst_app_src_end_of_stream(GST_APP_SRC(pictures));
+    if (sound)
+        gst_app_src_end_of_stream(GST_APP_SRC(sound));
+    else
+        copy->EndAt(gst_util_uint64_scale(soundFrames, GST_SECOND, SampleRate));
+    int64_t deadline = 0;
+    off_t before = -1;
+    while (!ended) {
+        if (!ReadMessages(100 * GST_MSECOND))
+            return false;
+        const off_t size = lseek(file->Descriptor(), 0, SEEK_CUR)
+            + (scratch >= 0 ? lseek(scratch, 0, SEEK_END) : 0);
+        const int64_t now = os::MonotonicNanoseconds();
+        if (size != before)
+            deadline = now + StallSeconds * Second;
+        else if (now > deadline)
+            return Fail("the encoder does not come to an end");
+        before = size;
+    }
+    return true;
+}
+
+Mp4SoundTiming VideoWriter::Pipeline::SoundTiming() const
+{
+    const GstHolder<GstCaps> caps(gst_pad_get_current_caps(soundPad.get()));
+    const GstStructure* structure = caps ? gst_caps_get_structure(caps.get(), 0) : nullptr;
+    Mp4SoundTiming timing;
+    timing.opus = structure && gst_structure_has_name(structure, "audio/x-opus");
+    int rate = SampleRate;
+    if (structure)
+        gst_structure_get_int(structure, "rate", &rate);
+    timing.rate = timing.opus ? OpusRate : static_cast<uint32_t>(std::max(rate, 1));
+    timing.length = (soundFrames * timing.rate + SampleRate / 2) / SampleRate;
+    if (copy)
+        timing.skip = copy->Skip(timing.rate);
+    else
+        timing.skip = timing.opus ? OpusSkip(caps.get()).value_or(OpusUsualSkip) : AacSkip;
+    return timing;
+}
+
+void VideoWriter::Pipeline::Stop()
+{
+    if (pipeline)
+        gst_element_set_state(pipeline.get(), GST_STATE_NULL);
+    if (pool) {
+        gst_buffer_pool_set_active(pool, FALSE);
+        gst_object_unref(std::exchange(pool, nullptr));
+    }
+}
+
+std::unique_ptr<VideoWriter> VideoWriter::Open(
+    const std::string& path, const EncodeSettings& settings, std::string& error)
+{
+    error.clear();
+    auto pipeline = std::make_unique<Pipeline>();
+    pipeline->path = path;
+    pipeline->settings = settings;
+    pipeline->settings.threads = std::clamp(settings.threads, 0, 128);
+    const std::string fault = SettingsFault(settings);
+    if (!fault.empty()) {
+        error = path + ": " + fault;
+        return nullptr;
+    }
+    if (!InitializeGStreamer(error))
+        return nullptr;
+    pipeline->file = OutputFile::Open(path, settings.replace, error);
+    if (!pipeline->file)
+        return nullptr;
+    if (!pipeline->Build()) {
+        error = pipeline->error;
+        pipeline->Stop();
+        return nullptr;
+    }
+    return std::unique_ptr<VideoWriter>(new VideoWriter(std::move(pipeline)));
+}
+
+VideoWriter::VideoWriter(std::unique_ptr<Pipeline> pipeline)
+    : m_pipeline(std::move(pipeline))
+{
+}
+
+VideoWriter::~VideoWriter()
+{
+    Abort();
+}
+
+bool VideoWriter::AddSound(const float* interleaved, size_t frames)
+{
+    Pipeline& p = *m_pipeline;
+    if (!p.file || !p.ReadMessages(0))
+        return false;
+    if (frames == 0)
+        return true;
+    const uint64_t begin = std::exchange(p.soundFrames, p.soundFrames + frames);
+    if (!p.sound)
+        return true;
+    const size_t bytes = frames * 2 * sizeof(float);
+    GstBuffer* buffer = gst_buffer_new_allocate(nullptr, bytes, nullptr);
+    gst_buffer_fill(buffer, 0, interleaved, bytes);
+    GST_BUFFER_PTS(buffer) = gst_util_uint64_scale(begin, GST_SECOND, SampleRate);
+    GST_BUFFER_DURATION(buffer)
+        = gst_util_uint64_scale(p.soundFrames, GST_SECOND, SampleRate) - GST_BUFFER_PTS(buffer);
+    if (gst_app_src_push_buffer(GST_APP_SRC(p.sound), buffer) == GST_FLOW_OK)
+        return true;
+    p.ReadMessages(GST_SECOND);
+    return p.Fail("the encoder takes no more sound");
+}
+
+bool VideoWriter::AddPicture(const uint32_t* topRow, ptrdiff_t pitch)
+{
+    Pipeline& p = *m_pipeline;
+    if (!p.file || !p.WaitForRoom())
+        return false;
+    GstBuffer* buffer = nullptr;
+    GstMapInfo map;
+    if (gst_buffer_pool_acquire_buffer(p.pool, &buffer, nullptr) != GST_FLOW_OK)
+        return p.Fail("there is no memory for its pictures");
+    if (!gst_buffer_map(buffer, &map, GST_MAP_WRITE)) {
+        gst_buffer_unref(buffer);
+        return p.Fail("there is no memory for its pictures");
+    }
+    const size_t rowBytes = static_cast<size_t>(p.settings.width) * 4;
+    for (ptrdiff_t y = 0; y < p.settings.height; ++y)
+        std::memcpy(map.data + static_cast<size_t>(y) * rowBytes, topRow + y * pitch, rowBytes);
+    gst_buffer_unmap(buffer, &map);
+
+    const guint64 scale = static_cast<guint64>(p.settings.rateDenominator) * GST_SECOND;
+    const auto rate = static_cast<guint64>(p.settings.rateNumerator);
+    GST_BUFFER_PTS(buffer) = gst_util_uint64_scale(p.pictureCount, scale, rate);
+    ++p.pictureCount;
+    GST_BUFFER_DURATION(buffer)
+        = gst_util_uint64_scale(p.pictureCount, scale, rate) - GST_BUFFER_PTS(buffer);
+    if (gst_app_src_push_buffer(GST_APP_SRC(p.pictures), buffer) == GST_FLOW_OK)
+        return true;
+    p.ReadMessages(GST_SECOND);
+    return p.Fail("the encoder takes no more pictures");
+}
+
+bool VideoWriter::Finish()
+{
+    Pipeline& p = *m_pipeline;
+    if (!p.file)
+        return false;
+    if (p.pictureCount == 0 || p.soundFrames == 0)
+        p.Fail("there is nothing to write");
+    std::string fault;
+    const bool drained = p.ReadMessages(0) && p.Drain();
+    const Mp4SoundTiming timing = drained ? p.SoundTiming() : Mp4SoundTiming();
+    p.Stop();
+    if (drained && !WriteMp4SoundTiming(p.file->Descriptor(), timing, fault))
+        p.Fail(fault);
+    if (p.error.empty() && !p.file->Commit(p.error))
+        p.file.reset();
+    const bool whole = p.error.empty();
+    p.file.reset();
+    return whole;
+}
+
+void VideoWriter::Abort()
+{
+    m_pipeline->Stop();
+    m_pipeline->file.reset();
+}
+
+uint64_t VideoWriter::PictureCount() const
+{
+    return m_pipeline->pictureCount;
+}
+
+const std::string& VideoWriter::Error() const
+{
+    return m_pipeline->error;
+}
+
+}
