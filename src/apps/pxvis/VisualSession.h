@@ -1,6 +1,7 @@
 #pragma once
 
 #include "engine2d/CVisualization.h"
+#include "engine2d/IVisBuffer.h"
 #include "engine2d/IVisualization2DOwner.h"
 #include "foundation/OQEngineContext.h"
 #include "host/RecordAudioData.h"

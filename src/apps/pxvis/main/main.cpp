@@ -185,12 +185,16 @@ int Run(int argc, char** argv)
     CLI::App& eval = *app.add_subcommand(
         "eval", "Evaluate an equation, or one for each line of standard input");
     CLI::Option* text = eval.add_option("EQUATION", equation, "The equation's text");
+    eval.allow_extras();
     eval.add_flag("--batch", batch, "Read equations from standard input, one a line")
         ->excludes(text);
 
     try {
         app.parse(argc, argv);
-        if (eval.parsed() && !batch && text->empty())
+        // "-x" is an equation, not an option.
+        if (eval.parsed() && text->empty() && eval.remaining_size() == 1)
+            equation = eval.remaining()[0];
+        else if (eval.parsed() && (eval.remaining_size() > 0 || (!batch && text->empty())))
             throw CLI::RequiredError("EQUATION or --batch");
     } catch (const CLI::Success& request) {
         return app.exit(request);
