@@ -84,6 +84,7 @@ TEST_CASE("The faults of a text are told in exact words, the first one only")
     CHECK(ErrorOf(u" <a b='>") == u"Element tag at offset 1 unterminated");
 
     CHECK(ErrorOf(u"<a>1 < 2 > 0</a>") == u"Incorrect tag name character at offset 5");
+    CHECK(ErrorOf(u"<a/><!E") == u"Incorrect ! tag at offset 4");
     CHECK(ErrorOf(u"<!X><a/>") == u"Incorrect ! tag at offset 0");
     CHECK(ErrorOf(u"<!-x--><a/>") == u"Incorrect comment tag at offset 0");
     CHECK(ErrorOf(u"<![X]]><a/>") == u"Incorrect tag at offset 0");
