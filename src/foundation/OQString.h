@@ -69,7 +69,7 @@ public:
     bool StartsWithNoCase(const OQString& text) const;
     bool EndsWith(const OQString& text) const;
 
-    OQString Left(int count) const { return Mid(0, count); }
+    OQString Left(int count) const { return Mid(0, count < 0 ? 0 : count); }
 
     OQString Right(int count) const;
     OQString Mid(int from, int count = -1) const; // -1: to the end

@@ -1,7 +1,5 @@
 #include "foundation/OQStringGlobals.h"
 
-#include "foundation/OQCharacters.h"
-
 #include <algorithm>
 #include <climits>
 #include <cstddef>
@@ -29,10 +27,6 @@ OQStringGlobals::OQStringGlobals()
     : m_empty { { this, 0, 1, OQStringHeader::StaticMarker }, 0 }
 {
     static_assert(offsetof(EmptyString, terminator) == sizeof(OQStringHeader));
-    for (int c = 0; c < 256; ++c) {
-        m_lowerCase[c] = static_cast<uint8_t>(OQToLower(static_cast<OQChar>(c)));
-        m_classes[c] = OQGetCharacterClass(static_cast<OQChar>(c));
-    }
 }
 
 OQStringHeader* OQStringGlobals::TakeFromCache(int32_t capacity)

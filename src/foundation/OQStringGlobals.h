@@ -28,11 +28,6 @@ public:
 
     OQChar* GetEmpty() override { return m_empty.header.Text(); }
 
-    // By character, for those below 256.
-    const uint8_t* GetLowerCaseTable() const { return m_lowerCase; }
-
-    const uint8_t* GetClassTable() const { return m_classes; }
-
 private:
     static constexpr uint32_t GuardValue = 0xB23A8C33;
     static constexpr int32_t CachedBlocks = 16;
@@ -57,6 +52,4 @@ private:
     EmptyString m_empty;
     OQStringHeader* m_cache[CachedBlocks] = {};
     int32_t m_cachedCount = 0;
-    uint8_t m_lowerCase[256];
-    uint8_t m_classes[256];
 };

@@ -217,7 +217,8 @@ std::string OQString::ToUtf8() const
             continue;
         }
         const int following = character < 0x800 ? 1 : character < 0x10000 ? 2 : 3;
-        result += static_cast<char>((0xF00u >> (following + 1) & 0xF0u) | (character >> 6 * following));
+        result += static_cast<char>(
+            (0xF00u >> (following + 1) & 0xF0u) | (character >> 6 * following));
         for (int shift = 6 * (following - 1); shift >= 0; shift -= 6)
             result += static_cast<char>(0x80u | (character >> shift & 0x3Fu));
     }

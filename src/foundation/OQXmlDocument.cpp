@@ -73,7 +73,8 @@ bool OQXmlDocument::SetDocument(const OQString& text)
 
 bool OQXmlDocument::HasFault() const
 {
-    return m_elements[m_element].flags & OQXmlElement::FaultInContent;
+    constexpr uint32_t Faults = OQXmlElement::FaultInContent | OQXmlElement::IllFormed;
+    return m_elements[m_element].flags & Faults;
 }
 
 void OQXmlDocument::ResetPos()

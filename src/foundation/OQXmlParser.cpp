@@ -107,12 +107,14 @@ void OQXmlParser::ReadStartTag(const OQXmlToken& token)
 }
 
 // An end tag ends the innermost element whose name it begins with, if the name ends there.
-int OQXmlParser::FindOpenElement(std::u16string_view endTag) const
+int OQXmlParser::FindOpenElement(std::u16string_view tag) const
 {
+    const std::u16string_view endTag = tag.substr(2);
     constexpr std::u16string_view nameEnds = u" \t\r\n=/[]";
     // Names may hold some of these characters themselves; more of them than this aren't tried.
     constexpr int MaximumCandidates = 16;
-    int found = -1;
+    const auto whole = m_names.find(OQXmlTagName(tag));
+    int found = whole != m_names.end() ? whole->second : -1;
     size_t end = 0;
     for (int i = 0; i < MaximumCandidates && end < endTag.size(); ++i) {
         end = std::min(endTag.find_first_of(nameEnds, end + (i > 0)), endTag.size());
@@ -126,7 +128,7 @@ int OQXmlParser::FindOpenElement(std::u16string_view endTag) const
 void OQXmlParser::ReadEndTag(const OQXmlToken& token)
 {
     const std::u16string_view tag = TextOf(token, m_text);
-    const int place = FindOpenElement(tag.substr(2, tag.size() - 3));
+    const int place = FindOpenElement(tag.substr(0, tag.size() - 1));
     if (place < 0) {
         if (m_message.IsEmpty())
             Report(u"No start tag for end tag '" + ToString(OQXmlTagName(tag)) + u"' at offset "

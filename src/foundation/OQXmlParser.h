@@ -36,7 +36,7 @@ private:
 
     void ReadStartTag(const OQXmlToken& token);
     void ReadEndTag(const OQXmlToken& token);
-    int FindOpenElement(std::u16string_view endTag) const;
+    int FindOpenElement(std::u16string_view tag) const;
     void CloseInner(int stackPlace, int newParent);
     void Report(const OQString& message);
     void ReportNotEnded(int element);

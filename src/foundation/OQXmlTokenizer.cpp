@@ -75,8 +75,10 @@ OQXmlToken OQXmlTokenizer::ReadDeclaration()
     case u'A': // <!ATTLIST
     case u'N': // <!NOTATION
     {
-        OQXmlToken token = SkipIncorrect(u"");
-        token.fault = OQXmlTokenFault::None;
+        // Nothing to us, and no fault unless it swallows the rest of the text.
+        OQXmlToken token = SkipIncorrect(u"! tag");
+        if (At(token.EndOffset() - 1) == u'>')
+            token.fault = OQXmlTokenFault::None;
         return token;
     }
     default:
