@@ -12,16 +12,16 @@ constexpr int Reach = 6;
 constexpr std::array<float, 2 * Reach + 1> Closeness = { 0.056f, 0.135f, 0.278f, 0.487f, 0.726f,
     0.923f, 1.0f, 0.923f, 0.726f, 0.487f, 0.278f, 0.135f, 0.056f };
 
-constexpr float BeatCost = 0.4f; // an onset weaker than this share speaks against a beat
-constexpr float TempoPrice = 0.1f; // a squared octave away from the usual tempo, each beat
+constexpr float BeatCost = 0.35f; // an onset weaker than this share speaks against a beat
+constexpr float TempoPrice = 0.12f; // a squared octave away from the usual tempo, each beat
 constexpr float UsualPeriod = 86; // hops; 120 a minute
 constexpr int MaxChange = 4; // hops of period from one beat to the next
-constexpr float ChangePrice = 3; // a unit of the period's logarithm
+constexpr float ChangePrice = 7; // a unit of the period's logarithm
 constexpr float Memory = 5; // how far any hypothesis may fall behind the best
 
 constexpr float MeanRate = 0.008f; // a hop; 0.7 s
 constexpr float PeakDecay = 0.9992f; // a hop; to a half in 5 s
-constexpr float Dominance = 1.3f; // an onset stands out of the mean flux by this factor
+constexpr float Dominance = 1.8f; // an onset stands out of the mean flux by this factor
 constexpr float SmallestShare = 0.1f; // of the strongest onsets of the last seconds
 constexpr float FullShare = 0.6f;
 constexpr int DeadHops = 8; // 46 ms
