@@ -1,6 +1,9 @@
 #include "host/SoundCopy.h"
 
 #include "host/OpusStream.h"
+#include "host/analysis/Mp3Trim.h"
+
+#include <string_view>
 
 namespace pxvis::host {
 
@@ -39,6 +42,10 @@ bool SoundCopy::Build(
         static_cast<SoundCopy*>(self)->LinkSound(pad);
     };
     g_signal_connect(parse, "pad-added", G_CALLBACK(added), this);
+    const auto watch = +[](GstBin*, GstBin*, GstElement* element, void* self) {
+        static_cast<SoundCopy*>(self)->WatchElement(element);
+    };
+    g_signal_connect(parse, "deep-element-added", G_CALLBACK(watch), this);
     return gst_element_link(m_source, parse);
 }
 
@@ -46,13 +53,18 @@ bool SoundCopy::Build(
 // covers and the like stay unlinked.
 void SoundCopy::LinkSound(GstPad* pad)
 {
-    const GstHolder<GstCaps> caps(gst_pad_get_current_caps(pad));
-    const char* coding = caps ? gst_structure_get_name(gst_caps_get_structure(caps.get(), 0)) : "";
+    GstHolder<GstCaps> caps(gst_pad_get_current_caps(pad));
+    if (!caps) // files of one stream: nothing has flowed yet
+        caps.reset(gst_pad_query_caps(pad, nullptr));
+    if (gst_caps_get_size(caps.get()) == 0)
+        return;
+    const char* coding = gst_structure_get_name(gst_caps_get_structure(caps.get(), 0));
     if (!g_str_has_prefix(coding, "audio/") || gst_pad_is_linked(m_muxerPad))
         return;
     m_opus = g_str_equal(coding, "audio/x-opus");
     m_opusSkip = OpusSkip(caps.get());
     const char* parser = ParserFor(caps.get());
+    m_mp3 = parser && g_str_equal(parser, "mpegaudioparse");
     const gboolean linked = parser && LinkThrough(pad, parser);
     gst_element_post_message(m_source,
         gst_message_new_application(GST_OBJECT(m_source),
@@ -115,8 +127,8 @@ GstPadProbeReturn SoundCopy::Adjust(GstPad* pad, GstPadProbeInfo* info)
     GST_PAD_PROBE_INFO_DATA(info) = buffer;
     if (m_opus && gst_buffer_memcmp(buffer, 0, "Opus", 4) == 0)
         return GST_PAD_PROBE_DROP; // an Ogg file's header packets
-    if (!m_begun)
-        BeginSound(pad);
+    if (!m_begun && !BeginSound(pad, buffer))
+        return GST_PAD_PROBE_DROP;
     GstClockTime time = 0;
     if (m_opus) {
         time = gst_util_uint64_scale(m_opusSamples, GST_SECOND, OpusRate);
@@ -137,23 +149,44 @@ GstPadProbeReturn SoundCopy::Adjust(GstPad* pad, GstPadProbeInfo* info)
     return GST_PAD_PROBE_OK;
 }
 
-void SoundCopy::BeginSound(GstPad* pad)
+// False when the first buffer holds no sound.
+bool SoundCopy::BeginSound(GstPad* pad, GstBuffer* first)
 {
     m_begun = true;
-    GstEvent* event = gst_pad_get_sticky_event(pad, GST_EVENT_SEGMENT, 0);
-    const GstSegment* segment = nullptr;
-    if (!event)
+    if (GstEvent* event = gst_pad_get_sticky_event(pad, GST_EVENT_SEGMENT, 0)) {
+        const GstSegment* segment = nullptr;
+        gst_event_parse_segment(event, &segment);
+        if (segment->format == GST_FORMAT_TIME)
+            m_segmentStart = segment->start;
+        gst_event_unref(event);
+    }
+    GstMapInfo map;
+    if (!m_mp3 || m_inContainer || !gst_buffer_map(first, &map, GST_MAP_READ))
+        return true;
+    const Mp3Trim trim = ReadMp3Trim(map.data, map.size);
+    gst_buffer_unmap(first, &map);
+    m_mp3Skip = static_cast<uint32_t>(trim.start);
+    return !trim.isHeaderFrame;
+}
+
+void SoundCopy::WatchElement(GstElement* element)
+{
+    GstElementFactory* factory = gst_element_get_factory(element);
+    if (!factory)
         return;
-    gst_event_parse_segment(event, &segment);
-    if (segment->format == GST_FORMAT_TIME)
-        m_segmentStart = segment->start;
-    gst_event_unref(event);
+    const std::string_view name = gst_plugin_feature_get_name(factory);
+    const std::string_view classes
+        = gst_element_factory_get_metadata(factory, GST_ELEMENT_METADATA_KLASS);
+    if (classes.find("Demux") != classes.npos && name != "id3demux" && name != "apedemux")
+        m_inContainer = true;
 }
 
 uint32_t SoundCopy::Skip(uint32_t rate) const
 {
     if (m_opus && m_opusSkip)
         return *m_opusSkip;
+    if (m_mp3Skip > 0)
+        return m_mp3Skip;
     const GstClockTime first = m_firstTime == GST_CLOCK_TIME_NONE ? 0 : m_firstTime;
     if (m_segmentStart <= first)
         return m_opus ? OpusUsualSkip : 0;

@@ -31,7 +31,8 @@ private:
     void LinkSound(GstPad* pad);
     bool LinkThrough(GstPad* pad, const char* parser);
     GstPadProbeReturn Adjust(GstPad* pad, GstPadProbeInfo* info);
-    void BeginSound(GstPad* pad);
+    bool BeginSound(GstPad* pad, GstBuffer* first);
+    void WatchElement(GstElement* element);
 
     GstBin* m_pipeline = nullptr; // both outlive this
     GstElement* m_source = nullptr;
@@ -41,6 +42,9 @@ private:
     // Of the one streaming thread, until the pipeline stands still.
     bool m_begun = false;
     bool m_opus = false;
+    bool m_mp3 = false;
+    bool m_inContainer = false; // which then tells where the song starts
+    uint32_t m_mp3Skip = 0;
     GstClockTime m_segmentStart = 0;
     GstClockTime m_firstTime = GST_CLOCK_TIME_NONE;
     uint64_t m_opusSamples = 0;

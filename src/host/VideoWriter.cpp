@@ -30,8 +30,8 @@ constexpr GstClockTime PollTime = 2 * GST_MSECOND;
 constexpr guint64 WaitingPictures = 3;
 constexpr guint64 WaitingBytes = guint64 { 4 } << 20;
 
-// What the encoder may look ahead, in bytes of its picture format.
-constexpr int64_t LookaheadBytes = int64_t { 96 } << 20;
+// What the encoder may look ahead, in bytes of its picture format; it takes three times as much.
+constexpr int64_t LookaheadBytes = int64_t { 40 } << 20;
 
 // avenc_aac puts one block before the sound (AAC's transform needs it).
 constexpr uint32_t AacSkip = 1024;
@@ -252,6 +252,8 @@ bool VideoWriter::Pipeline::BuildSound()
         sound, "format", GST_FORMAT_TIME, "max-bytes", guint64 { 0 }, "caps", caps.get(), nullptr);
     g_object_set(resample, "quality", 9, nullptr);
     g_object_set(encoder, "bitrate", opus ? 192000 : 256000, nullptr);
+    if (!opus && settings.level == EncodeLevel::Draft)
+        gst_util_set_object_arg(G_OBJECT(encoder), "aac-coder", "fast");
     return Link({ sound, convert, resample, encoder })
         && LinkToMuxer(encoder, "audio_%u", &soundPad);
 }

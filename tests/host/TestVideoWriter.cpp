@@ -12,6 +12,7 @@ using pxvis::host::EncodeLevel;
 using pxvis::host::EncodeSettings;
 using pxvis::host::SoundCoding;
 using pxvis::host::VideoWriter;
+using namespace std::string_literals;
 
 namespace {
 
@@ -82,6 +83,39 @@ std::string MakeClip(const std::string& path, const EncodeSettings& settings)
     if (!WriteClip(*writer, settings) || !writer->Finish())
         return writer->Error();
     return {};
+}
+
+// The clip's sound and a quarter of a second more, as click.wav.
+void WriteClickWave(const TestFolder& folder)
+{
+    constexpr uint32_t Bytes = Rate * 9 / 4 * 2;
+    std::string wave = "RIFF....WAVEfmt \x10\0\0\0\1\0\1\0"s;
+    const auto append = [&](uint32_t value) {
+        for (int i = 0; i < 4; ++i)
+            wave += static_cast<char>(value >> 8 * i);
+    };
+    append(Rate);
+    append(Rate * 2);
+    wave += "\2\0\x10\0data"s;
+    append(Bytes);
+    wave.resize(wave.size() + Bytes);
+    wave[44 + 2 * ClickSample + 1] = 0x60;
+    folder.Write("click.wav", wave);
+}
+
+void Convert(const TestFolder& folder, const std::string& encoder, const std::string& name)
+{
+    const std::string line = "filesrc location=" + folder.Path("click.wav")
+        + " ! wavparse ! audioconvert ! " + encoder + " ! filesink location=" + folder.Path(name);
+    const pxvis::host::GstHolder<GstElement> pipeline(gst_parse_launch(line.c_str(), nullptr));
+    REQUIRE(pipeline);
+    const pxvis::host::GstHolder<GstBus> bus(gst_element_get_bus(pipeline.get()));
+    gst_element_set_state(pipeline.get(), GST_STATE_PLAYING);
+    const pxvis::host::GstHolder<GstMessage> end(gst_bus_timed_pop_filtered(bus.get(),
+        20 * GST_SECOND, static_cast<GstMessageType>(GST_MESSAGE_EOS | GST_MESSAGE_ERROR)));
+    gst_element_set_state(pipeline.get(), GST_STATE_NULL);
+    REQUIRE(end);
+    CHECK(GST_MESSAGE_TYPE(end.get()) == GST_MESSAGE_EOS);
 }
 
 void CheckClick(const VideoFile& file, double seconds)
@@ -241,9 +275,20 @@ TEST_CASE("A song's own sound is copied unless an MP4 file can't hold it")
         CHECK(file.pictures.size() == 120);
         CheckClick(file, 2);
     }
+    WriteClickWave(folder);
+    settings.songPath = folder.Path("click.mp3");
+    Convert(folder, "lamemp3enc", "click.mp3");
+    REQUIRE(MakeClip(folder.Path("mp3.mp4"), settings) == "");
+    CheckClick(VideoFile(folder.Path("mp3.mp4")), 2);
+
+    settings.songPath = folder.Path("click.flac");
+    Convert(folder, "flacenc", "click.flac");
+    CHECK(MakeClip(folder.Path("other.mp4"), settings)
+        == folder.Path("other.mp4")
+            + ": an MP4 file can't hold the song's own sound (audio/x-flac); take aac or opus");
     folder.Write("noise.wav", "RIFF");
     settings.songPath = folder.Path("noise.wav");
     CHECK(MakeClip(folder.Path("other.mp4"), settings)
         == folder.Path("other.mp4") + ": the sound of " + settings.songPath + " can't be copied");
-    CHECK(folder.Names() == "clip.mp4 noise.wav song.mp4 ");
+    CHECK(folder.Names() == "click.flac click.mp3 click.wav clip.mp4 mp3.mp4 noise.wav song.mp4 ");
 }
