@@ -89,7 +89,7 @@ int RenderPicture(const RenderOptions& options, SongPlayback& playback, std::ost
     if (at < options.from || (options.to >= 0 && at > options.to))
         return Fail(errors, "--at lies outside --from and --to");
     const int64_t last = static_cast<int64_t>((at - options.from) * options.stepRate.PerSecond());
-    host::ProgressLine progress(static_cast<double>(last + 1) / options.stepRate.PerSecond());
+    host::ProgressLine progress(options.stepRate.PerSecond());
     while (playback.StepCount() <= last) {
         if (!playback.NextStep()) {
             progress.Clear();
@@ -97,8 +97,8 @@ int RenderPicture(const RenderOptions& options, SongPlayback& playback, std::ost
                 playback.Error().empty() ? options.song + ": ends before the moment asked for"
                                          : playback.Error());
         }
-        progress.Update(static_cast<double>(playback.StepCount()) / options.stepRate.PerSecond(),
-            static_cast<uint64_t>(playback.StepCount()));
+        progress.Update(
+            static_cast<uint64_t>(playback.StepCount()), static_cast<uint64_t>(last + 1));
     }
     progress.Clear();
 
@@ -140,8 +140,9 @@ int RenderVideo(const RenderOptions& options, SongPlayback& playback, std::ostre
     playback.SetSoundSink(
         [&](const float* interleaved, size_t frames) { writer->AddSound(interleaved, frames); });
     const double frameSeconds = 1.0 / options.frameRate.PerSecond();
-    const double length = PartLength(options, playback.Info());
-    host::ProgressLine progress(length);
+    const auto total = static_cast<uint64_t>(
+        std::ceil(PartLength(options, playback.Info()) * options.frameRate.PerSecond()));
+    host::ProgressLine progress(options.frameRate.PerSecond());
     ScaledPicture scaled(options.width, options.height);
     uint64_t pictures = 0;
     bool songGoesOn = true;
@@ -156,7 +157,7 @@ int RenderVideo(const RenderOptions& options, SongPlayback& playback, std::ostre
             break;
         if (!writer->AddPicture(scaled.TopRow(playback.Picture()), scaled.Pitch()))
             break;
-        progress.Update(seconds + frameSeconds, ++pictures);
+        progress.Update(++pictures, total);
     }
     progress.Clear();
 
