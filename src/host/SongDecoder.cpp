@@ -13,6 +13,7 @@
 #include <atomic>
 #include <cerrno>
 #include <cstring>
+#include <filesystem>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -160,6 +161,7 @@ struct SongDecoder::Pipeline
     bool NextSample();
     void ReadMessages();
     void TakeError(GstMessage* message);
+    void TakeMissingPlugin(GstMessage* message);
     void TakeFormat();
     void Fail(const std::string& reason);
 };
@@ -228,6 +230,8 @@ bool SongDecoder::Pipeline::Start()
     }
     ReadMessages();
     TakeFormat();
+    if (info.tags.title.empty())
+        info.tags.title = std::filesystem::path(path).stem();
     return true;
 }
 
@@ -257,12 +261,30 @@ void SongDecoder::Pipeline::TakeError(GstMessage* message)
     const GstHolder<GError> holder(fault);
     if (!missingPlugin.empty())
         Fail("GStreamer has no plug-in for it: " + missingPlugin);
-    else if (fault->domain == GST_STREAM_ERROR
-        && (fault->code == GST_STREAM_ERROR_TYPE_NOT_FOUND
-            || fault->code == GST_STREAM_ERROR_WRONG_TYPE))
+    else if (g_error_matches(fault, GST_STREAM_ERROR, GST_STREAM_ERROR_TYPE_NOT_FOUND)
+        || g_error_matches(fault, GST_STREAM_ERROR, GST_STREAM_ERROR_WRONG_TYPE)
+        || g_error_matches(fault, GST_STREAM_ERROR, GST_STREAM_ERROR_CODEC_NOT_FOUND)
+        || g_error_matches(fault, GST_CORE_ERROR, GST_CORE_ERROR_MISSING_PLUGIN))
         Fail("not a music file that GStreamer knows");
     else
         Fail("cannot be decoded: " + OneLine(fault->message));
+}
+
+void SongDecoder::Pipeline::TakeMissingPlugin(GstMessage* message)
+{
+    // Typefinding knows many things that are no music; a decoder for those would not help.
+    const GstStructure* structure = gst_message_get_structure(message);
+    const GValue* detail = gst_structure_get_value(structure, "detail");
+    if (detail && GST_VALUE_HOLDS_CAPS(detail)) {
+        const GstCaps* caps = gst_value_get_caps(detail);
+        if (gst_caps_get_size(caps) > 0) {
+            const char* type = gst_structure_get_name(gst_caps_get_structure(caps, 0));
+            if (!g_str_has_prefix(type, "audio/") && !g_str_has_prefix(type, "video/"))
+                return;
+        }
+    }
+    const GstHolder<char> description(gst_missing_plugin_message_get_description(message));
+    missingPlugin = OneLine(description.get());
 }
 
 void SongDecoder::Pipeline::ReadMessages()
@@ -278,10 +300,8 @@ void SongDecoder::Pipeline::ReadMessages()
             break;
         }
         case GST_MESSAGE_ELEMENT:
-            if (gst_is_missing_plugin_message(raw)) {
-                const GstHolder<char> name(gst_missing_plugin_message_get_description(raw));
-                missingPlugin = OneLine(name.get());
-            }
+            if (gst_is_missing_plugin_message(raw))
+                TakeMissingPlugin(raw);
             break;
         case GST_MESSAGE_APPLICATION:
             if (!missingPlugin.empty())

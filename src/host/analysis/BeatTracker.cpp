@@ -1,7 +1,9 @@
 #include "host/analysis/BeatTracker.h"
 
+#include "kernels/Maths.h"
+
 #include <algorithm>
-#include <cmath>
+#include <cstdlib>
 
 namespace pxvis::host {
 
@@ -36,7 +38,8 @@ BeatTracker::BeatTracker()
     for (int i = 0; i < PeriodCount; ++i) {
         const int period = ShortestPeriod + i;
         m_combs[static_cast<size_t>(i)].scores.resize(static_cast<size_t>(period));
-        const float octaves = std::log2(static_cast<float>(period) / UsualPeriod);
+        const auto octaves
+            = static_cast<float>(maths::Log(period / double { UsualPeriod }) / maths::Log(2));
         m_beatCost[static_cast<size_t>(i)] = BeatCost + TempoPrice * octaves * octaves;
     }
 }

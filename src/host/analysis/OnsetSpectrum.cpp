@@ -1,5 +1,7 @@
 #include "host/analysis/OnsetSpectrum.h"
 
+#include "kernels/Maths.h"
+
 #include <kiss_fft.h>
 
 #include <algorithm>
@@ -42,7 +44,7 @@ OnsetSpectrum::OnsetSpectrum()
     for (size_t i = 0; i < WindowSize; ++i) {
         const double angle = 2 * std::numbers::pi * static_cast<double>(i) / WindowSize;
         // Scaled so that a full-scale sine has amplitude 1.
-        m_window[i] = static_cast<float>((0.5 - 0.5 * std::cos(angle)) * 4 / WindowSize);
+        m_window[i] = static_cast<float>((0.5 - 0.5 * maths::Cos(angle)) * 4 / WindowSize);
     }
 }
 
@@ -78,7 +80,7 @@ OnsetFrame OnsetSpectrum::Push(const float* interleaved)
 
     const float floor = AbsoluteFloor + m_peak * RelativeFloor;
     for (size_t band = 0; band < BandCount; ++band) {
-        const float level = std::log(energy[band] + floor);
+        const auto level = static_cast<float>(maths::Log(energy[band] + floor));
         const float rise = std::max(0.0f, level - m_previous[band]);
         frame.broad += rise * (band < LowBands ? LowWeight : 1.0f);
         m_previous[band] = level;

@@ -1,9 +1,10 @@
 #include "host/analysis/SpectrumAnalysis.h"
 
+#include "kernels/Maths.h"
+
 #include <kiss_fftr.h>
 
 #include <algorithm>
-#include <cmath>
 #include <new>
 #include <numbers>
 
@@ -24,7 +25,7 @@ SpectrumAnalysis::SpectrumAnalysis()
         throw std::bad_alloc();
     for (size_t i = 0; i < WindowSize; ++i) {
         const double angle = 2 * std::numbers::pi * static_cast<double>(i) / WindowSize;
-        m_window[i] = static_cast<float>(0.5 - 0.5 * std::cos(angle));
+        m_window[i] = static_cast<float>(0.5 - 0.5 * maths::Cos(angle));
     }
     // The window's sum is half its length and a sine shares its amplitude between two mirrored
     // bins.
@@ -32,7 +33,7 @@ SpectrumAnalysis::SpectrumAnalysis()
     for (size_t v = 0; v < m_powerOfByte.size(); ++v) {
         const double decibels = -72 + 72 * (static_cast<double>(v) + 0.5) / 255;
         m_powerOfByte[v]
-            = static_cast<float>(std::pow(10.0, decibels / 10) * fullScale * fullScale);
+            = static_cast<float>(maths::Pow(10.0, decibels / 10) * fullScale * fullScale);
     }
 }
 
