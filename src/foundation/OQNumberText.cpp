@@ -197,17 +197,17 @@ double OQTextToDouble(const OQChar* text, int length, int* consumed)
 
 void OQAppendNumber(OQString& text, int64_t value, int minimumDigits, int base, uint32_t flags)
 {
-    constexpr int MaximumDigits = 256;
+    constexpr int maximumDigits = 256;
     if (base < 2 || base > 36)
         base = 10;
     const bool negative = value < 0;
     const uint64_t magnitude
         = negative ? 0 - static_cast<uint64_t>(value) : static_cast<uint64_t>(value);
-    minimumDigits = std::clamp(minimumDigits, 1, MaximumDigits);
+    minimumDigits = std::clamp(minimumDigits, 1, maximumDigits);
     const bool padBlanks = flags & OQNumberPadBlanks;
 
     // Built backwards: 64 binary digits at most, the padding, and the separators between them.
-    OQChar buffer[MaximumDigits * 2 + 8];
+    OQChar buffer[maximumDigits * 2 + 8];
     OQChar* const end = std::end(buffer);
     OQChar* start = end;
     int digits = 0;
