@@ -11,8 +11,8 @@ CBlockDataContainer::~CBlockDataContainer()
 
 void* CBlockDataContainer::Allocate(size_t size)
 {
-    constexpr size_t Alignment = 8;
-    size = (size + Alignment - 1) / Alignment * Alignment;
+    constexpr size_t alignment = 8;
+    size = (size + alignment - 1) / alignment * alignment;
     if (!m_blocks || m_blocks->used + size > BlockSize) {
         const size_t bytes = std::max(BlockSize, sizeof(Block) + size);
         auto* block = static_cast<Block*>(std::malloc(bytes));

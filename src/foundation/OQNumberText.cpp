@@ -143,6 +143,44 @@ const char* OrdinalSuffix(uint64_t magnitude)
     }
 }
 
+// The digits of a magnitude, with what belongs in front of them and behind.
+void AppendDigits(OQString& text, uint64_t magnitude, const OQChar* sign, int minimumDigits,
+    int base, uint32_t flags)
+{
+    constexpr int maximumDigits = 256;
+    if (base < 2 || base > 36)
+        base = 10;
+    minimumDigits = std::clamp(minimumDigits, 1, maximumDigits);
+    const bool padBlanks = flags & OQNumberPadBlanks;
+
+    // Built backwards: 64 binary digits at most, the padding, and the separators between them.
+    OQChar buffer[maximumDigits * 2 + 8];
+    OQChar* const end = std::end(buffer);
+    OQChar* start = end;
+    int digits = 0;
+    uint64_t rest = magnitude;
+    while (rest != 0 || digits == 0 || (!padBlanks && digits < minimumDigits)) {
+        if ((flags & OQNumberThousands) && digits > 0 && digits % 3 == 0)
+            *--start = u',';
+        const auto digit = static_cast<int>(rest % static_cast<uint64_t>(base));
+        const char letter = flags & OQNumberLowerCase ? 'a' : 'A';
+        *--start = static_cast<OQChar>(digit < 10 ? '0' + digit : letter + digit - 10);
+        rest /= static_cast<uint64_t>(base);
+        ++digits;
+    }
+    if ((flags & OQNumberHexPrefix) && base == 16) {
+        *--start = u'x';
+        *--start = u'0';
+    }
+    if (*sign)
+        *--start = *sign;
+    for (; digits < minimumDigits; ++digits)
+        *--start = u' ';
+    text.Append({ start, size_t(end - start) });
+    if (flags & OQNumberOrdinal)
+        text += OQString::FromNarrow(OrdinalSuffix(magnitude));
+}
+
 }
 
 int32_t OQTextToInt(const OQChar* text)
@@ -197,43 +235,19 @@ double OQTextToDouble(const OQChar* text, int length, int* consumed)
 
 void OQAppendNumber(OQString& text, int64_t value, int minimumDigits, int base, uint32_t flags)
 {
-    constexpr int MaximumDigits = 256;
-    if (base < 2 || base > 36)
-        base = 10;
-    const bool negative = value < 0;
-    const uint64_t magnitude
-        = negative ? 0 - static_cast<uint64_t>(value) : static_cast<uint64_t>(value);
-    minimumDigits = std::clamp(minimumDigits, 1, MaximumDigits);
-    const bool padBlanks = flags & OQNumberPadBlanks;
+    const auto bits = static_cast<uint64_t>(value);
+    const bool plus = value > 0 && (flags & OQNumberPlus);
+    AppendDigits(text, value < 0 ? 0 - bits : bits,
+        value < 0  ? u"-"
+            : plus ? u"+"
+                   : u"",
+        minimumDigits, base, flags);
+}
 
-    // Built backwards: 64 binary digits at most, the padding, and the separators between them.
-    OQChar buffer[MaximumDigits * 2 + 8];
-    OQChar* const end = std::end(buffer);
-    OQChar* start = end;
-    int digits = 0;
-    uint64_t rest = magnitude;
-    while (rest != 0 || digits == 0 || (!padBlanks && digits < minimumDigits)) {
-        if ((flags & OQNumberThousands) && digits > 0 && digits % 3 == 0)
-            *--start = u',';
-        const auto digit = static_cast<int>(rest % static_cast<uint64_t>(base));
-        const char letter = flags & OQNumberLowerCase ? 'a' : 'A';
-        *--start = static_cast<OQChar>(digit < 10 ? '0' + digit : letter + digit - 10);
-        rest /= static_cast<uint64_t>(base);
-        ++digits;
-    }
-    if ((flags & OQNumberHexPrefix) && base == 16) {
-        *--start = u'x';
-        *--start = u'0';
-    }
-    if (negative)
-        *--start = u'-';
-    else if ((flags & OQNumberPlus) && value > 0)
-        *--start = u'+';
-    for (; digits < minimumDigits; ++digits)
-        *--start = u' ';
-    text.Append({ start, size_t(end - start) });
-    if (flags & OQNumberOrdinal)
-        text += OQString::FromNarrow(OrdinalSuffix(magnitude));
+void OQAppendUnsigned(OQString& text, uint64_t value, int minimumDigits, int base, uint32_t flags)
+{
+    const bool plus = value > 0 && (flags & OQNumberPlus);
+    AppendDigits(text, value, plus ? u"+" : u"", minimumDigits, base, flags);
 }
 
 OQString OQIntToText(int64_t value)

@@ -37,6 +37,9 @@ enum OQNumberFlags : uint32_t
 void OQAppendNumber(
     OQString& text, int64_t value, int minimumDigits = 1, int base = 10, uint32_t flags = 0);
 
+void OQAppendUnsigned(
+    OQString& text, uint64_t value, int minimumDigits = 1, int base = 10, uint32_t flags = 0);
+
 OQString OQIntToText(int64_t value);
 OQString OQHexToText(uint32_t value, int minimumDigits = 1); // upper case
 

@@ -321,6 +321,8 @@ void OQString::TrimRight()
 void OQString::MakeLower()
 {
     const int length = GetLength();
+    if (length == 0)
+        return;
     OQChar* buffer = GetBuffer(length);
     std::transform(buffer, buffer + length, buffer, OQToLower);
     ReleaseBuffer(length);
@@ -329,6 +331,8 @@ void OQString::MakeLower()
 void OQString::MakeUpper()
 {
     const int length = GetLength();
+    if (length == 0)
+        return;
     OQChar* buffer = GetBuffer(length);
     std::transform(buffer, buffer + length, buffer, OQToUpper);
     ReleaseBuffer(length);

@@ -84,6 +84,13 @@ public:
     void Replace(OQChar find, OQChar replacement);
     // Every occurrence from the left, none overlapping; gives their number.
     int Replace(const OQString& find, const OQString& replacement);
+    // Every occurrence of any of the texts, from the left, none overlapping; of two that begin at
+    // one place the earlier in the list. A hit becomes prefix, its replacement (or with `keepHits`
+    // the hit itself), suffix. Nothing is done if one of the texts is empty. Gives the number of
+    // hits.
+    // FIXME: without regard to case, which needs the text search of the tools module.
+    int Replace(const OQStringArray& find, const OQStringArray& replacements, bool keepHits = false,
+        const OQString& prefix = OQString(), const OQString& suffix = OQString());
     void Insert(int position, const OQString& text);
     void Delete(int position, int count = 1);
 

@@ -73,8 +73,8 @@ bool OQXmlDocument::SetDocument(const OQString& text)
 
 bool OQXmlDocument::HasFault() const
 {
-    constexpr uint32_t Faults = OQXmlElement::FaultInContent | OQXmlElement::IllFormed;
-    return m_elements[m_element].flags & Faults;
+    constexpr uint32_t faults = OQXmlElement::FaultInContent | OQXmlElement::IllFormed;
+    return m_elements[m_element].flags & faults;
 }
 
 void OQXmlDocument::ResetPos()
@@ -369,21 +369,16 @@ bool OQXmlDocument::SetAttrib(const OQChar* name, const OQChar* value)
         return false;
     OQString attribute = OQString(name) + u"=\"" + Escape(value, OQXmlEscapeAll) + u'"';
     const std::u16string_view tag = AttributesOf(m_element);
-    size_t start = tag.size();
-    size_t end = start;
     OQXmlAttributes attributes(tag);
     bool found = false;
     while (!found && attributes.Next())
         found = SameName(attributes.GetName(), name);
-    if (found) {
-        start = attributes.GetStart();
-        end = attributes.GetEnd();
-    } else {
-        while (OQIsXmlSpace(tag[start - 1]))
-            --start;
-        end = start;
+    size_t start = found ? attributes.GetStart() : tag.size();
+    while (!found && OQIsXmlSpace(tag[start - 1]))
+        --start;
+    const size_t end = found ? attributes.GetEnd() : start;
+    if (!found)
         attribute = u' ' + attribute;
-    }
     OQXmlElement& record = m_elements[m_element];
     const int tagLength = StartTagLength(m_element);
     const int distance = EditText(

@@ -60,8 +60,8 @@ struct Reference
 // At the text behind "&#": up to 7 characters and a ";".
 Reference ReadNumber(std::u16string_view text)
 {
-    constexpr size_t MaximumLength = 7;
-    const size_t end = text.substr(0, MaximumLength + 1).find(u';');
+    constexpr size_t maximumLength = 7;
+    const size_t end = text.substr(0, maximumLength + 1).find(u';');
     if (end == std::u16string_view::npos)
         return {};
     const bool hexadecimal = text[0] == u'x';

@@ -112,11 +112,11 @@ int OQXmlParser::FindOpenElement(std::u16string_view tag) const
     const std::u16string_view endTag = tag.substr(2);
     constexpr std::u16string_view nameEnds = u" \t\r\n=/[]";
     // Names may hold some of these characters themselves; more of them than this aren't tried.
-    constexpr int MaximumCandidates = 16;
+    constexpr int maximumCandidates = 16;
     const auto whole = m_names.find(OQXmlTagName(tag));
     int found = whole != m_names.end() ? whole->second : -1;
     size_t end = 0;
-    for (int i = 0; i < MaximumCandidates && end < endTag.size(); ++i) {
+    for (int i = 0; i < maximumCandidates && end < endTag.size(); ++i) {
         end = std::min(endTag.find_first_of(nameEnds, end + (i > 0)), endTag.size());
         const auto name = m_names.find(endTag.substr(0, end));
         if (name != m_names.end())

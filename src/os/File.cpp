@@ -91,8 +91,8 @@ std::string FolderOf(const std::string& path)
 int CreateTemporary(const std::string& folder, std::string& path)
 {
     static std::atomic<unsigned> counter { 0 };
-    constexpr int Attempts = 1000; // files that crashes left behind
-    for (int i = 0; i < Attempts; ++i) {
+    constexpr int attempts = 1000; // files that crashes left behind
+    for (int i = 0; i < attempts; ++i) {
         path = folder + "/.pxvis-" + std::to_string(::getpid()) + "-"
             + std::to_string(counter.fetch_add(1)) + ".tmp";
         const int descriptor
