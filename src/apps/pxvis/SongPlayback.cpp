@@ -94,7 +94,8 @@ std::unique_ptr<SongPlayback> SongPlayback::Open(
     playback->m_decoder = host::SongDecoder::Open(options.song, error);
     if (!playback->m_decoder)
         return nullptr;
-    playback->m_session->SetSong(playback->m_decoder->Info(), {});
+    playback->m_cover.emplace(playback->m_decoder->Info().tags);
+    playback->m_session->SetSong(playback->m_decoder->Info(), playback->m_cover->Path());
     const int64_t end = options.to < 0 ? INT64_MAX : SamplesIn(options.to);
     playback->m_tap
         = std::make_unique<SoundTap>(*playback->m_decoder, SamplesIn(options.from), end);

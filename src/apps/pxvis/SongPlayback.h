@@ -2,6 +2,7 @@
 
 #include "apps/pxvis/ScriptSet.h"
 #include "apps/pxvis/VisualSession.h"
+#include "host/CoverFile.h"
 #include "host/SongDecoder.h"
 #include "host/analysis/SongAnalyzer.h"
 
@@ -55,6 +56,7 @@ private:
     std::vector<std::string> m_scripts;
     size_t m_current = SIZE_MAX; // index of the loaded script
     std::unique_ptr<host::SongDecoder> m_decoder;
+    std::optional<host::CoverFile> m_cover;
     std::unique_ptr<SoundTap> m_tap;
     std::optional<host::SongAnalyzer> m_analyzer;
     std::unique_ptr<VisualSession> m_session;
