@@ -17,6 +17,13 @@ float Finite(float sample)
     return std::isfinite(sample) ? std::clamp(sample, -8.0f, 8.0f) : 0.0f;
 }
 
+int64_t PositionOfTime(double seconds)
+{
+    constexpr double Furthest = 1e9;
+    return seconds > 0 ? static_cast<int64_t>(std::floor(std::min(seconds, Furthest) * SampleRate))
+                       : 0;
+}
+
 int8_t ToSignedByte(float sample)
 {
     return static_cast<int8_t>(std::floor(std::clamp(sample * 128 + 0.5f, -128.0f, 127.0f)));
@@ -27,8 +34,7 @@ int8_t ToSignedByte(float sample)
 SongAnalyzer::SongAnalyzer(SampleSource& source, const AnalysisOptions& options)
     : m_source(source)
     , m_options(options)
-    , m_firstPosition(
-          static_cast<int64_t>(std::floor(std::clamp(options.from, 0.0, 1e9) * SampleRate)))
+    , m_firstPosition(PositionOfTime(options.from))
     , m_samples(2 * SpectrumAnalysis::WindowSize)
     , m_samplesStart(-static_cast<int64_t>(SpectrumAnalysis::WindowSize))
 {
