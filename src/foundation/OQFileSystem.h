@@ -5,6 +5,7 @@
 #include <cstddef>
 
 // What touches the disk. Every operation gives false, or an empty value, on failure. Any thread.
+// FIXME: folders, safe replacement, the file finder and FindDataFile.
 class OQFileSystem
 {
 public:

@@ -31,6 +31,7 @@ enum OQXmlEscapeFlags : uint32_t
 // There is a current position: an element, the parent in which FindElem looks, and a child in the
 // element. After a failure it stays where it was. One thread at a time; memory that can't be had
 // throws std::bad_alloc.
+// FIXME: positions at comments, texts and the like, and GetNodeName for them.
 class OQXmlDocument
 {
 public:

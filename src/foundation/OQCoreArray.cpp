@@ -1,4 +1,4 @@
-#include "foundation/OQArray.h"
+#include "foundation/OQCoreArray.h"
 
 int OQArrayBase::GrownCapacity(int64_t count, size_t elementSize) const
 {

@@ -1,9 +1,11 @@
-#include "foundation/OQMap.h"
+#include "foundation/OQMapBase.h"
 
 #include "foundation/OQCharacters.h"
 
 #include <climits>
 #include <cstdlib>
+#include <new>
+#include <utility>
 
 uint32_t OQHashText(std::u16string_view text)
 {
