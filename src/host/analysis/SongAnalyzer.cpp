@@ -10,6 +10,7 @@ namespace {
 constexpr size_t WaveformSize = 1024;
 constexpr size_t ReadBlock = 4096;
 constexpr float LevelDecay = 0.85f; // a step; what an impact leaves behind
+constexpr int64_t HistorySteps = 120; // after which nothing of it is left
 
 // A file of float samples can hold anything.
 float Finite(float sample)
@@ -95,8 +96,8 @@ void SongAnalyzer::HearUntil(int64_t end)
 void SongAnalyzer::HearImpact(const OnsetFrame& frame, int64_t frameEnd)
 {
     const ImpactDetector::Result result = m_impact.Push(frame);
-    // What a later start leaves out.
-    if (frameEnd < m_position - SampleRate)
+    // What a later start leaves out, but for what still rings at its first step.
+    if (frameEnd < PositionOfStep(m_step - HistorySteps))
         return;
     m_levels.push_back({ frameEnd - OnsetSpectrum::AttackDelay, result.level });
     if (result.hit > 0) {
@@ -172,6 +173,8 @@ bool SongAnalyzer::Next(AudioRecord& record)
     // A hit and a beat belong to the nearest step.
     const int64_t begin = MiddleAfterStep(m_step - 1);
     const int64_t end = MiddleAfterStep(m_step);
+    for (int64_t step = m_step == 0 ? -HistorySteps : 0; step < 0; ++step)
+        LevelBetween(MiddleAfterStep(step - 1), MiddleAfterStep(step));
     record.level = LevelBetween(begin, end);
     record.beat = BeatBetween(begin, end);
     record.change = m_step == 0;
