@@ -22,6 +22,7 @@ enum class SoundCoding
 // How a video is made. Sizes and rates out of range are refused when the video is opened.
 struct EncodeSettings
 {
+    static constexpr int SideLeast = 16; // the encoder takes no less
     static constexpr int SideLimit = 16384;
     static constexpr int64_t PixelLimit = int64_t { 64 } << 20;
 

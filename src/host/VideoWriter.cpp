@@ -58,9 +58,11 @@ LevelSettings SettingsOf(EncodeLevel level)
 
 std::string SettingsFault(const EncodeSettings& settings)
 {
-    const auto side = [](int n) { return n >= 2 && n <= EncodeSettings::SideLimit && n % 2 == 0; };
+    const auto side = [](int n) {
+        return n >= EncodeSettings::SideLeast && n <= EncodeSettings::SideLimit && n % 2 == 0;
+    };
     if (!side(settings.width) || !side(settings.height))
-        return "width and height of a video are even numbers from 2 to 16384";
+        return "width and height of a video are even numbers from 16 to 16384";
     if (int64_t { settings.width } * settings.height > EncodeSettings::PixelLimit)
         return "a video has at most 64 megapixels";
     const int64_t numerator = settings.rateNumerator;

@@ -196,6 +196,30 @@ TEST_CASE("Rates that are no whole number keep sound and pictures together, in e
     }
 }
 
+TEST_CASE("The smallest, the longest and the slowest videos are whole")
+{
+    const auto whole = [](int width, int height, int numerator, int denominator, size_t count) {
+        const TestFolder folder;
+        EncodeSettings settings = SmallSettings();
+        settings.width = width;
+        settings.height = height;
+        settings.rateNumerator = numerator;
+        settings.rateDenominator = denominator;
+        REQUIRE(MakeClip(folder.Path("clip.mp4"), settings) == "");
+        const VideoFile file(folder.Path("clip.mp4"));
+        CHECK(file.fault == "");
+        CHECK(file.width == width);
+        CHECK(file.height == height);
+        CHECK(file.pictures.size() == count);
+        CheckClick(file, 2);
+    };
+    whole(16, 16, 60, 1, 120);
+    whole(16384, 16, 5, 1, 10);
+    whole(16, 4096, 5, 1, 10);
+    whole(32, 32, 1000, 1, 2000);
+    whole(32, 32, 1, 2, 1);
+}
+
 TEST_CASE("A video that is not finished leaves nothing behind")
 {
     const TestFolder folder;
@@ -229,7 +253,6 @@ TEST_CASE("A full disk ends a video with one clear line")
     CHECK_FALSE((WriteClip(*writer, settings) && writer->Finish()));
     CHECK(writer->Error().find(folder.Path("clip.mp4") + ": ") == 0);
     CHECK(writer->Error().find('\n') == std::string::npos);
-    MESSAGE(writer->Error());
     writer->Abort();
     CHECK(folder.Names().empty());
 }
@@ -246,6 +269,7 @@ TEST_CASE("Settings out of range and places that can't be written are refused at
     };
     refused("a.mp4", [](EncodeSettings& s) { s.width = 63; });
     refused("a.mp4", [](EncodeSettings& s) { s.height = 0; });
+    refused("a.mp4", [](EncodeSettings& s) { s.height = 14; });
     refused("a.mp4", [](EncodeSettings& s) { s.width = 16386; });
     refused("a.mp4", [](EncodeSettings& s) { s.width = s.height = 16384; });
     refused("a.mp4", [](EncodeSettings& s) { s.rateNumerator = 0; });
