@@ -40,7 +40,7 @@ std::string TwoDigits(int64_t number)
 // 0:07, 12:34, 1:02:03
 std::string Duration(double seconds)
 {
-    const auto whole = static_cast<int64_t>(std::clamp(seconds, 0.0, 3.6e8) + 0.5);
+    const int64_t whole = std::lround(std::clamp(seconds, 0.0, 3.6e8));
     const int64_t minutes = whole / 60;
     const std::string tail = ":" + TwoDigits(whole % 60);
     if (minutes < 60)
