@@ -91,11 +91,11 @@ std::string FormatProgress(const Progress& progress, int width)
         add(Short(speed / progress.pictureRate) + "x");
         add(Short(speed) + " fps");
     }
-    constexpr size_t LeastBar = 10;
-    constexpr size_t MostBar = 40;
+    constexpr size_t leastBar = 10;
+    constexpr size_t mostBar = 40;
     const size_t used = line.size() + tail.size() + 3; // a space and two brackets
-    if (progress.total && used + LeastBar <= columns) {
-        const size_t cells = std::min(columns - used, MostBar);
+    if (progress.total && used + leastBar <= columns) {
+        const size_t cells = std::min(columns - used, mostBar);
         const auto full = static_cast<size_t>(share * static_cast<double>(cells));
         line += " [" + std::string(full, '#') + std::string(cells - full, '-') + "]";
     }
