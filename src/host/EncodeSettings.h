@@ -16,12 +16,13 @@ enum class SoundCoding
 {
     Aac, // 256 kbit/s
     Opus, // 192 kbit/s
-    Copy // the song's own encoded stream, from its start
+    Copy // the song's own encoded stream
 };
 
 // How a video is made. Sizes and rates out of range are refused when the video is opened.
 struct EncodeSettings
 {
+    static constexpr int SideLeast = 16; // the encoder takes no less
     static constexpr int SideLimit = 16384;
     static constexpr int64_t PixelLimit = int64_t { 64 } << 20;
 
@@ -33,6 +34,7 @@ struct EncodeSettings
     int threads = 0; // of the picture encoder; 0: as many as suit the machine
     SoundCoding sound = SoundCoding::Aac;
     std::string songPath; // what SoundCoding::Copy copies from
+    double songStart = 0; // seconds into the song where the copy begins
     bool replace = false; // an existing file is otherwise an error
 
     // Stored in the file where not empty.

@@ -19,12 +19,12 @@ uint32_t OpusPacketSamples(GstBuffer* packet)
 {
     unsigned char head[2] = {};
     gst_buffer_extract(packet, 0, head, sizeof(head));
-    static constexpr uint32_t Silk[] = { 480, 960, 1920, 2880 };
-    static constexpr uint32_t Celt[] = { 120, 240, 480, 960 };
+    static constexpr uint32_t silk[] = { 480, 960, 1920, 2880 };
+    static constexpr uint32_t celt[] = { 120, 240, 480, 960 };
     const int config = head[0] >> 3;
-    const uint32_t frame = config < 12 ? Silk[config & 3]
-        : config < 16                  ? Silk[config & 1]
-                                       : Celt[config & 3];
+    const uint32_t frame = config < 12 ? silk[config & 3]
+        : config < 16                  ? silk[config & 1]
+                                       : celt[config & 3];
     const uint32_t code = head[0] & 3;
     return frame * (code == 0 ? 1 : code == 3 ? head[1] & 63 : 2);
 }

@@ -40,7 +40,7 @@ std::string TwoDigits(int64_t number)
 // 0:07, 12:34, 1:02:03
 std::string Duration(double seconds)
 {
-    const auto whole = static_cast<int64_t>(std::clamp(seconds, 0.0, 3.6e8) + 0.5);
+    const int64_t whole = std::lround(std::clamp(seconds, 0.0, 3.6e8));
     const int64_t minutes = whole / 60;
     const std::string tail = ":" + TwoDigits(whole % 60);
     if (minutes < 60)
@@ -91,11 +91,11 @@ std::string FormatProgress(const Progress& progress, int width)
         add(Short(speed / progress.pictureRate) + "x");
         add(Short(speed) + " fps");
     }
-    constexpr size_t LeastBar = 10;
-    constexpr size_t MostBar = 40;
+    constexpr size_t leastBar = 10;
+    constexpr size_t mostBar = 40;
     const size_t used = line.size() + tail.size() + 3; // a space and two brackets
-    if (progress.total && used + LeastBar <= columns) {
-        const size_t cells = std::min(columns - used, MostBar);
+    if (progress.total && used + leastBar <= columns) {
+        const size_t cells = std::min(columns - used, mostBar);
         const auto full = static_cast<size_t>(share * static_cast<double>(cells));
         line += " [" + std::string(full, '#') + std::string(cells - full, '-') + "]";
     }

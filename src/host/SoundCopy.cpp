@@ -9,6 +9,13 @@ namespace pxvis::host {
 
 namespace {
 
+// What decoders need to be right again after a jump into a stream: Opus asks for 80 ms, mp3 frames
+// may borrow from some before. No more: some players end as much earlier.
+constexpr GstClockTime Preroll = 100 * GST_MSECOND;
+
+// No encoder's run-up is longer.
+constexpr GstClockTime LongestRunUp = 200 * GST_MSECOND;
+
 // The parser that a coded stream needs before the muxer: empty for none, null when an MP4 file
 // can't hold the stream.
 const char* ParserFor(const GstCaps* caps)
@@ -23,12 +30,13 @@ const char* ParserFor(const GstCaps* caps)
 
 }
 
-bool SoundCopy::Build(
-    GstBin* pipeline, GstPad* muxerPad, const std::string& songPath, std::string& error)
+bool SoundCopy::Build(GstBin* pipeline, GstPad* muxerPad, const std::string& songPath,
+    GstClockTime start, std::string& error)
 {
     m_pipeline = pipeline;
     m_muxerPad = muxerPad;
     m_songPath = songPath;
+    m_start = start;
     m_source = gst_element_factory_make("filesrc", nullptr);
     GstElement* parse = gst_element_factory_make("parsebin", nullptr);
     if (!m_source || !parse) {
@@ -102,10 +110,10 @@ bool SoundCopy::LinkThrough(GstPad* pad, const char* parser)
 
 bool SoundCopy::WaitForSound(GstBus* bus, std::string& error)
 {
-    constexpr GstClockTime Patience = 15 * GST_SECOND;
+    constexpr GstClockTime patience = 15 * GST_SECOND;
     const auto wanted = static_cast<GstMessageType>(
         GST_MESSAGE_APPLICATION | GST_MESSAGE_ERROR | GST_MESSAGE_EOS);
-    const GstHolder<GstMessage> message(gst_bus_timed_pop_filtered(bus, Patience, wanted));
+    const GstHolder<GstMessage> message(gst_bus_timed_pop_filtered(bus, patience, wanted));
     if (!message || GST_MESSAGE_TYPE(message.get()) != GST_MESSAGE_APPLICATION) {
         error = "the sound of " + m_songPath + " can't be copied";
         return false;
@@ -142,9 +150,11 @@ GstPadProbeReturn SoundCopy::Adjust(GstPad* pad, GstPadProbeInfo* info)
             return GST_PAD_PROBE_DROP;
         time = GST_BUFFER_PTS(buffer) - m_firstTime;
     }
-    if (time > m_end)
+    if (time + Preroll < m_start || time > m_end)
         return GST_PAD_PROBE_DROP;
-    GST_BUFFER_PTS(buffer) = m_segmentStart + time;
+    if (m_firstKept == GST_CLOCK_TIME_NONE)
+        m_firstKept = time;
+    GST_BUFFER_PTS(buffer) = m_segmentStart + time - m_firstKept;
     GST_BUFFER_DTS(buffer) = GST_CLOCK_TIME_NONE;
     return GST_PAD_PROBE_OK;
 }
@@ -181,7 +191,20 @@ void SoundCopy::WatchElement(GstElement* element)
         m_inContainer = true;
 }
 
+void SoundCopy::EndAfter(GstClockTime length)
+{
+    m_end = m_start + length + LongestRunUp;
+}
+
 uint32_t SoundCopy::Skip(uint32_t rate) const
+{
+    const GstClockTime early
+        = m_firstKept < m_start ? m_start - m_firstKept : 0; // also when nothing was kept
+    return RunUp(rate)
+        + static_cast<uint32_t>(gst_util_uint64_scale_round(early, rate, GST_SECOND));
+}
+
+uint32_t SoundCopy::RunUp(uint32_t rate) const
 {
     if (m_opus && m_opusSkip)
         return *m_opusSkip;

@@ -58,9 +58,11 @@ LevelSettings SettingsOf(EncodeLevel level)
 
 std::string SettingsFault(const EncodeSettings& settings)
 {
-    const auto side = [](int n) { return n >= 2 && n <= EncodeSettings::SideLimit && n % 2 == 0; };
+    const auto side = [](int n) {
+        return n >= EncodeSettings::SideLeast && n <= EncodeSettings::SideLimit && n % 2 == 0;
+    };
     if (!side(settings.width) || !side(settings.height))
-        return "width and height of a video are even numbers from 2 to 16384";
+        return "width and height of a video are even numbers from 16 to 16384";
     if (int64_t { settings.width } * settings.height > EncodeSettings::PixelLimit)
         return "a video has at most 64 megapixels";
     const int64_t numerator = settings.rateNumerator;
@@ -70,6 +72,8 @@ std::string SettingsFault(const EncodeSettings& settings)
         return "a video has from 1/60 to 1000 pictures a second";
     if (settings.sound == SoundCoding::Copy && settings.songPath.empty())
         return "there is no song whose sound could be copied";
+    if (!(settings.songStart >= 0 && settings.songStart < 1e9))
+        return "a copy of the sound begins within the song";
     return {};
 }
 
@@ -263,7 +267,8 @@ bool VideoWriter::Pipeline::BuildCopy()
     soundPad.reset(gst_element_request_pad_simple(muxer, "audio_%u"));
     copy = std::make_unique<SoundCopy>();
     std::string fault;
-    return copy->Build(GST_BIN(pipeline.get()), soundPad.get(), settings.songPath, fault)
+    return copy->Build(GST_BIN(pipeline.get()), soundPad.get(), settings.songPath,
+               static_cast<GstClockTime>(settings.songStart * Second), fault)
         || Fail(fault);
 }
 
@@ -351,7 +356,7 @@ bool VideoWriter::Pipeline::Drain()
     if (sound)
         gst_app_src_end_of_stream(GST_APP_SRC(sound));
     else
-        copy->EndAt(gst_util_uint64_scale(soundFrames, GST_SECOND, SampleRate));
+        copy->EndAfter(gst_util_uint64_scale(soundFrames, GST_SECOND, SampleRate));
     int64_t deadline = 0;
     off_t before = -1;
     while (!ended) {
@@ -379,7 +384,12 @@ Mp4SoundTiming VideoWriter::Pipeline::SoundTiming() const
     if (structure)
         gst_structure_get_int(structure, "rate", &rate);
     timing.rate = timing.opus ? OpusRate : static_cast<uint32_t>(std::max(rate, 1));
-    timing.length = (soundFrames * timing.rate + SampleRate / 2) / SampleRate;
+    // Analysis hears ahead: a video that stops early has got more sound than pictures.
+    const uint64_t shown = gst_util_uint64_scale_round(pictureCount,
+        static_cast<guint64>(settings.rateDenominator) * SampleRate,
+        static_cast<guint64>(settings.rateNumerator));
+    timing.length
+        = gst_util_uint64_scale_round(std::min(soundFrames, shown), timing.rate, SampleRate);
     if (copy)
         timing.skip = copy->Skip(timing.rate);
     else

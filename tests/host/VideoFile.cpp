@@ -81,10 +81,10 @@ VideoFile::VideoFile(const std::string& path)
     const auto soundSink = part("sound");
     g_object_set(source.get(), "location", path.c_str(), nullptr);
     gst_element_set_state(pipeline.get(), GST_STATE_PLAYING);
-    constexpr GstClockTime Patience = 20 * GST_SECOND;
-    while (GstSample* s = gst_app_sink_try_pull_sample(GST_APP_SINK(pictureSink.get()), Patience))
+    constexpr GstClockTime patience = 20 * GST_SECOND;
+    while (GstSample* s = gst_app_sink_try_pull_sample(GST_APP_SINK(pictureSink.get()), patience))
         TakePicture(*this, GstHolder<GstSample>(s).get());
-    while (GstSample* s = gst_app_sink_try_pull_sample(GST_APP_SINK(soundSink.get()), Patience))
+    while (GstSample* s = gst_app_sink_try_pull_sample(GST_APP_SINK(soundSink.get()), patience))
         TakeSound(*this, GstHolder<GstSample>(s).get());
     const GstHolder<GstBus> bus(gst_element_get_bus(pipeline.get()));
     tags.reset(gst_tag_list_new_empty());

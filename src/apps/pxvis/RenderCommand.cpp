@@ -127,6 +127,7 @@ int RenderVideo(const RenderOptions& options, SongPlayback& playback, std::ostre
     settings.threads = options.threads;
     settings.sound = options.sound;
     settings.songPath = options.song;
+    settings.songStart = options.from;
     settings.replace = options.replace;
     settings.title = playback.Info().tags.title;
     settings.artist = playback.Info().tags.artist;
