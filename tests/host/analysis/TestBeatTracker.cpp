@@ -4,6 +4,7 @@
 #include <doctest/doctest.h>
 
 #include <string>
+#include <algorithm>
 #include <vector>
 
 using namespace pxvis::host;
