@@ -3,8 +3,8 @@
 
 #include <doctest/doctest.h>
 
-#include <string>
 #include <algorithm>
+#include <string>
 #include <vector>
 
 using namespace pxvis::host;
