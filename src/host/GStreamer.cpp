@@ -6,6 +6,14 @@
 
 namespace pxvis::host {
 
+namespace {
+
+// Damaged files make plug-ins complain about themselves on standard error; what matters comes as a
+// message.
+void LeaveOut(const char*, GLogLevelFlags, const char*, void*) { }
+
+}
+
 bool InitializeGStreamer(std::string& error)
 {
     static std::once_flag once;
@@ -14,6 +22,11 @@ bool InitializeGStreamer(std::string& error)
         GError* failure = nullptr;
         if (gst_init_check(nullptr, nullptr, &failure)) {
             gst_pb_utils_init();
+            constexpr auto Levels
+                = static_cast<GLogLevelFlags>(G_LOG_LEVEL_CRITICAL | G_LOG_LEVEL_WARNING);
+            for (const char* domain : { "GStreamer", "GStreamer-Audio", "GStreamer-Base",
+                     "GStreamer-PbUtils", "GStreamer-Tag", "GStreamer-Video" })
+                g_log_set_handler(domain, Levels, LeaveOut, nullptr);
             return;
         }
         const GstHolder<GError> holder(failure);

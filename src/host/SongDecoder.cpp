@@ -247,10 +247,19 @@ void SongDecoder::Pipeline::TakeFormat()
         info.channels = GST_AUDIO_INFO_CHANNELS(&format);
         info.sampleRate = GST_AUDIO_INFO_RATE(&format);
     }
+
+    struct stat status
+    {
+    };
+
+    if (info.durationSeconds == 0 && info.bitRate > 0 && stat(path.c_str(), &status) == 0)
+        info.durationSeconds = static_cast<double>(status.st_size) * 8 / info.bitRate;
     if (info.sampleRate > 0 && !trim.inContainer && trim.mp3.isLayer3) {
         framesToDrop = int64_t { trim.mp3.start } * SampleRate / info.sampleRate;
-        if (trim.mp3.length >= 0)
+        if (trim.mp3.length >= 0) {
             framesLeft = trim.mp3.length * SampleRate / info.sampleRate;
+            info.durationSeconds = static_cast<double>(framesLeft) / SampleRate;
+        }
     }
 }
 

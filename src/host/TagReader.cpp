@@ -10,20 +10,44 @@ namespace pxvis::host {
 
 namespace {
 
+std::string Cut(const char* text)
+{
+    size_t length = strnlen(text, TrackTags::TextLimit + 1);
+    if (length > TrackTags::TextLimit) {
+        // Back to the start of a character.
+        length = TrackTags::TextLimit;
+        while (length > 0 && (static_cast<unsigned char>(text[length]) & 0xC0) == 0x80)
+            --length;
+    }
+    return std::string(text, length);
+}
+
 void TakeText(const GstTagList* tags, const char* tag, std::string& text)
 {
     char* value = nullptr;
     if (!text.empty() || !gst_tag_list_get_string(tags, tag, &value))
         return;
     const GstHolder<char> holder(value);
-    size_t length = strnlen(value, TrackTags::TextLimit + 1);
-    if (length > TrackTags::TextLimit) {
-        // Back to the start of a character.
-        length = TrackTags::TextLimit;
-        while (length > 0 && (static_cast<unsigned char>(value[length]) & 0xC0) == 0x80)
-            --length;
+    text = Cut(value);
+}
+
+// Where GStreamer has no tag of its own for a field of the file, it gives "KEY=text" or
+// "KEY[language]=text".
+void TakeLyrics(const GstTagList* tags, std::string& lyrics)
+{
+    TakeText(tags, GST_TAG_LYRICS, lyrics);
+    const guint count = gst_tag_list_get_tag_size(tags, GST_TAG_EXTENDED_COMMENT);
+    for (guint i = 0; i < count && lyrics.empty(); ++i) {
+        const char* comment = nullptr;
+        if (!gst_tag_list_peek_string_index(tags, GST_TAG_EXTENDED_COMMENT, i, &comment))
+            continue;
+        const char* equals = std::strchr(comment, '=');
+        const size_t key = std::strcspn(comment, "[=");
+        for (const char* name : { "LYRICS", "UNSYNCEDLYRICS", "USLT" }) {
+            if (equals && key == std::strlen(name) && g_ascii_strncasecmp(comment, name, key) == 0)
+                lyrics = Cut(equals + 1);
+        }
     }
-    text.assign(value, length);
 }
 
 void TakeYear(const GstTagList* tags, std::string& year)
@@ -98,7 +122,7 @@ void MergeTags(const GstTagList* list, SongInfo& info)
     TakeText(list, GST_TAG_ALBUM, tags.album);
     TakeText(list, GST_TAG_TITLE, tags.title);
     TakeText(list, GST_TAG_COMMENT, tags.notes);
-    TakeText(list, GST_TAG_LYRICS, tags.lyrics);
+    TakeLyrics(list, tags.lyrics);
     TakeYear(list, tags.year);
     TakeCover(list, GST_TAG_IMAGE, tags);
     TakeCover(list, GST_TAG_PREVIEW_IMAGE, tags);

@@ -10,7 +10,6 @@ namespace {
 constexpr size_t WaveformSize = 1024;
 constexpr size_t ReadBlock = 4096;
 constexpr float LevelDecay = 0.85f; // a step; what an impact leaves behind
-constexpr int64_t HistorySteps = 120; // after which nothing of it is left
 
 // A file of float samples can hold anything.
 float Finite(float sample)
@@ -39,6 +38,9 @@ SongAnalyzer::SongAnalyzer(SampleSource& source, const AnalysisOptions& options)
     , m_samples(2 * SpectrumAnalysis::WindowSize)
     , m_samplesStart(-static_cast<int64_t>(SpectrumAnalysis::WindowSize))
 {
+    const double steps = static_cast<double>(m_firstPosition) / SampleRate * options.stepNumerator
+        / options.stepDenominator;
+    m_step = -static_cast<int64_t>(std::ceil(steps));
 }
 
 int64_t SongAnalyzer::PositionOfStep(int64_t step) const
@@ -46,7 +48,8 @@ int64_t SongAnalyzer::PositionOfStep(int64_t step) const
     // Whole periods apart, so that the product stays in 64 bits for any length of song.
     const int64_t n = m_options.stepNumerator;
     const int64_t samplesTimesN = int64_t { SampleRate } * m_options.stepDenominator;
-    return m_firstPosition + step / n * samplesTimesN + step % n * samplesTimesN / n;
+    const int64_t period = step >= 0 ? step / n : -((n - 1 - step) / n);
+    return m_firstPosition + period * samplesTimesN + (step - period * n) * samplesTimesN / n;
 }
 
 int64_t SongAnalyzer::MiddleAfterStep(int64_t step) const
@@ -96,9 +99,6 @@ void SongAnalyzer::HearUntil(int64_t end)
 void SongAnalyzer::HearImpact(const OnsetFrame& frame, int64_t frameEnd)
 {
     const ImpactDetector::Result result = m_impact.Push(frame);
-    // What a later start leaves out, but for what still rings at its first step.
-    if (frameEnd < PositionOfStep(m_step - HistorySteps))
-        return;
     m_levels.push_back({ frameEnd - OnsetSpectrum::AttackDelay, result.level });
     if (result.hit > 0) {
         const size_t back = std::min(result.hitHopsAgo, m_levels.size() - 1);
@@ -116,15 +116,14 @@ void SongAnalyzer::DropBefore(int64_t first)
     m_samplesStart = first;
 }
 
-// With no look-ahead an attack becomes known late and counts then.
-int32_t SongAnalyzer::LevelBetween(int64_t begin, int64_t end)
+// Of the attacks that no step has had yet. With no look-ahead they become known late and count
+// then.
+int32_t SongAnalyzer::LevelUntil(int64_t end)
 {
     float level = 0;
     size_t taken = 0;
-    for (; taken < m_levels.size() && m_levels[taken].position < end; ++taken) {
-        if (m_step > 0 || m_levels[taken].position >= begin)
-            level = std::max(level, m_levels[taken].level);
-    }
+    for (; taken < m_levels.size() && m_levels[taken].position < end; ++taken)
+        level = std::max(level, m_levels[taken].level);
     m_levels.erase(m_levels.begin(), m_levels.begin() + static_cast<int64_t>(taken));
     m_heldLevel = std::max(level, std::min(100.0f, m_heldLevel * LevelDecay));
     return static_cast<int32_t>(m_heldLevel);
@@ -148,35 +147,40 @@ int32_t SongAnalyzer::BeatBetween(int64_t begin, int64_t end)
     return 1;
 }
 
-bool SongAnalyzer::Next(AudioRecord& record)
+void SongAnalyzer::FillBlock(VisAudioBlock& block)
 {
-    record = {};
-    m_position = PositionOfStep(m_step);
-    HearUntil(m_position + static_cast<int64_t>(m_options.lookAhead));
-    if (!EndsBefore(m_position))
-        ReadUntil(m_position + 1);
-    if (EndsBefore(m_position))
-        return false;
-
     const float* const newest = &m_samples[2 * (m_position - m_samplesStart)];
     float window[SpectrumAnalysis::WindowSize];
     for (int channel = 0; channel < 2; ++channel) {
         const float* const waveform = newest - 2 * WaveformSize + channel;
         for (size_t i = 0; i < WaveformSize; ++i)
-            record.block.waveform[channel][i] = ToSignedByte(waveform[2 * i]);
+            block.waveform[channel][i] = ToSignedByte(waveform[2 * i]);
         const float* const samples = newest - 2 * SpectrumAnalysis::WindowSize + channel;
         for (size_t i = 0; i < SpectrumAnalysis::WindowSize; ++i)
             window[i] = samples[2 * i];
-        m_spectrum.Analyze(window, record.block.spectrum[channel]);
+        m_spectrum.Analyze(window, block.spectrum[channel]);
     }
+}
 
-    // A hit and a beat belong to the nearest step.
-    const int64_t begin = MiddleAfterStep(m_step - 1);
-    const int64_t end = MiddleAfterStep(m_step);
-    for (int64_t step = m_step == 0 ? -HistorySteps : 0; step < 0; ++step)
-        LevelBetween(MiddleAfterStep(step - 1), MiddleAfterStep(step));
-    record.level = LevelBetween(begin, end);
-    record.beat = BeatBetween(begin, end);
+bool SongAnalyzer::Next(AudioRecord& record)
+{
+    record = {};
+    // The steps before the first one count for the detectors only.
+    for (;; ++m_step) {
+        m_position = PositionOfStep(m_step);
+        HearUntil(m_position + static_cast<int64_t>(m_options.lookAhead));
+        if (!EndsBefore(m_position))
+            ReadUntil(m_position + 1);
+        if (EndsBefore(m_position))
+            return false;
+        // A hit and a beat belong to the nearest step.
+        const int64_t end = MiddleAfterStep(m_step);
+        record.level = LevelUntil(end);
+        record.beat = BeatBetween(MiddleAfterStep(m_step - 1), end);
+        if (m_step >= 0)
+            break;
+    }
+    FillBlock(record.block);
     record.change = m_step == 0;
     ++m_step;
     return true;

@@ -48,13 +48,14 @@ private:
     void HearUntil(int64_t end);
     void HearImpact(const OnsetFrame& frame, int64_t frameEnd);
     void DropBefore(int64_t first);
-    int32_t LevelBetween(int64_t begin, int64_t end);
+    int32_t LevelUntil(int64_t end);
     int32_t BeatBetween(int64_t begin, int64_t end);
+    void FillBlock(VisAudioBlock& block);
 
     SampleSource& m_source;
     AnalysisOptions m_options;
     int64_t m_firstPosition;
-    int64_t m_step = 0;
+    int64_t m_step; // the next; negative before the first record
     int64_t m_position = 0;
 
     // Sliding window of the song, interleaved and made finite.
