@@ -2,6 +2,7 @@
 
 #include <gst/pbutils/pbutils.h>
 
+#include <cstring>
 #include <mutex>
 
 namespace pxvis::host {
@@ -51,6 +52,12 @@ std::string OneLine(const char* text)
     while (!line.empty() && line.back() == ' ')
         line.pop_back();
     return line;
+}
+
+bool HasClass(GstElementFactory* factory, const char* word)
+{
+    const char* classes = gst_element_factory_get_metadata(factory, GST_ELEMENT_METADATA_KLASS);
+    return classes && std::strstr(classes, word);
 }
 
 }
