@@ -23,11 +23,11 @@ bool InitializeGStreamer(std::string& error)
         GError* failure = nullptr;
         if (gst_init_check(nullptr, nullptr, &failure)) {
             gst_pb_utils_init();
-            constexpr auto Levels
+            constexpr auto levels
                 = static_cast<GLogLevelFlags>(G_LOG_LEVEL_CRITICAL | G_LOG_LEVEL_WARNING);
             for (const char* domain : { "GStreamer", "GStreamer-Audio", "GStreamer-Base",
                      "GStreamer-PbUtils", "GStreamer-Tag", "GStreamer-Video" })
-                g_log_set_handler(domain, Levels, LeaveOut, nullptr);
+                g_log_set_handler(domain, levels, LeaveOut, nullptr);
             return;
         }
         const GstHolder<GError> holder(failure);
@@ -40,9 +40,9 @@ bool InitializeGStreamer(std::string& error)
 
 std::string OneLine(const char* text)
 {
-    constexpr size_t Limit = 300;
+    constexpr size_t limit = 300;
     std::string line;
-    for (; text && *text && line.size() < Limit; ++text) {
+    for (; text && *text && line.size() < limit; ++text) {
         const bool control = static_cast<unsigned char>(*text) < ' ' || *text == 0x7F;
         if (!control)
             line += *text;
