@@ -2,6 +2,7 @@
 
 #include <gst/pbutils/pbutils.h>
 
+#include <cstring>
 #include <mutex>
 
 namespace pxvis::host {
@@ -22,11 +23,11 @@ bool InitializeGStreamer(std::string& error)
         GError* failure = nullptr;
         if (gst_init_check(nullptr, nullptr, &failure)) {
             gst_pb_utils_init();
-            constexpr auto Levels
+            constexpr auto levels
                 = static_cast<GLogLevelFlags>(G_LOG_LEVEL_CRITICAL | G_LOG_LEVEL_WARNING);
             for (const char* domain : { "GStreamer", "GStreamer-Audio", "GStreamer-Base",
                      "GStreamer-PbUtils", "GStreamer-Tag", "GStreamer-Video" })
-                g_log_set_handler(domain, Levels, LeaveOut, nullptr);
+                g_log_set_handler(domain, levels, LeaveOut, nullptr);
             return;
         }
         const GstHolder<GError> holder(failure);
@@ -39,9 +40,9 @@ bool InitializeGStreamer(std::string& error)
 
 std::string OneLine(const char* text)
 {
-    constexpr size_t Limit = 300;
+    constexpr size_t limit = 300;
     std::string line;
-    for (; text && *text && line.size() < Limit; ++text) {
+    for (; text && *text && line.size() < limit; ++text) {
         const bool control = static_cast<unsigned char>(*text) < ' ' || *text == 0x7F;
         if (!control)
             line += *text;
@@ -51,6 +52,12 @@ std::string OneLine(const char* text)
     while (!line.empty() && line.back() == ' ')
         line.pop_back();
     return line;
+}
+
+bool HasClass(GstElementFactory* factory, const char* word)
+{
+    const char* classes = gst_element_factory_get_metadata(factory, GST_ELEMENT_METADATA_KLASS);
+    return classes && std::strstr(classes, word);
 }
 
 }

@@ -13,6 +13,9 @@ bool InitializeGStreamer(std::string& error);
 // Joins lines and bounds the length: GStreamer's messages end up in our one-line errors.
 std::string OneLine(const char* text);
 
+// Whether the word is in an element's classification, "Codec/Demuxer/Audio".
+bool HasClass(GstElementFactory* factory, const char* word);
+
 struct GstRelease
 {
     void operator()(GstElement* element) const { gst_object_unref(element); }

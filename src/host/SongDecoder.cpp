@@ -1,8 +1,8 @@
 #include "host/SongDecoder.h"
 
 #include "host/GStreamer.h"
+#include "host/StreamTrim.h"
 #include "host/TagReader.h"
-#include "host/analysis/Mp3Trim.h"
 #include "os/Clock.h"
 
 #include <gst/app/gstappsink.h>
@@ -24,12 +24,6 @@ namespace {
 constexpr GstClockTime PollTime = 20 * GST_MSECOND;
 constexpr int BytesPerFrame = 2 * sizeof(float);
 constexpr guint QueueBuffers = 32; // decoded ahead, some 3 s at the usual sizes
-
-bool HasClass(GstElementFactory* factory, const char* word)
-{
-    const char* classes = gst_element_factory_get_metadata(factory, GST_ELEMENT_METADATA_KLASS);
-    return classes && std::strstr(classes, word);
-}
 
 // Leaves out what has nothing to do with sound, such as a cover's decoder, and whatever would
 // follow an address in the file to another place.
@@ -69,55 +63,10 @@ void CheckForSound(GstElement* decoder, void* converter)
         gst_message_new_application(GST_OBJECT(decoder), gst_structure_new_empty("no-sound")));
 }
 
-// Shared with GStreamer's threads, which write it before the first sample is decoded.
-struct StreamTrim
-{
-    bool inContainer = false; // then the container tells where the song starts
-    Mp3Trim mp3;
-};
-
-// Looks at the stream's first frame. A header frame is not passed on: the decoder would act on
-// some encoders' headers and not on others'.
-GstPadProbeReturn ReadFirstFrame(GstPad* pad, GstPadProbeInfo* info, void* data)
-{
-    GstBuffer* buffer = GST_PAD_PROBE_INFO_BUFFER(info);
-    auto* trim = static_cast<StreamTrim*>(data);
-    // A parser that has read the header says so itself.
-    GstMapInfo map;
-    if (trim->inContainer || gst_buffer_get_meta(buffer, GST_AUDIO_CLIPPING_META_API_TYPE)
-        || !gst_buffer_map(buffer, &map, GST_MAP_READ))
-        return GST_PAD_PROBE_REMOVE;
-    trim->mp3 = ReadMp3Trim(map.data, map.size);
-    gst_buffer_unmap(buffer, &map);
-    if (!trim->mp3.isHeaderFrame)
-        return GST_PAD_PROBE_REMOVE;
-    gst_pad_remove_probe(pad, GST_PAD_PROBE_INFO_ID(info));
-    return GST_PAD_PROBE_DROP;
-}
-
-void WatchParser(GstBin*, GstBin*, GstElement* element, void* data)
-{
-    GstElementFactory* factory = gst_element_get_factory(element);
-    const char* name = factory ? gst_plugin_feature_get_name(factory) : nullptr;
-    if (!name)
-        return;
-    auto* trim = static_cast<StreamTrim*>(data);
-    const bool onlyTags = std::strcmp(name, "id3demux") == 0 || std::strcmp(name, "apedemux") == 0;
-    if (HasClass(factory, "Demux") && !onlyTags)
-        trim->inContainer = true;
-    if (std::strcmp(name, "mpegaudioparse") != 0)
-        return;
-    const GstHolder<GstPad> pad(gst_element_get_static_pad(element, "src"));
-    gst_pad_add_probe(pad.get(), GST_PAD_PROBE_TYPE_BUFFER, ReadFirstFrame, data, nullptr);
-}
-
 // Empty when the path names a regular file that may be read.
 std::string FileFault(const std::string& path)
 {
-    struct stat status
-    {
-    };
-
+    struct stat status = {};
     if (stat(path.c_str(), &status) != 0)
         return errno == ENOENT ? "no such file" : std::strerror(errno);
     if (S_ISDIR(status.st_mode))
@@ -210,7 +159,7 @@ bool SongDecoder::Pipeline::Start()
     const GstHolder<GstCaps> sound(gst_caps_new_empty_simple("audio/x-raw"));
     g_object_set(source, "location", path.c_str(), nullptr);
     g_object_set(decoder, "caps", sound.get(), "expose-all-streams", FALSE, nullptr);
-    g_signal_connect(pipeline.get(), "deep-element-added", G_CALLBACK(WatchParser), &trim);
+    WatchForMp3(pipeline.get(), trim);
     g_signal_connect(decoder, "autoplug-select", G_CALLBACK(SelectPlugin), nullptr);
     g_signal_connect(decoder, "pad-added", G_CALLBACK(LinkSound), converter);
     g_signal_connect(decoder, "no-more-pads", G_CALLBACK(CheckForSound), converter);
@@ -248,10 +197,7 @@ void SongDecoder::Pipeline::TakeFormat()
         info.sampleRate = GST_AUDIO_INFO_RATE(&format);
     }
 
-    struct stat status
-    {
-    };
-
+    struct stat status = {};
     if (info.durationSeconds == 0 && info.bitRate > 0 && stat(path.c_str(), &status) == 0)
         info.durationSeconds = static_cast<double>(status.st_size) * 8 / info.bitRate;
     if (info.sampleRate > 0 && !trim.inContainer && trim.mp3.isLayer3) {

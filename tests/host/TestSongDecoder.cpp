@@ -207,10 +207,7 @@ TEST_CASE("A cover is a private file in the cache as long as it is needed")
             CHECK(path.find('/', folder.Path("cache/pxvis/").size()) == std::string::npos);
             CHECK(path.ends_with(ending));
 
-            struct stat status
-            {
-            };
-
+            struct stat status = {};
             REQUIRE(stat(path.c_str(), &status) == 0);
             CHECK(status.st_size == 3);
             CHECK((status.st_mode & 0777) == 0600);

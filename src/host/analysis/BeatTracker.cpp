@@ -95,10 +95,9 @@ void BeatTracker::AddOnset(float strength)
 {
     for (Comb& comb : m_combs) {
         const int period = static_cast<int>(comb.scores.size());
-        for (int distance = -Reach; distance <= Reach; ++distance) {
-            const int slot = (comb.beat + distance + period) % period;
-            float& score = comb.scores[static_cast<size_t>(slot)];
-            score += strength * Closeness[static_cast<size_t>(distance + Reach)];
+        for (int i = 0; i <= 2 * Reach; ++i) {
+            const int slot = (comb.beat + i - Reach + period) % period;
+            comb.scores[static_cast<size_t>(slot)] += strength * Closeness[static_cast<size_t>(i)];
         }
     }
     FindBest();
@@ -108,14 +107,14 @@ void BeatTracker::AddOnset(float strength)
 // The scores of a long song would outgrow their precision.
 void BeatTracker::LowerScores()
 {
-    constexpr float Limit = 64;
-    if (m_best.score < Limit)
+    constexpr float limit = 64;
+    if (m_best.score < limit)
         return;
     for (Comb& comb : m_combs) {
         for (float& score : comb.scores)
-            score -= Limit;
+            score -= limit;
     }
-    m_best.score -= Limit;
+    m_best.score -= limit;
 }
 
 void BeatTracker::Push(const OnsetFrame& frame)
@@ -147,11 +146,11 @@ void BeatTracker::FindBest()
 
 BeatTracker::Prediction BeatTracker::Predict() const
 {
-    constexpr int64_t Hop = OnsetSpectrum::Hop;
+    constexpr int64_t hop = OnsetSpectrum::Hop;
     Prediction prediction;
     prediction.beats = m_onsets >= FirstOnsets && 2 * m_hopsSinceSound <= 3 * m_best.period;
-    prediction.beat = (m_hops - PeakReach - m_best.sinceBeat) * Hop - OnsetSpectrum::AttackDelay;
-    prediction.period = m_best.period * Hop;
+    prediction.beat = (m_hops - PeakReach - m_best.sinceBeat) * hop - OnsetSpectrum::AttackDelay;
+    prediction.period = m_best.period * hop;
     return prediction;
 }
 

@@ -37,10 +37,10 @@ Mp3Trim ReadMp3Trim(const unsigned char* frame, size_t size)
     const uint32_t fields = BigEndian(frame + at + 4);
     at += 8;
     const size_t countAt = at;
-    constexpr size_t FieldSizes[] = { 4, 4, 100, 4 }; // frames, bytes, seek table, quality
+    constexpr size_t fieldSizes[] = { 4, 4, 100, 4 }; // frames, bytes, seek table, quality
     for (int field = 0; field < 4; ++field) {
         if (fields & 1u << field)
-            at += FieldSizes[field];
+            at += fieldSizes[field];
     }
 
     // The encoder's name in 9 bytes, 12 bytes of other things, then delay and padding of 12 bits

@@ -19,8 +19,8 @@ float Finite(float sample)
 
 int64_t PositionOfTime(double seconds)
 {
-    constexpr double Furthest = 1e9;
-    return seconds > 0 ? static_cast<int64_t>(std::floor(std::min(seconds, Furthest) * SampleRate))
+    constexpr double furthest = 1e9;
+    return seconds > 0 ? static_cast<int64_t>(std::floor(std::min(seconds, furthest) * SampleRate))
                        : 0;
 }
 
@@ -109,8 +109,8 @@ void SongAnalyzer::HearImpact(const OnsetFrame& frame, int64_t frameEnd)
 void SongAnalyzer::DropBefore(int64_t first)
 {
     // In large pieces, since each drop moves the rest.
-    constexpr int64_t Piece = 16384;
-    if (first - m_samplesStart < Piece)
+    constexpr int64_t piece = 16384;
+    if (first - m_samplesStart < piece)
         return;
     m_samples.erase(m_samples.begin(), m_samples.begin() + 2 * (first - m_samplesStart));
     m_samplesStart = first;
