@@ -17,8 +17,8 @@ int64_t SamplesIn(double seconds)
 
 }
 
-// Hands the song on to the analysis, and the part that is asked for to the sink as well. The song
-// ends where that part does.
+// Hands the song on to the analysis, which hears ahead, and the part that is asked for to the sink
+// as well.
 class SongPlayback::SoundTap final : public host::SampleSource
 {
 public:
@@ -31,15 +31,13 @@ public:
 
     size_t Read(float* interleaved, size_t frames) override
     {
-        const int64_t wanted = std::min<int64_t>(static_cast<int64_t>(frames), m_to - m_position);
-        if (wanted <= 0)
-            return 0;
-        const size_t got = m_song.Read(interleaved, static_cast<size_t>(wanted));
-        const int64_t skipped
-            = std::clamp<int64_t>(m_from - m_position, 0, static_cast<int64_t>(got));
-        m_position += static_cast<int64_t>(got);
-        if (m_sink && skipped < static_cast<int64_t>(got))
-            m_sink(interleaved + skipped * 2, got - static_cast<size_t>(skipped));
+        const size_t got = m_song.Read(interleaved, frames);
+        const int64_t count = static_cast<int64_t>(got);
+        const int64_t first = std::clamp<int64_t>(m_from - m_position, 0, count);
+        const int64_t last = std::clamp<int64_t>(m_to - m_position, 0, count);
+        m_position += count;
+        if (m_sink && first < last)
+            m_sink(interleaved + first * 2, static_cast<size_t>(last - first));
         return got;
     }
 
@@ -96,9 +94,10 @@ std::unique_ptr<SongPlayback> SongPlayback::Open(
         return nullptr;
     playback->m_cover.emplace(playback->m_decoder->Info().tags);
     playback->m_session->SetSong(playback->m_decoder->Info(), playback->m_cover->Path());
-    const int64_t end = options.to < 0 ? INT64_MAX : SamplesIn(options.to);
-    playback->m_tap
-        = std::make_unique<SoundTap>(*playback->m_decoder, SamplesIn(options.from), end);
+    if (options.to >= 0)
+        playback->m_end = SamplesIn(options.to);
+    playback->m_tap = std::make_unique<SoundTap>(
+        *playback->m_decoder, SamplesIn(options.from), playback->m_end);
     host::AnalysisOptions analysis;
     analysis.stepNumerator = options.stepRate.numerator;
     analysis.stepDenominator = options.stepRate.denominator;
@@ -131,6 +130,8 @@ bool SongPlayback::NextStep()
         m_error = m_decoder->Error();
         return false;
     }
+    if (m_analyzer->SamplePosition() >= m_end)
+        return false;
     if (!m_session->Step(record)) {
         m_error = "no memory for a picture of this size";
         return false;

@@ -52,6 +52,7 @@ private:
     bool LoadScriptFor(double seconds);
 
     double m_cycle = 0; // seconds
+    int64_t m_end = INT64_MAX; // samples of the song
     Rate m_stepRate;
     std::vector<std::string> m_scripts;
     size_t m_current = SIZE_MAX; // index of the loaded script
