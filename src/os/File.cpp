@@ -2,8 +2,8 @@
 
 #include <atomic>
 #include <cerrno>
+#include <climits>
 #include <cstdint>
-#include <cstdlib>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -68,23 +68,27 @@ bool IsUsable(const std::string& path)
     return !path.empty() && path.find('\0') == std::string::npos;
 }
 
-// The file that links lead to; the path itself if it names nothing yet.
-std::string ResolveLinks(const std::string& path)
-{
-    char* resolved = ::realpath(path.c_str(), nullptr);
-    if (!resolved)
-        return path;
-    std::string result = resolved;
-    std::free(resolved);
-    return result;
-}
-
 std::string FolderOf(const std::string& path)
 {
     const size_t slash = path.rfind('/');
     if (slash == std::string::npos)
         return ".";
     return slash == 0 ? "/" : path.substr(0, slash);
+}
+
+// The file that links lead to. It need not be there yet; realpath would not tell it then.
+std::string ResolveLinks(std::string path)
+{
+    constexpr int maximumLinks = 40; // as many as the system itself follows
+    for (int i = 0; i < maximumLinks; ++i) {
+        char target[PATH_MAX];
+        const ssize_t length = ::readlink(path.c_str(), target, sizeof target);
+        if (length <= 0 || length == sizeof target)
+            break;
+        const std::string_view link(target, static_cast<size_t>(length));
+        path = link.front() == '/' ? std::string(link) : FolderOf(path) + "/" + std::string(link);
+    }
+    return path;
 }
 
 // A new file in the folder; its name is hidden and never one of ours.
