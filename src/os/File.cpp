@@ -2,8 +2,8 @@
 
 #include <atomic>
 #include <cerrno>
+#include <climits>
 #include <cstdint>
-#include <cstdlib>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -68,23 +68,27 @@ bool IsUsable(const std::string& path)
     return !path.empty() && path.find('\0') == std::string::npos;
 }
 
-// The file that links lead to; the path itself if it names nothing yet.
-std::string ResolveLinks(const std::string& path)
-{
-    char* resolved = ::realpath(path.c_str(), nullptr);
-    if (!resolved)
-        return path;
-    std::string result = resolved;
-    std::free(resolved);
-    return result;
-}
-
 std::string FolderOf(const std::string& path)
 {
     const size_t slash = path.rfind('/');
     if (slash == std::string::npos)
         return ".";
     return slash == 0 ? "/" : path.substr(0, slash);
+}
+
+// The file that links lead to. It need not be there yet; realpath would not tell it then.
+std::string ResolveLinks(std::string path)
+{
+    constexpr int maximumLinks = 40; // as many as the system itself follows
+    for (int i = 0; i < maximumLinks; ++i) {
+        char target[PATH_MAX];
+        const ssize_t length = ::readlink(path.c_str(), target, sizeof target);
+        if (length <= 0 || length == sizeof target)
+            break;
+        const std::string_view link(target, static_cast<size_t>(length));
+        path = link.front() == '/' ? std::string(link) : FolderOf(path) + "/" + std::string(link);
+    }
+    return path;
 }
 
 // A new file in the folder; its name is hidden and never one of ours.
@@ -124,8 +128,8 @@ void SyncFolder(const std::string& folder)
         ::fsync(descriptor.Get());
 }
 
-// May `path` be replaced? `mode` becomes that of the file that is there, or stays as it is.
-FileError CheckTarget(const std::string& path, mode_t& mode)
+// May `path` be replaced? `old` becomes the state of the file that is there, or stays as it is.
+FileError CheckTarget(const std::string& path, struct stat& old)
 {
     struct stat status
     {
@@ -137,8 +141,19 @@ FileError CheckTarget(const std::string& path, mode_t& mode)
         return FileError::NotRegular;
     if (::access(path.c_str(), W_OK) != 0)
         return ErrorOf(errno);
-    mode = status.st_mode & 07777;
+    old = status;
     return FileError::None;
+}
+
+// Owner, group and permissions of the file that is to be replaced. Only root may give a file away;
+// where even the group can't be kept, it gets no more than everybody, since it is another one.
+bool TakeOver(int descriptor, const struct stat& old)
+{
+    mode_t mode = old.st_mode & 07777;
+    if (::fchown(descriptor, old.st_uid, old.st_gid) != 0
+        && ::fchown(descriptor, static_cast<uid_t>(-1), old.st_gid) != 0)
+        mode = (mode & ~mode_t { 070 }) | (mode & mode >> 3 & 7) << 3;
+    return ::fchmod(descriptor, mode) == 0;
 }
 
 }
@@ -200,15 +215,19 @@ FileError WriteFile(const std::string& path, std::string_view bytes)
     if (!IsUsable(path))
         return FileError::NotFound;
     const std::string target = ResolveLinks(path);
-    mode_t mode = 0;
-    if (const FileError error = CheckTarget(target, mode); error != FileError::None)
+
+    struct stat old
+    {
+    };
+
+    if (const FileError error = CheckTarget(target, old); error != FileError::None)
         return error;
     const std::string folder = FolderOf(target);
     std::string temporary;
     Descriptor file(CreateTemporary(folder, temporary));
     if (!file.IsOpen())
         return ErrorOf(errno);
-    const bool written = (mode == 0 || ::fchmod(file.Get(), mode) == 0)
+    const bool written = (old.st_nlink == 0 || TakeOver(file.Get(), old))
         && WriteAll(file.Get(), bytes) && ::fsync(file.Get()) == 0 && file.Close()
         && ::rename(temporary.c_str(), target.c_str()) == 0;
     if (!written) {

@@ -26,8 +26,9 @@ bool FileExists(const std::string& path);
 FileError ReadFile(const std::string& path, size_t maximumSize, std::string& bytes);
 
 // Writes a file that is there in its new form or not at all: the bytes go to a new file beside it,
-// reach the disk, and then take the name. The permissions of a file that was there stay, links are
-// followed, and one that may not be written is left alone.
+// reach the disk, and then take the name. Permissions, group and, as far as the system allows it,
+// owner of a file that was there stay, links are followed, and one that may not be written is left
+// alone.
 FileError WriteFile(const std::string& path, std::string_view bytes);
 
 // Seconds since 1970, or 0 if there is no such file.

@@ -112,6 +112,41 @@ TEST_CASE("A written file replaces the old one whole, keeps its permissions and 
     CHECK(folder.CountFiles() == 3);
 }
 
+TEST_CASE("A file that root writes stays its owner's" * doctest::skip(geteuid() != 0))
+{
+    const TestFolder folder;
+    folder.Write("script", "old");
+    const std::string path = folder.Path("script").ToUtf8();
+    REQUIRE(chown(path.c_str(), 12345, 12346) == 0);
+    REQUIRE(chmod(path.c_str(), 0460) == 0);
+    CHECK(OQFileSystem::WriteTextFile(folder.Path("script"), u"new"));
+
+    struct stat status
+    {
+    };
+
+    REQUIRE(stat(path.c_str(), &status) == 0);
+    CHECK(status.st_uid == 12345);
+    CHECK(status.st_gid == 12346);
+    CHECK((status.st_mode & 07777) == 0460);
+}
+
+TEST_CASE("A link whose file isn't there yet stays a link, and its file is made")
+{
+    const TestFolder folder;
+    std::filesystem::create_directory(folder.Folder() / "elsewhere");
+    std::filesystem::create_symlink("elsewhere/second", folder.Folder() / "first");
+    std::filesystem::create_symlink("../third", folder.Folder() / "elsewhere/second");
+    CHECK(OQFileSystem::WriteTextFile(folder.Path("first"), u"x"));
+    CHECK(std::filesystem::is_symlink(folder.Folder() / "first"));
+    CHECK(std::filesystem::is_symlink(folder.Folder() / "elsewhere/second"));
+    CHECK(folder.Read("third") == "x");
+
+    std::filesystem::create_symlink("circle", folder.Folder() / "circle");
+    CHECK_FALSE(OQFileSystem::WriteTextFile(folder.Path("circle"), u"x"));
+    CHECK(std::filesystem::is_symlink(folder.Folder() / "circle"));
+}
+
 TEST_CASE("A write that fails leaves what was there")
 {
     const TestFolder folder;
