@@ -5,7 +5,6 @@
 #include "foundation/StringPrinting.h"
 
 #include <cstring>
-#include <thread>
 #include <vector>
 
 namespace {
@@ -269,26 +268,6 @@ TEST_CASE("Trimming, replacing and splitting")
     parts[1].Split(u';', parts); // the list holds what is split
     CHECK(parts.GetCount() == 1);
     CHECK(parts[0] == u"a");
-}
-
-TEST_CASE("Strings that share a text may be used by several threads")
-{
-    const OQString shared = u"shared between threads";
-    std::vector<std::thread> threads;
-    for (int t = 0; t < 4; ++t) {
-        threads.emplace_back([mine = shared] {
-            for (int i = 0; i < 2000; ++i) {
-                OQString copy = mine;
-                const OQString second = copy;
-                copy += u"!";
-                copy = second;
-            }
-        });
-    }
-    for (std::thread& thread : threads)
-        thread.join();
-    CHECK(shared == u"shared between threads");
-    CHECK(HeaderOf(shared).references == 1);
 }
 
 TEST_CASE("Freed blocks are taken again when they fit")
