@@ -61,17 +61,15 @@ void CVisualization::Reset()
 int32_t CVisualization::LoadScript(const OQString& path)
 {
     const Operation operation(*this);
-    // The caller may hand in our own path, which must outlive its assignment.
-    const OQString script = path;
     Reset();
-    m_scriptPath = script;
-    if (!OQFileSystem::FileExists(script))
+    m_scriptPath = path;
+    if (!OQFileSystem::FileExists(m_scriptPath))
         return -1;
-    m_scriptDate = OQFileSystem::GetLastWriteTime(script);
+    m_scriptDate = OQFileSystem::GetLastWriteTime(m_scriptPath);
     m_lastCheck = OQClockMilliseconds();
 
     OQString text;
-    if (!OQFileSystem::ReadTextFile(script, text, VisLimits::scriptFileBytes))
+    if (!OQFileSystem::ReadTextFile(m_scriptPath, text, VisLimits::scriptFileBytes))
         return -1;
     m_scriptDocument.SetDocument(text);
     if (!m_scriptDocument.FindElem(rootTag)

@@ -30,6 +30,9 @@ std::string JsonNumber(double value)
         return "\"nan\"";
     if (std::isinf(value))
         return value > 0 ? "\"inf\"" : "\"-inf\"";
+    // Many readers take "-0" for a whole number and drop its sign.
+    if (value == 0 && std::signbit(value))
+        return "-0.0";
     char digits[32]; // sign, 17 digits, point, exponent of five characters
     const auto end
         = std::to_chars(digits, digits + sizeof digits, value, std::chars_format::general, 17).ptr;
