@@ -45,6 +45,31 @@ double Trunc(double value, double digits)
     return static_cast<double>(OQTruncateToInt64(value * power)) / power;
 }
 
+// Nanoseconds of a step on a slow machine, measured and rounded up; what bounds a stranger's
+// equation.
+int64_t WorkOf(CMathOp opcode)
+{
+    switch (opcode) {
+    case CMathOp::Power:
+    case CMathOp::Pow:
+    case CMathOp::Trunc:
+        return 60;
+    case CMathOp::Sin:
+    case CMathOp::Cos:
+    case CMathOp::Tan:
+    case CMathOp::Atan:
+    case CMathOp::Log:
+    case CMathOp::Log10:
+    case CMathOp::AbsSin:
+    case CMathOp::AbsCos:
+    case CMathOp::Rand:
+    case CMathOp::RandN:
+        return 25;
+    default:
+        return 3;
+    }
+}
+
 double AsDouble(double* address)
 {
     return std::bit_cast<double>(static_cast<uint64_t>(reinterpret_cast<uintptr_t>(address)));
@@ -74,6 +99,8 @@ void CMathEvaluator::SetEquation(const OQString& text, CMathEvaluatorError* erro
     CMathCompiler compiler(*m_table, m_opcodes, error);
     m_compiled = compiler.Compile(text);
     m_hasResult = compiler.HasResult();
+    for (const CMathEvaluatorOpCode& step : m_opcodes)
+        m_work += m_compiled ? WorkOf(step.opcode) : 0;
 }
 
 int32_t CMathEvaluator::GetVariable(const OQString& name, bool create)
@@ -106,6 +133,7 @@ void CMathEvaluator::DropProgram()
     m_opcodes.Clear();
     m_compiled = false;
     m_hasResult = false;
+    m_work = 0;
 }
 
 // The compiler has made sure that the stack neither overflows nor runs dry and that EndAssignment

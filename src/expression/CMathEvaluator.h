@@ -27,6 +27,10 @@ public:
     // True if the last statement is a plain expression, so that Evaluate gives its value.
     bool HasResult() const { return m_compiled && m_hasResult; }
 
+    // What a run costs at most, in units of about a nanosecond; 0 for a program that isn't
+    // compiled.
+    int64_t GetWork() const { return m_work; }
+
     // Runs the program. An equation that isn't compiled changes nothing and gives 0.0, and so does
     // the result of an equation that ends in an assignment: read the variables.
     double Evaluate();
@@ -61,6 +65,7 @@ private:
     bool m_ownsTable = true;
     bool m_compiled = false;
     bool m_hasResult = false;
+    int64_t m_work = 0;
     OQArray<CMathEvaluatorOpCode> m_opcodes;
     double m_stack[kStackSlots];
 };
