@@ -4,6 +4,7 @@
 #include "engine2d/CVisBufferHelper.h"
 #include "engine2d/VisLimits.h"
 #include "engine2d/VisPresets.h"
+#include "foundation/OQEngineContext.h"
 #include "foundation/OQTruncate.h"
 #include "kernels/FillRect.h"
 #include "kernels/PixelFromColor.h"
@@ -121,12 +122,16 @@ int32_t CSpectrumAnalyzerVisComponent::Draw(IVisBuffer& buffer, IVisAudioData& a
     if (!picture.Bits() || !block)
         return -1;
 
+    const Metrics metrics = Measure(picture.Width(), picture.Height());
+    const int32_t colors = TableSize();
+    if (!OQTakeWork(VisLimits::spectrumBarWork * metrics.bars
+            + VisLimits::gradientColorWork * std::min(colors, VisLimits::gradientTableEntries)))
+        return -1;
     m_phase += phaseStep;
     if (m_phase >= 1.0f)
         m_phase = 0;
-    BuildColors();
+    m_gradient.BuildTable(m_phase, colors);
 
-    const Metrics metrics = Measure(picture.Width(), picture.Height());
     CSpectrumBarValues values(*block, m_spectrum, metrics.bars);
     m_barBoxes.clear();
     m_peakBoxes.clear();
@@ -206,24 +211,17 @@ void CSpectrumAnalyzerVisComponent::CollectBoxes(const Metrics& metrics, size_t 
     }
 }
 
-void CSpectrumAnalyzerVisComponent::BuildColors()
+int32_t CSpectrumAnalyzerVisComponent::TableSize() const
 {
     int64_t span = std::abs(int64_t { m_pixelRectangle.bottom } - m_pixelRectangle.top);
     if (m_mirrored)
         span /= 2;
-    const int64_t entries = std::min<int64_t>(span + 1, std::numeric_limits<int32_t>::max());
-    m_gradient.BuildTable(m_phase, static_cast<int32_t>(entries));
-    m_tablePixels.resize(
-        static_cast<size_t>(std::min<int64_t>(entries, VisLimits::gradientTableEntries)));
-    for (size_t i = 0; i < m_tablePixels.size(); ++i)
-        m_tablePixels[i] = PixelFromColor(m_gradient.TableColor(static_cast<int32_t>(i)));
+    return static_cast<int32_t>(std::min<int64_t>(span + 1, std::numeric_limits<int32_t>::max()));
 }
 
 // A thrown bar never passes the table, but rounding in a reversed area may: the last colour then.
 uint32_t CSpectrumAnalyzerVisComponent::TablePixel(int64_t index) const
 {
-    if (index < static_cast<int64_t>(m_tablePixels.size()))
-        return m_tablePixels[static_cast<size_t>(index)];
     const int64_t last = m_gradient.GetTableSize() - 1;
     return PixelFromColor(m_gradient.TableColor(static_cast<int32_t>(std::min(index, last))));
 }
@@ -244,6 +242,9 @@ void CSpectrumAnalyzerVisComponent::FillBar(const CVisBufferHelper& picture, con
     const int32_t height = picture.Height();
     const int32_t highest = Clamped(std::min(box.top, box.bottom), height);
     const int32_t lowest = Clamped(std::max(box.top, box.bottom), height);
+    if (!OQTakeWork((lowest - highest + 1)
+            * (VisLimits::fillRowWork + VisLimits::fillPixelWork * (last - first + 1))))
+        return;
     for (int32_t y = highest; y <= lowest; ++y) {
         int64_t index = upward ? box.bottom - y : y - box.bottom;
         const bool tipIsOutside
@@ -262,7 +263,10 @@ void CSpectrumAnalyzerVisComponent::FillPeak(const CVisBufferHelper& picture, co
         return;
     const int32_t first = Clamped(left, picture.Width());
     const int32_t last = Clamped(right - 1, picture.Width());
+    const int32_t highest = Clamped(top, picture.Height());
+    const int32_t lowest = Clamped(bottom - 1, picture.Height());
+    if (!OQTakeWork(VisLimits::fillPixelWork * (lowest - highest + 1) * (last - first + 1)))
+        return;
     // PeakColor is 0xRRGGBB, which is a pixel of alpha 0.
-    FillBlock(picture, first, last, Clamped(top, picture.Height()),
-        Clamped(bottom - 1, picture.Height()), m_peakColor.value);
+    FillBlock(picture, first, last, highest, lowest, m_peakColor.value);
 }

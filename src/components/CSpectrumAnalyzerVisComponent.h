@@ -45,7 +45,7 @@ private:
     void MoveBar(size_t bar, int32_t target);
     void MovePeak(size_t bar);
     void CollectBoxes(const Metrics& metrics, size_t bar);
-    void BuildColors();
+    int32_t TableSize() const;
     uint32_t TablePixel(int64_t index) const;
     void FillBar(const CVisBufferHelper& picture, const Box& box) const;
     void FillPeak(const CVisBufferHelper& picture, const Box& box) const;
@@ -76,7 +76,6 @@ private:
     CGradientEx m_gradient;
     float m_phase = 0;
     OQRect m_pixelRectangle;
-    std::vector<uint32_t> m_tablePixels; // the start of the gradient's table, as pixels
     std::vector<Box> m_barBoxes; // of one frame; kept for their memory
     std::vector<Box> m_peakBoxes;
 };

@@ -1,6 +1,8 @@
 #include "components/CTransformMap.h"
 
+#include "engine2d/VisLimits.h"
 #include "expression/CMathEvaluator.h"
+#include "foundation/OQEngineContext.h"
 #include "foundation/OQTruncate.h"
 #include "kernels/Maths.h"
 
@@ -16,6 +18,12 @@ constexpr int64_t largestSmallPicture = 1'920'000; // pixels
 constexpr int32_t largestSmallSide = 2047;
 constexpr uint16_t clipped16 = 32767; // not a mark: scroll and zoom move it like any position
 constexpr uint32_t clipped32 = 0x7FFFFFFF;
+
+bool TakesSmallEntries(int32_t width, int32_t height)
+{
+    return int64_t { width } * height <= largestSmallPicture && width <= largestSmallSide
+        && height <= largestSmallSide;
+}
 
 float Radius(int32_t mode, int32_t halfWidth, int32_t halfHeight)
 {
@@ -64,16 +72,25 @@ bool CTransformMap::IsBuiltFor(int32_t width, int32_t height) const
     return m_width == width && m_height == height && (Entries16() || Entries32());
 }
 
-void CTransformMap::Build(int32_t width, int32_t height, const Settings& settings)
+int64_t CTransformMap::KeptPixels(int32_t width, int32_t height)
+{
+    return int64_t { width } * height * (TakesSmallEntries(width, height) ? 1 : 2);
+}
+
+bool CTransformMap::Build(int32_t width, int32_t height, const Settings& settings)
 {
     Clear();
+    const int64_t entryWork = VisLimits::mapEntryWork
+        + VisLimits::equationCharacterWork * settings.equation->GetLength();
+    if (!OQTakeWork(entryWork * width * height))
+        return false;
     m_width = width;
     m_height = height;
-    if (int64_t { width } * height <= largestSmallPicture && width <= largestSmallSide
-        && height <= largestSmallSide)
+    if (TakesSmallEntries(width, height))
         Fill(m_entries16, clipped16, settings);
     else
         Fill(m_entries32, clipped32, settings);
+    return true;
 }
 
 template <typename Entry>

@@ -23,8 +23,12 @@ public:
 
     bool IsBuiltFor(int32_t width, int32_t height) const;
 
-    // A bad equation leaves d and r as they are: the identity.
-    void Build(int32_t width, int32_t height, const Settings& settings);
+    // Pixels of 4 bytes that the map of such a picture takes.
+    static int64_t KeptPixels(int32_t width, int32_t height);
+
+    // A bad equation leaves d and r as they are: the identity. False, with no map, if the Draw may
+    // not cost it.
+    bool Build(int32_t width, int32_t height, const Settings& settings);
 
     // One of the two is null: 16-bit entries serve every picture that a window asks for. A larger
     // picture, made only in files, would wrap in them and takes 32 bits.

@@ -2,6 +2,7 @@
 
 #include "components/TransformPresets.h"
 #include "engine2d/CVisBufferHelper.h"
+#include "engine2d/VisLimits.h"
 #include "engine2d/VisPresets.h"
 #include "foundation/OQEngineContext.h"
 #include "foundation/OQNumberText.h"
@@ -71,6 +72,11 @@ int32_t CTransformVisComponent::Prepare(IVisBuffer&, IVisAudioData&)
     return 0;
 }
 
+int64_t CTransformVisComponent::KeptPixels() const
+{
+    return CTransformMap::KeptPixels(m_rect.Width(), m_rect.Height());
+}
+
 int32_t CTransformVisComponent::Draw(IVisBuffer& buffer, IVisAudioData& audio)
 {
     if (!m_prepared)
@@ -87,10 +93,13 @@ int32_t CTransformVisComponent::Draw(IVisBuffer& buffer, IVisAudioData& audio)
     pass.target = buffer.GetBits(-1);
     if (!pass.source || !pass.target)
         return -1;
+    if (!OQTakeWork(VisLimits::transformPixelWork * pass.width * pass.height))
+        return -1;
     if (!m_map.IsBuiltFor(pass.width, pass.height)) {
         const OQString equation = ResolvePreset(m_transformEquation, TransformPresets());
-        m_map.Build(pass.width, pass.height,
-            { &equation, m_radiusMode, m_clipAtMaxRadius == 1, m_centerPoint });
+        if (!m_map.Build(pass.width, pass.height,
+                { &equation, m_radiusMode, m_clipAtMaxRadius == 1, m_centerPoint }))
+            return -1;
     }
     pass.map16 = m_map.Entries16();
     pass.map32 = m_map.Entries32();

@@ -20,6 +20,7 @@ public:
     int32_t Randomize() override;
     int32_t Draw(IVisBuffer& buffer, IVisAudioData& audio) override;
     int32_t Prepare(IVisBuffer& buffer, IVisAudioData& audio) override;
+    int64_t KeptPixels() const override;
 
 private:
     struct Move // whole pixels

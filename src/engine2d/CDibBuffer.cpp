@@ -4,10 +4,7 @@
 
 void CDibBuffer::MakeImages(int32_t width, int32_t height)
 {
-    m_count = 0;
-    m_current = 0;
-    for (auto& image : m_images)
-        image.reset();
+    FreeImages();
     for (auto& image : m_images) {
         image.reset(OQCreateImage());
         if (!image)
@@ -19,6 +16,14 @@ void CDibBuffer::MakeImages(int32_t width, int32_t height)
         image->Clear(0, 255);
     }
     m_count = static_cast<int32_t>(m_images.size());
+}
+
+void CDibBuffer::FreeImages()
+{
+    m_count = 0;
+    m_current = 0;
+    for (auto& image : m_images)
+        image.reset();
 }
 
 IOQImage* CDibBuffer::GetImage(int32_t offset)

@@ -12,6 +12,13 @@ class CDibBuffer final : public IVisBuffer
 public:
     // Makes both images anew, black with alpha 255. On failure the buffer is empty.
     void MakeImages(int32_t width, int32_t height);
+    void FreeImages();
+
+    // What both images of that size take.
+    static int64_t PixelsOf(int32_t width, int32_t height)
+    {
+        return int64_t { width } * height * 2;
+    }
 
     uint32_t* GetBits(int32_t offset) override;
     IOQImage* GetImage(int32_t offset) override;

@@ -32,3 +32,8 @@ int32_t CVisComponent::Prepare(IVisBuffer&, IVisAudioData&)
 {
     return 0;
 }
+
+int64_t CVisComponent::KeptPixels() const
+{
+    return 0;
+}

@@ -40,6 +40,9 @@ public:
     // Works out pixel positions and compiles equations.
     virtual int32_t Prepare(IVisBuffer& buffer, IVisAudioData& audio);
 
+    // Pixels, 4 bytes each, that the component keeps for its rectangle beside the layer's images.
+    virtual int64_t KeptPixels() const;
+
     // Filled by CComponentManager::MakeComponent.
     char guid[256] = {};
     char name[256] = {};

@@ -2,6 +2,8 @@
 
 #include "expression/CMathEvaluator.h"
 
+#include <cstdint>
+
 class IVisAudioData;
 
 // A component's equation that hears the beat. Variables of the script's own keep their values when
@@ -15,11 +17,12 @@ public:
     // The variable's value, set to 0.0; the address holds as long as the equation lives.
     double* StartVariable(const OQChar* name);
 
-    // Binds `beat` and `impact` and evaluates.
+    // Binds `beat` and `impact` and evaluates, if the Draw may cost that.
     void Run(IVisAudioData& audio);
 
 private:
     CMathEvaluator m_evaluator;
+    int64_t m_work = 0; // of a run
     double* m_beat = nullptr;
     double* m_impact = nullptr;
 };

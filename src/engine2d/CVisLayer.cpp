@@ -57,6 +57,11 @@ int32_t CVisLayer::Resize(const OQRect& parentRect)
         m_sized = false;
         return -1;
     }
+    if (!m_ownerPiece.KeepPixels(CDibBuffer::PixelsOf(own.right, own.bottom))) {
+        m_buffer.FreeImages();
+        m_sized = false;
+        return -1;
+    }
     for (CVisLayerPiece* piece : m_pieces) {
         try {
             piece->Resize(own);
@@ -71,8 +76,8 @@ int32_t CVisLayer::Resize(const OQRect& parentRect)
 
 int32_t CVisLayer::Draw(IVisAudioData& audio, const OQRect& parentRect)
 {
-    if (!m_sized)
-        Resize(parentRect);
+    if (!m_sized && Resize(parentRect) != 0)
+        return -1;
     const OQRect own { 0, 0, m_pixelRect.Width(), m_pixelRect.Height() };
     if (own.right < smallestSide || own.bottom < smallestSide)
         return -1;

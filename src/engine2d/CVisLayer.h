@@ -19,7 +19,8 @@ public:
     CVisLayer& operator=(const CVisLayer&) = delete;
 
     // Takes the layer's part of `parentRect`, sizes all pieces and makes both images anew. -1, with
-    // the images as they were, for a size under 5 x 5.
+    // the images as they were, for a size under 5 x 5, and -1, with none, past what the script may
+    // keep.
     int32_t Resize(const OQRect& parentRect);
 
     // Sizes the layer if that is due and draws every piece in order.

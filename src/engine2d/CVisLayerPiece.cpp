@@ -3,8 +3,12 @@
 #include "engine2d/CVisComponent.h"
 #include "engine2d/CVisLayer.h"
 #include "engine2d/VisAudio.h"
+#include "engine2d/VisLimits.h"
 #include "engine2d/VisPresets.h"
+#include "foundation/OQEngineContext.h"
 #include "foundation/OQNumberText.h"
+
+#include <algorithm>
 
 namespace {
 
@@ -22,7 +26,31 @@ CVisLayerPiece::CVisLayerPiece(CVisLayerPiece* parent)
     CompileOnEquation();
 }
 
-CVisLayerPiece::~CVisLayerPiece() = default;
+CVisLayerPiece::~CVisLayerPiece()
+{
+    Root().m_scriptPixels -= m_keptPixels;
+}
+
+CVisLayerPiece& CVisLayerPiece::Root()
+{
+    CVisLayerPiece* piece = this;
+    while (piece->m_parent)
+        piece = piece->m_parent;
+    return *piece;
+}
+
+bool CVisLayerPiece::KeepPixels(int64_t pixels)
+{
+    CVisLayerPiece& root = Root();
+    const OQRect picture = root.m_layer ? root.m_layer->GetPixelRect() : OQRect {};
+    const int64_t limit = std::max(
+        VisLimits::keptPixels, VisLimits::keptPictures * picture.Width() * picture.Height());
+    root.m_scriptPixels -= m_keptPixels;
+    const bool fits = pixels <= limit - root.m_scriptPixels;
+    m_keptPixels = fits ? pixels : 0;
+    root.m_scriptPixels += m_keptPixels;
+    return fits;
+}
 
 void CVisLayerPiece::MakeLayer()
 {
@@ -93,8 +121,11 @@ int32_t CVisLayerPiece::LoadProperties(const CVisPropertyList* list)
 int32_t CVisLayerPiece::Resize(const OQRect& rect)
 {
     switch (m_type) {
-    case Type::Component:
-        return m_component->SetRect(rect);
+    case Type::Component: {
+        const int32_t result = m_component->SetRect(rect);
+        m_fits = KeepPixels(m_component->KeptPixels());
+        return result;
+    }
     case Type::Layer:
         return m_layer->Resize(rect);
     default:
@@ -113,6 +144,8 @@ void CVisLayerPiece::CompileOnEquation()
 
 bool CVisLayerPiece::IsOn(IVisAudioData& audio)
 {
+    if (!OQTakeWork(VisLimits::equationCharacterWork * m_onEquationText.GetLength()))
+        return false;
     // Here, unlike in components, the beat goes through single precision.
     *m_beat = double { static_cast<float>(audio.GetValue(VisAudioValueBeat)) };
     *m_impact = VisImpact(audio);
@@ -122,21 +155,29 @@ bool CVisLayerPiece::IsOn(IVisAudioData& audio)
 
 int32_t CVisLayerPiece::Draw(IVisBuffer& buffer, IVisAudioData& audio, const OQRect& rect)
 {
-    if (!IsOn(audio))
+    if (!m_fits || !IsOn(audio))
         return -1;
     switch (m_type) {
     case Type::Component:
         return m_component->Draw(buffer, audio);
-    case Type::Layer: {
-        if (m_clearEachFrame) {
-            if (IOQImage* image = m_layer->GetBuffer().GetImage(0))
-                image->Clear(0, 255);
-        }
-        const int32_t result = m_layer->Draw(audio, rect);
-        m_layer->MergeInto(buffer, m_outputMode, m_transparentColor);
-        return result;
-    }
+    case Type::Layer:
+        return DrawLayer(buffer, audio, rect);
     default:
         return -1;
     }
+}
+
+int32_t CVisLayerPiece::DrawLayer(IVisBuffer& buffer, IVisAudioData& audio, const OQRect& rect)
+{
+    OQSize size;
+    m_layer->GetBuffer().GetSize(&size);
+    if (!OQTakeWork(VisLimits::mergePixelWork * size.cx * size.cy))
+        return -1;
+    if (m_clearEachFrame) {
+        if (IOQImage* image = m_layer->GetBuffer().GetImage(0))
+            image->Clear(0, 255);
+    }
+    const int32_t result = m_layer->Draw(audio, rect);
+    m_layer->MergeInto(buffer, m_outputMode, m_transparentColor);
+    return result;
 }

@@ -54,12 +54,23 @@ public:
     // -1 also if the piece is off in this frame.
     int32_t Draw(IVisBuffer& buffer, IVisAudioData& audio, const OQRect& rect);
 
+    // Counts what the piece keeps, in place of what it kept before, against what the whole script
+    // may. False, and the piece counts nothing, if that is too much.
+    bool KeepPixels(int64_t pixels);
+
 private:
+    CVisLayerPiece& Root();
+    int32_t DrawLayer(IVisBuffer& buffer, IVisAudioData& audio, const OQRect& rect);
     void CompileOnEquation();
     bool IsOn(IVisAudioData& audio);
     void LoadLayerRow(const CVisPropertyRow& row);
 
+    // The pieces of the layer count themselves out when they go, so these outlive it.
     CVisLayerPiece* m_parent;
+    int64_t m_keptPixels = 0;
+    int64_t m_scriptPixels = 0; // of the root: kept by all pieces
+    bool m_fits = true; // the component's pixels fit what the script may keep
+
     Type m_type = Type::Empty;
     std::unique_ptr<CVisLayer> m_layer;
     std::unique_ptr<CVisComponent> m_component;

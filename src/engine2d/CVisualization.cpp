@@ -7,6 +7,8 @@
 #include "foundation/OQFileSystem.h"
 #include "foundation/OQNumberText.h"
 
+#include <algorithm>
+#include <limits>
 #include <pxvis/IVisAudioData.h>
 
 namespace {
@@ -122,10 +124,19 @@ int32_t CVisualization::Draw(const OQRect& rect, bool showFps)
     if (!m_audioData && m_owner)
         m_audioData.reset(m_owner->GetAudioData());
     if (m_audioData && m_audioData->Refresh() == 0)
-        m_rootPiece.GetLayer()->Draw(*m_audioData, rect);
+        DrawRootLayer(rect);
     if (showFps)
         DrawFrameRate();
     return 0;
+}
+
+void CVisualization::DrawRootLayer(const OQRect& rect)
+{
+    int64_t& workLeft = OQCurrentEngineContext().workLeft;
+    workLeft = std::max(
+        VisLimits::workAtLeast, VisLimits::workPerPixel * m_size.Width() * m_size.Height());
+    m_rootPiece.GetLayer()->Draw(*m_audioData, rect);
+    workLeft = std::numeric_limits<int64_t>::max();
 }
 
 void CVisualization::CheckScriptDate()

@@ -67,6 +67,7 @@ private:
     class Operation; // the lock and the engine context, for the length of one
 
     void CheckScriptDate();
+    void DrawRootLayer(const OQRect& rect);
     void DrawFrameRate();
 
     CComponentManager m_componentManager;

@@ -12,7 +12,28 @@ constexpr int64_t scriptFileBytes = 4 << 20;
 constexpr int32_t rowsPerPiece = 1024;
 constexpr int64_t gradientCells = 65536;
 
-// Colours that a gradient's table keeps; a longer one is worked out as it is read.
-constexpr int32_t gradientTableEntries = 65536;
+// Colours that a gradient's table keeps, one for each row of the highest picture; a longer one is
+// worked out as it is read.
+constexpr int32_t gradientTableEntries = 16384;
+
+// Pixels, 4 bytes each, that the images and maps of a script may take, or as many pictures of the
+// root layer's size if that is more. A layer or component that needs more is not drawn.
+constexpr int64_t keptPixels = int64_t { 128 } << 20;
+constexpr int64_t keptPictures = 16;
+
+// What a Draw may cost, in units of about a nanosecond: so much for each pixel of the root layer,
+// or, for a small picture, this much in all. What it does not suffice for is left out of that Draw.
+constexpr int64_t workPerPixel = 8192;
+constexpr int64_t workAtLeast = int64_t { 1 } << 27;
+
+// What things cost in that unit. An equation has no more steps than characters.
+constexpr int64_t equationCharacterWork = 8; // for each run
+constexpr int64_t mapEntryWork = 200; // beside the equation
+constexpr int64_t transformPixelWork = 16;
+constexpr int64_t mergePixelWork = 4;
+constexpr int64_t fillPixelWork = 1;
+constexpr int64_t fillRowWork = 64;
+constexpr int64_t gradientColorWork = 64;
+constexpr int64_t spectrumBarWork = 256;
 
 }

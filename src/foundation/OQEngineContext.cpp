@@ -61,3 +61,12 @@ void OQSeedRandForEquations()
     const uint32_t counter = context.virtualClock ? 0 : g_seedCounter.fetch_add(1);
     OQSeedRand(counter + static_cast<uint32_t>(OQClockMilliseconds()));
 }
+
+bool OQTakeWork(int64_t work)
+{
+    int64_t& left = OQCurrentEngineContext().workLeft;
+    if (work > left)
+        return false;
+    left -= work;
+    return true;
+}

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <limits>
 
 // The time and the random numbers that one engine sees. A window's engine uses its thread's own
 // context; a renderer and a test make one each and install it, so that the same input always gives
@@ -13,6 +14,10 @@ struct OQEngineContext
     uint32_t randomState = 1;
     bool equationsSeeded
         = false; // rand and randn of the equations seed the generator at their first use
+
+    // What the running operation may still cost, in units of about a nanosecond. Counted, not
+    // measured, so that the same input is cut off at the same place everywhere.
+    int64_t workLeft = std::numeric_limits<int64_t>::max();
 };
 
 // Installs a context for the calling thread as long as it lives; null leaves the thread's current
@@ -43,3 +48,7 @@ void OQSeedRand(uint32_t seed);
 // Seeds the generator at the first call in a context with a process-wide counter, 0 in a virtual
 // context, plus the clock in milliseconds: threads that start in one millisecond differ.
 void OQSeedRandForEquations();
+
+// Takes so much from what the running operation may still cost. False, with nothing taken, if less
+// is left: then the caller leaves undone what it would have done.
+bool OQTakeWork(int64_t work);

@@ -2,6 +2,8 @@
 #include "components/CSpectrumAnalyzerVisComponent.h"
 #include "components/CSpectrumBarValues.h"
 #include "engine2d/CVisPropertyList.h"
+#include "engine2d/VisLimits.h"
+#include "foundation/OQEngineContext.h"
 #include "foundation/OQString.h"
 
 #include <doctest/doctest.h>
@@ -289,4 +291,20 @@ TEST_CASE("Rows come in their order with their defaults, and any number in them 
         for (int i = 0; i < 3; ++i)
             scene.Draw();
     }
+}
+
+TEST_CASE("Bars that lie over each other in their hundreds stop when the draw may cost no more")
+{
+    Scene scene({ { u"BarWidth", u"1" }, { u"BarSpacing", u"-0.98" }, { u"DrawPeaks", u"0" },
+        { u"Mirrored", u"0" } });
+    scene.SetSpectrum(200, 200);
+    OQEngineContext context;
+    const OQEngineContextScope scope(&context);
+    context.workLeft = 1'000'000;
+    scene.Draw();
+    CHECK(context.workLeft < 1'000'000 - 49 * 50 * 50 * VisLimits::fillPixelWork);
+    CHECK(scene.Pixel(0, 99) != background);
+    context.workLeft = 100;
+    scene.Draw();
+    CHECK(scene.Pixel(0, 99) == background);
 }

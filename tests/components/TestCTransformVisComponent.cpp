@@ -2,6 +2,7 @@
 #include "components/CTransformMap.h"
 #include "components/CTransformVisComponent.h"
 #include "components/TransformPresets.h"
+#include "engine2d/VisLimits.h"
 #include "foundation/OQEngineContext.h"
 #include "foundation/OQString.h"
 
@@ -245,4 +246,30 @@ TEST_CASE("A random look draws its three picks from the generator and has a step
     for (int i = 0; i < 3; ++i)
         OQRand();
     CHECK(context.randomState == expected.randomState);
+}
+
+TEST_CASE("A map that a draw may not cost is built in a later one, and nothing is drawn until then")
+{
+    Scene scene({ { u"TransformEquation", u"d=d" } });
+    const int64_t area = 16 * 12;
+    FillBuffer(scene.buffer, 0x00808080);
+    scene.context.workLeft = area
+            * (VisLimits::transformPixelWork + VisLimits::mapEntryWork
+                + 3 * VisLimits::equationCharacterWork)
+        - 1;
+    scene.Draw();
+    CHECK(scene.Pixel(0, 0) == 0x00808080);
+    scene.context.workLeft = 1'000'000;
+    scene.Draw();
+    CHECK(scene.Pixel(0, 0) == 0);
+
+    // Once it is there a draw is cheap, but not free.
+    scene.context.workLeft = area * 2 * VisLimits::transformPixelWork;
+    FillBuffer(scene.buffer, 0x00808080);
+    scene.Draw();
+    CHECK(scene.Pixel(0, 0) == 0);
+    scene.context.workLeft = area * VisLimits::transformPixelWork - 1;
+    FillBuffer(scene.buffer, 0x00808080);
+    scene.Draw();
+    CHECK(scene.Pixel(0, 0) == 0x00808080);
 }

@@ -2,6 +2,8 @@
 #include "engine2d/CVisComponent.h"
 #include "engine2d/CVisLayer.h"
 #include "engine2d/CVisLayerPiece.h"
+#include "engine2d/VisLimits.h"
+#include "foundation/OQEngineContext.h"
 
 #include <doctest/doctest.h>
 
@@ -26,7 +28,10 @@ struct Painter final : CVisComponent
         return 0;
     }
 
+    int64_t KeptPixels() const override { return kept; }
+
     uint32_t pixel;
+    int64_t kept = 0;
     int draws = 0;
     bool throws = false;
 };
@@ -210,4 +215,57 @@ TEST_CASE("A layer under 5 x 5 pixels draws nothing, and goes on as soon as it h
     CHECK(scene.Pixel(8, 0) == 0x22);
     CHECK(scene.Pixel(9, 0) == 0x11);
     CHECK(scene.painter->draws == 1);
+}
+
+TEST_CASE("Layers and components past what a script may keep are left out until there is room")
+{
+    CVisLayerPiece root(nullptr);
+    root.MakeLayer();
+    Painter& base = AddPainter(root, 1);
+    // 8192 x 8192 pixels, twice: all that may be kept, but the root keeps some, too.
+    CVisLayerPiece& wide = AddLayer(root, { { u"Rectangle", u"0,0,512,512" } });
+    AddPainter(wide, 2);
+    CVisLayerPiece& narrow = AddLayer(root, { { u"Rectangle", u"0,0,.5,1" } });
+    Painter& keeper = AddPainter(narrow, 3);
+    keeper.kept = VisLimits::keptPixels;
+    TestAudio audio;
+    const OQRect area { 0, 0, 16, 16 };
+    const auto draw = [&] {
+        root.Resize(area);
+        root.GetLayer()->Draw(audio, area);
+        return PixelAt(root.GetLayer()->GetBuffer(), 15, 0);
+    };
+
+    CHECK(draw() == 1);
+    CHECK(base.draws == 1);
+    CHECK(wide.GetLayer()->GetBuffer().GetBits(0) == nullptr);
+    CHECK(narrow.GetLayer()->GetBuffer().GetBits(0) != nullptr);
+    CHECK(keeper.draws == 0);
+
+    // What a piece keeps is counted once, however often it is sized, and not after it is gone.
+    keeper.kept = VisLimits::keptPixels / 2;
+    for (int i = 0; i < 5; ++i)
+        draw();
+    CHECK(keeper.draws == 5);
+    Painter& second = AddPainter(root, 4);
+    second.kept = keeper.kept;
+    CHECK(draw() == 1);
+    root.GetLayer()->TakePiece(root.GetLayer()->FindPiece(&narrow));
+    CHECK(draw() == 4);
+}
+
+TEST_CASE("What a draw may cost is taken by equations and merges, and pieces past it are off")
+{
+    Scene scene(1, 2, {});
+    OQEngineContext context;
+    const OQEngineContextScope scope(&context);
+    // The on-equations of the two pieces in the root, but not the merge of the layer.
+    context.workLeft = 2 * 4 * VisLimits::equationCharacterWork + 12 * 10;
+    scene.Draw();
+    CHECK(scene.Pixel(5, 5) == 1);
+    CHECK(scene.painter->draws == 1);
+    context.workLeft = 4 * VisLimits::equationCharacterWork - 1;
+    const int before = scene.painter->draws;
+    scene.Draw();
+    CHECK(scene.painter->draws == before);
 }

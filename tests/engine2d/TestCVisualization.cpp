@@ -154,6 +154,25 @@ TEST_CASE("Hostile scripts are cut off at the limits on nesting and number of pi
     CHECK(engine.LoadScript(PathOf(TestFile("big.pxv", std::string(5 << 20, ' ')))) == -1);
 }
 
+TEST_CASE("A script that would take hours for a picture loses just the pieces that cost so much")
+{
+    // A million operations for each pixel; layers over layers; then a piece like any other.
+    std::string equation = "d=d";
+    for (int i = 0; i < 500'000; ++i)
+        equation += "+d";
+    std::string content = Component(transformGuid,
+        "<DrawFrequency>1</DrawFrequency><TransformEquation>" + equation + "</TransformEquation>");
+    for (int i = 0; i < 1000; ++i)
+        content += "<Layer><Properties><Rectangle>0,0,20,20</Rectangle></Properties></Layer>";
+    content += Component(transformGuid, "<DrawFrequency>1</DrawFrequency>");
+    const TestFile file("script.pxv", Script(content));
+    TestOwner owner;
+    CVisualization engine(&owner);
+    REQUIRE(engine.LoadScript(PathOf(file)) == 0);
+    REQUIRE(engine.Draw({ 0, 0, 64, 48 }, false) == 0);
+    CHECK(PixelAt(engine.GetBuffer(), 0, 0) == 0); // the last piece clears the outer frame
+}
+
 TEST_CASE("A size under 5 x 5 is refused, and a size that was taken stays until the next resize")
 {
     TestOwner owner;

@@ -88,14 +88,22 @@ int RenderPicture(const RenderOptions& options, SongPlayback& playback, std::ost
     const double at = options.at >= 0 ? options.at : options.from + length / 2;
     if (at < options.from || (options.to >= 0 && at > options.to))
         return Fail(errors, "--at lies outside --from and --to");
+    // A moment far past the end isn't waited for; some files' lengths are but estimates.
+    const double songLength = playback.Info().durationSeconds;
+    const std::string tooLate = options.song + ": ends before the moment asked for";
+    if (songLength > 0 && at > 2 * songLength + 60)
+        return Fail(errors, tooLate);
+    const std::unique_ptr<IOQImage> scaled(OQCreateImage());
+    if (options.pictureScale != 1.0
+        && (!scaled || !scaled->Create(options.width, options.height, 0, 0)))
+        return Fail(errors, "no memory for a picture of this size");
+
     const int64_t last = static_cast<int64_t>((at - options.from) * options.stepRate.PerSecond());
     host::ProgressLine progress(options.stepRate.PerSecond());
     while (playback.StepCount() <= last) {
         if (!playback.NextStep()) {
             progress.Clear();
-            return Fail(errors,
-                playback.Error().empty() ? options.song + ": ends before the moment asked for"
-                                         : playback.Error());
+            return Fail(errors, playback.Error().empty() ? tooLate : playback.Error());
         }
         progress.Update(
             static_cast<uint64_t>(playback.StepCount()), static_cast<uint64_t>(last + 1));
@@ -103,10 +111,7 @@ int RenderPicture(const RenderOptions& options, SongPlayback& playback, std::ost
     progress.Clear();
 
     IOQImage* picture = &playback.Picture();
-    const std::unique_ptr<IOQImage> scaled(OQCreateImage());
     if (options.pictureScale != 1.0) {
-        if (!scaled || !scaled->Create(options.width, options.height, 0, 0))
-            return Fail(errors, "no memory for a picture of this size");
         picture->Blit(scaled->GetBits() + int64_t { options.height - 1 } * options.width,
             options.width, options.height, -options.width * 4);
         picture = scaled.get();

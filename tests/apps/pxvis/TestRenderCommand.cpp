@@ -136,6 +136,16 @@ TEST_CASE("What can't be done leaves nothing behind and says why in one line")
     fails([](auto& options) { options.output = "/nowhere/out.mp4"; });
     fails([&](auto& options) { options.output = folder.File("out.avi"); });
     fails([&](auto& options) { options.output = folder.File("frame-%05d.png"); });
+    fails([&](auto& options) {
+        options.output = folder.File("out.png");
+        options.to = -1;
+        options.at = 1e6;
+    });
+    fails([&](auto& options) {
+        options.output = folder.File("out.png");
+        options.width = 100000;
+        options.pictureScale = 0.05;
+    });
     fails([](auto& options) {
         options.from = 4000;
         options.to = -1;

@@ -6,6 +6,7 @@
 #include <CLI/CLI.hpp>
 
 #include <charconv>
+#include <cmath>
 #include <csignal>
 #include <exception>
 #include <iostream>
@@ -60,6 +61,19 @@ struct RateText
     }
 };
 
+// CLI::Range lets "nan" through, which is below and above nothing.
+CLI::Validator NumberIn(double least, double most)
+{
+    const CLI::Range range(least, most);
+    return CLI::Validator(
+        [range](std::string& text) {
+            double number = 0;
+            const bool isNan = CLI::detail::lexical_cast(text, number) && std::isnan(number);
+            return isNan ? "'" + text + "' is not a number" : range(text);
+        },
+        range.get_description());
+}
+
 // What is read from the option's text lands in the fields that the reader refers to.
 template <typename Reader>
 CLI::Option* AddText(CLI::App& command, const std::string& names, const Reader& reader,
@@ -109,17 +123,17 @@ void AddRender(CLI::App& app, pxvis::RenderOptions& options, std::string& kernel
         },
         "Other random numbers");
     command.add_option("--from", options.from, "Start in the song, in seconds")
-        ->check(CLI::Range(0.0, 1e6));
+        ->check(NumberIn(0.0, 1e6));
     command.add_option("--to", options.to, "End in the song, in seconds")
-        ->check(CLI::Range(0.0, 1e6));
+        ->check(NumberIn(0.0, 1e6));
     command
         .add_option("--at", options.at, "The moment of a single picture, in seconds [the middle]")
-        ->check(CLI::Range(0.0, 1e6));
+        ->check(NumberIn(0.0, 1e6));
     command.add_option("--cycle", options.cycle, "Seconds to the next script of several")
-        ->check(CLI::Range(0.1, 1e6))
+        ->check(NumberIn(0.1, 1e6))
         ->capture_default_str();
     command.add_option("--picture-scale", options.pictureScale, "Draw smaller by this and stretch")
-        ->check(CLI::Range(0.05, 1.0))
+        ->check(NumberIn(0.05, 1.0))
         ->capture_default_str();
     command.add_option("--encode", options.level, "Quality: draft, good, best [good]")
         ->transform(CLI::Transformer(std::map<std::string, pxvis::host::EncodeLevel> {
@@ -163,9 +177,9 @@ void AddAnalyze(CLI::App& app, pxvis::AnalyzeOptions& options)
     AddText(
         command, "--step-rate", RateText { options.stepRate }, "Records a second, N or N/D", "60");
     command.add_option("--from", options.from, "Start in the song, in seconds")
-        ->check(CLI::Range(0.0, 1e6));
+        ->check(NumberIn(0.0, 1e6));
     command.add_option("--to", options.to, "End in the song, in seconds")
-        ->check(CLI::Range(0.0, 1e6));
+        ->check(NumberIn(0.0, 1e6));
 }
 
 int Run(int argc, char** argv)
