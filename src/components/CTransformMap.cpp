@@ -80,21 +80,26 @@ int64_t CTransformMap::KeptPixels(int32_t width, int32_t height)
 bool CTransformMap::Build(int32_t width, int32_t height, const Settings& settings)
 {
     Clear();
-    const int64_t entryWork = VisLimits::mapEntryWork
-        + VisLimits::equationCharacterWork * settings.equation->GetLength();
-    if (!OQTakeWork(entryWork * width * height))
+    if (!OQTakeWork(VisLimits::compileCharacterWork * settings.equation->GetLength()))
+        return false;
+    // Lives for this build only: a variable of the script's own starts at 0 and runs on from pixel
+    // to pixel.
+    CMathEvaluator equation;
+    equation.SetEquation(*settings.equation);
+    if (!OQTakeWork((VisLimits::mapEntryWork + equation.GetWork()) * width * height))
         return false;
     m_width = width;
     m_height = height;
     if (TakesSmallEntries(width, height))
-        Fill(m_entries16, clipped16, settings);
+        Fill(m_entries16, clipped16, equation, settings);
     else
-        Fill(m_entries32, clipped32, settings);
+        Fill(m_entries32, clipped32, equation, settings);
     return true;
 }
 
 template <typename Entry>
-void CTransformMap::Fill(std::vector<Entry>& entries, Entry clipped, const Settings& settings)
+void CTransformMap::Fill(
+    std::vector<Entry>& entries, Entry clipped, CMathEvaluator& equation, const Settings& settings)
 {
     entries.resize(static_cast<size_t>(m_width) * static_cast<size_t>(m_height) * 2);
     const int32_t halfWidth = m_width / 2;
@@ -107,10 +112,6 @@ void CTransformMap::Fill(std::vector<Entry>& entries, Entry clipped, const Setti
     const float originX = static_cast<float>(centerX);
     const float originY = static_cast<float>(centerY);
 
-    // Lives for this build only: a variable of the script's own starts at 0 and runs on from pixel
-    // to pixel.
-    CMathEvaluator equation;
-    equation.SetEquation(*settings.equation);
     double& d = equation.Variable(equation.GetVariable(u"d", true));
     double& r = equation.Variable(equation.GetVariable(u"r", true));
     double& x = equation.Variable(equation.GetVariable(u"x", true));

@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <vector>
 
+class CMathEvaluator;
+
 // Where each pixel of a picture comes from: an equation in d (distance from the centre) and r
 // (rotation), run once for each pixel. Entries are pairs (x, y) in 1/32 pixel, rows from the top.
 class CTransformMap
@@ -38,7 +40,8 @@ public:
 
 private:
     template <typename Entry>
-    void Fill(std::vector<Entry>& entries, Entry clipped, const Settings& settings);
+    void Fill(std::vector<Entry>& entries, Entry clipped, CMathEvaluator& equation,
+        const Settings& settings);
 
     int32_t m_width = 0;
     int32_t m_height = 0;

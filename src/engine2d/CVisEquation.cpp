@@ -1,13 +1,11 @@
 #include "engine2d/CVisEquation.h"
 
 #include "engine2d/VisAudio.h"
-#include "engine2d/VisLimits.h"
 #include "foundation/OQEngineContext.h"
 
 void CVisEquation::Compile(const OQString& text)
 {
     m_evaluator.SetEquation(text);
-    m_work = VisLimits::equationCharacterWork * text.GetLength();
     m_beat = StartVariable(u"beat");
     m_impact = StartVariable(u"impact");
 }
@@ -23,6 +21,6 @@ void CVisEquation::Run(IVisAudioData& audio)
 {
     *m_beat = static_cast<double>(audio.GetValue(VisAudioValueBeat));
     *m_impact = VisImpact(audio);
-    if (OQTakeWork(m_work))
+    if (OQTakeWork(m_evaluator.GetWork()))
         m_evaluator.Evaluate();
 }

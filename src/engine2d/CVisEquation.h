@@ -2,8 +2,6 @@
 
 #include "expression/CMathEvaluator.h"
 
-#include <cstdint>
-
 class IVisAudioData;
 
 // A component's equation that hears the beat. Variables of the script's own keep their values when
@@ -22,7 +20,6 @@ public:
 
 private:
     CMathEvaluator m_evaluator;
-    int64_t m_work = 0; // of a run
     double* m_beat = nullptr;
     double* m_impact = nullptr;
 };

@@ -144,7 +144,7 @@ void CVisLayerPiece::CompileOnEquation()
 
 bool CVisLayerPiece::IsOn(IVisAudioData& audio)
 {
-    if (!OQTakeWork(VisLimits::equationCharacterWork * m_onEquationText.GetLength()))
+    if (!OQTakeWork(m_onEquation.GetWork()))
         return false;
     // Here, unlike in components, the beat goes through single precision.
     *m_beat = double { static_cast<float>(audio.GetValue(VisAudioValueBeat)) };

@@ -26,9 +26,9 @@ constexpr int64_t keptPictures = 16;
 constexpr int64_t workPerPixel = 8192;
 constexpr int64_t workAtLeast = int64_t { 1 } << 27;
 
-// What things cost in that unit. An equation has no more steps than characters.
-constexpr int64_t equationCharacterWork = 8; // for each run
-constexpr int64_t mapEntryWork = 200; // beside the equation
+// What things cost in that unit, beside the equations, which tell it themselves.
+constexpr int64_t compileCharacterWork = 200;
+constexpr int64_t mapEntryWork = 100;
 constexpr int64_t transformPixelWork = 16;
 constexpr int64_t mergePixelWork = 4;
 constexpr int64_t fillPixelWork = 1;

@@ -3,6 +3,7 @@
 #include "components/CTransformVisComponent.h"
 #include "components/TransformPresets.h"
 #include "engine2d/VisLimits.h"
+#include "expression/CMathEvaluator.h"
 #include "foundation/OQEngineContext.h"
 #include "foundation/OQString.h"
 
@@ -253,10 +254,10 @@ TEST_CASE("A map that a draw may not cost is built in a later one, and nothing i
     Scene scene({ { u"TransformEquation", u"d=d" } });
     const int64_t area = 16 * 12;
     FillBuffer(scene.buffer, 0x00808080);
-    scene.context.workLeft = area
-            * (VisLimits::transformPixelWork + VisLimits::mapEntryWork
-                + 3 * VisLimits::equationCharacterWork)
-        - 1;
+    CMathEvaluator equation;
+    equation.SetEquation(u"d=d");
+    scene.context.workLeft = 3 * VisLimits::compileCharacterWork
+        + area * (VisLimits::transformPixelWork + VisLimits::mapEntryWork + equation.GetWork()) - 1;
     scene.Draw();
     CHECK(scene.Pixel(0, 0) == 0x00808080);
     scene.context.workLeft = 1'000'000;

@@ -260,11 +260,14 @@ TEST_CASE("What a draw may cost is taken by equations and merges, and pieces pas
     OQEngineContext context;
     const OQEngineContextScope scope(&context);
     // The on-equations of the two pieces in the root, but not the merge of the layer.
-    context.workLeft = 2 * 4 * VisLimits::equationCharacterWork + 12 * 10;
+    CMathEvaluator on;
+    on.SetEquation(u"on=1");
+    CHECK(on.GetWork() > 0);
+    context.workLeft = 2 * on.GetWork() + 12 * 10;
     scene.Draw();
     CHECK(scene.Pixel(5, 5) == 1);
     CHECK(scene.painter->draws == 1);
-    context.workLeft = 4 * VisLimits::equationCharacterWork - 1;
+    context.workLeft = on.GetWork() - 1;
     const int before = scene.painter->draws;
     scene.Draw();
     CHECK(scene.painter->draws == before);
