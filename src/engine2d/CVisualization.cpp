@@ -74,8 +74,7 @@ int32_t CVisualization::LoadScript(const OQString& path)
     if (!OQFileSystem::ReadTextFile(m_scriptPath, text, VisLimits::scriptFileBytes))
         return -1;
     m_scriptDocument.SetDocument(text);
-    if (!m_scriptDocument.FindElem(rootTag)
-        || m_scriptDocument.GetAttrib(u"Version") != formatVersion)
+    if (!FindScript(m_scriptDocument))
         return -1;
     m_scriptDocument.IntoElem();
     CVisSaveLoadHelper(m_scriptDocument).ReadChildren(m_rootPiece, m_componentManager);
@@ -83,6 +82,11 @@ int32_t CVisualization::LoadScript(const OQString& path)
         m_owner->OnScriptLoaded();
     m_sized = false;
     return 0;
+}
+
+bool CVisualization::FindScript(OQXmlDocument& document)
+{
+    return document.FindElem(rootTag) && document.GetAttrib(u"Version") == formatVersion;
 }
 
 int32_t CVisualization::SaveScript(const OQString& path)

@@ -36,6 +36,9 @@ public:
     // the path is kept so that a file that appears is read.
     int32_t LoadScript(const OQString& path);
 
+    // Moves to the root element of a script; false if there is none of a version that we read.
+    static bool FindScript(OQXmlDocument& document);
+
     // An empty path means the one last loaded or saved. 0 also if the file can't be written.
     int32_t SaveScript(const OQString& path);
 

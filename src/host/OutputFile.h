@@ -23,6 +23,8 @@ public:
 
     const std::string& Path() const { return m_path; }
 
+    const std::string& PartPath() const { return m_partPath; }
+
     // For others that write; stays ours to close.
     int Descriptor() const { return m_descriptor; }
 

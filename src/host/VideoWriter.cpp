@@ -526,6 +526,11 @@ uint64_t VideoWriter::PictureCount() const
     return m_pipeline->pictureCount;
 }
 
+const std::string& VideoWriter::UnfinishedPath() const
+{
+    return m_pipeline->file->PartPath();
+}
+
 const std::string& VideoWriter::Error() const
 {
     return m_pipeline->error;

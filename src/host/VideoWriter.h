@@ -51,6 +51,9 @@ public:
 
     uint64_t PictureCount() const;
 
+    // The file that grows until Finish() gives it its name.
+    const std::string& UnfinishedPath() const;
+
     // One line that starts with the path; the first failure since the opening.
     const std::string& Error() const;
 

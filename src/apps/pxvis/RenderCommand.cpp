@@ -12,6 +12,7 @@
 #include <iomanip>
 #include <memory>
 #include <ostream>
+#include <unistd.h>
 #include <vector>
 
 namespace pxvis {
@@ -84,6 +85,9 @@ int RenderPicture(const RenderOptions& options, SongPlayback& playback, std::ost
     std::error_code ignored;
     if (!options.replace && std::filesystem::exists(options.output, ignored))
         return Fail(errors, options.output + ": exists; --force replaces it");
+    const std::string folder = std::filesystem::path(options.output).parent_path().string();
+    if (access(folder.empty() ? "." : folder.c_str(), W_OK) != 0)
+        return Fail(errors, options.output + ": can't be written there");
     const double length = PartLength(options, playback.Info());
     const double at = options.at >= 0 ? options.at : options.from + length / 2;
     if (at < options.from || (options.to >= 0 && at > options.to))
@@ -142,7 +146,7 @@ int RenderVideo(const RenderOptions& options, SongPlayback& playback, std::ostre
     if (!writer)
         return Fail(errors, error);
 
-    const Interrupt interrupt(options.output + ".part");
+    const Interrupt interrupt(writer->UnfinishedPath());
     playback.SetSoundSink(
         [&](const float* interleaved, size_t frames) { writer->AddSound(interleaved, frames); });
     const double frameSeconds = 1.0 / options.frameRate.PerSecond();

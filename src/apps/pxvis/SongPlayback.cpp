@@ -77,7 +77,8 @@ std::unique_ptr<SongPlayback> SongPlayback::Open(
     playback->m_scripts = FindScripts(options.script, error);
     std::string fault;
     std::erase_if(playback->m_scripts, [&](const std::string& script) {
-        if (playback->m_session->LoadScript(script, fault))
+        // Not in the session's engine: what a script does to its random numbers would stay.
+        if (VisualSession::CheckScript(script, fault))
             return false;
         if (playback->m_scripts.size() > 1)
             warnings << "pxvis: left out: " << fault << '\n';

@@ -37,29 +37,34 @@ std::unique_ptr<VisualSession> VisualSession::Create(
     return std::unique_ptr<VisualSession>(new VisualSession(settings));
 }
 
-bool VisualSession::LoadScript(const std::string& path, std::string& error)
+// The engine passes over what it can't read; a person who names a file wants to know.
+bool VisualSession::CheckScript(const std::string& path, std::string& error)
 {
-    // The engine passes over what it can't read; a person who names a file wants to know.
     const OQString script = OQString::FromUtf8(path);
     OQString text;
+    OQXmlDocument document;
     if (!OQFileSystem::FileExists(script)) {
         error = path + ": no such script";
-        return false;
-    }
-    if (!OQFileSystem::ReadTextFile(script, text, VisLimits::scriptFileBytes)) {
+    } else if (!OQFileSystem::ReadTextFile(script, text, VisLimits::scriptFileBytes)) {
         error = path + ": can't be read, or is no file of at most 4 MiB";
-        return false;
-    }
-    OQXmlDocument document;
-    if (!document.SetDocument(text)) {
+    } else if (!document.SetDocument(text)) {
         error = path + ": not a script: " + document.GetError().ToUtf8();
-        return false;
-    }
-    if (m_engine.LoadScript(script) != 0) {
+    } else if (!CVisualization::FindScript(document)) {
         error = path + ": not a script: the root element must be PXV with the Version 1.0";
-        return false;
+    } else {
+        return true;
     }
-    return true;
+    return false;
+}
+
+bool VisualSession::LoadScript(const std::string& path, std::string& error)
+{
+    if (!CheckScript(path, error))
+        return false;
+    if (m_engine.LoadScript(OQString::FromUtf8(path)) == 0)
+        return true;
+    error = path + ": can't be read any more";
+    return false;
 }
 
 void VisualSession::SetSong(const host::SongInfo& info, const std::string& coverFile)

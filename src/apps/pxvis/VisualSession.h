@@ -44,7 +44,8 @@ public:
         const VisualSessionSettings& settings, std::string& error);
 
     // False, and one line that starts with the path, if there is no such script or it does not
-    // parse.
+    // parse. The check alone leaves every engine as it is.
+    static bool CheckScript(const std::string& path, std::string& error);
     bool LoadScript(const std::string& path, std::string& error);
 
     void SetSong(const host::SongInfo& info, const std::string& coverFile);
