@@ -201,6 +201,9 @@ int RunRender(const RenderOptions& options, std::ostream& errors)
     if (!picture && (options.width % 2 != 0 || options.height % 2 != 0))
         return Fail(errors, "the sides of a video are even numbers");
 
+    if (options.to >= 0 && options.to <= options.from)
+        return Fail(errors, "--to must lie behind --from");
+
     std::string error;
     const auto playback = SongPlayback::Open(options, error, errors);
     if (!playback)
