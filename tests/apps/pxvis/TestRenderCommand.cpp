@@ -146,6 +146,7 @@ TEST_CASE("What can't be done leaves nothing behind and says why in one line")
         options.width = 100000;
         options.pictureScale = 0.05;
     });
+    fails([](auto& options) { options.to = options.from; });
     fails([](auto& options) {
         options.from = 4000;
         options.to = -1;
