@@ -1,5 +1,7 @@
 #include "apps/pxvis/AnalyzeCommand.h"
 
+#include "apps/pxvis/ErrorLine.h"
+
 #include "host/SongDecoder.h"
 #include "host/analysis/SongAnalyzer.h"
 
@@ -13,8 +15,7 @@ int RunAnalyze(const AnalyzeOptions& options, std::ostream& output, std::ostream
     std::string error;
     const auto decoder = host::SongDecoder::Open(options.song, error);
     if (!decoder) {
-        errors << "pxvis: " << error << '\n';
-        return 1;
+        return PrintError(errors, error);
     }
     host::AnalysisOptions analysis;
     analysis.stepNumerator = options.stepRate.numerator;
@@ -28,13 +29,11 @@ int RunAnalyze(const AnalyzeOptions& options, std::ostream& output, std::ostream
     host::AudioRecord record;
     while (analyzer.Next(record) && analyzer.SamplePosition() < end) {
         if (!host::WriteAudioRecord(output, record)) {
-            errors << "pxvis: the records can't be written\n";
-            return 1;
+            return PrintError(errors, "the records can't be written");
         }
     }
     if (!decoder->Error().empty()) {
-        errors << "pxvis: " << decoder->Error() << '\n';
-        return 1;
+        return PrintError(errors, decoder->Error());
     }
     return 0;
 }

@@ -1,5 +1,7 @@
 #include "apps/pxvis/FramesCommand.h"
 
+#include "apps/pxvis/ErrorLine.h"
+
 #include "host/analysis/AudioRecord.h"
 
 #include <bit>
@@ -31,8 +33,7 @@ int RunFrames(
     std::string error;
     const auto session = VisualSession::Create(options.session, error);
     if (!session || !session->LoadScript(options.script, error)) {
-        errors << "pxvis: " << error << '\n';
-        return 1;
+        return PrintError(errors, error);
     }
     for (;;) {
         host::AudioRecord record;
@@ -47,12 +48,10 @@ int RunFrames(
             break;
         }
         if (!session->Step(record)) {
-            errors << "pxvis: no memory for a picture of this size\n";
-            return 1;
+            return PrintError(errors, "no memory for a picture of this size");
         }
         if (!WritePicture(session->Picture(), output)) {
-            errors << "pxvis: the pictures can't be written\n";
-            return 1;
+            return PrintError(errors, "the pictures can't be written");
         }
     }
 }

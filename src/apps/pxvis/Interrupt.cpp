@@ -3,6 +3,7 @@
 #include <climits>
 #include <csignal>
 #include <cstring>
+#include <iterator>
 #include <unistd.h>
 
 namespace pxvis {
@@ -11,7 +12,8 @@ namespace {
 
 volatile std::sig_atomic_t g_requested = 0;
 char g_unfinishedFile[PATH_MAX];
-struct sigaction g_before;
+constexpr int signals[] = { SIGINT, SIGTERM, SIGHUP };
+struct sigaction g_before[std::size(signals)];
 
 void OnInterrupt(int)
 {
@@ -33,12 +35,14 @@ Interrupt::Interrupt(const std::string& unfinishedFile)
     struct sigaction action = {};
     action.sa_handler = OnInterrupt;
     action.sa_flags = SA_RESTART;
-    sigaction(SIGINT, &action, &g_before);
+    for (size_t i = 0; i < std::size(signals); ++i)
+        sigaction(signals[i], &action, &g_before[i]);
 }
 
 Interrupt::~Interrupt()
 {
-    sigaction(SIGINT, &g_before, nullptr);
+    for (size_t i = 0; i < std::size(signals); ++i)
+        sigaction(signals[i], &g_before[i], nullptr);
 }
 
 bool Interrupt::Requested()

@@ -1,5 +1,6 @@
 #include "apps/pxvis/RenderCommand.h"
 
+#include "apps/pxvis/ErrorLine.h"
 #include "apps/pxvis/Interrupt.h"
 #include "apps/pxvis/SongPlayback.h"
 #include "foundation/OQSiblingModules.h"
@@ -28,10 +29,15 @@ bool HasExtension(const std::string& path, const std::string& extension)
         [](char a, char b) { return a == (b >= 'A' && b <= 'Z' ? b + ('a' - 'A') : b); });
 }
 
-int Fail(std::ostream& errors, const std::string& message)
+// "frame-%05d.png"
+bool IsNumbered(const std::string& path)
 {
-    errors << "pxvis: " << message << '\n';
-    return 1;
+    for (size_t i = path.find('%'); i != std::string::npos; i = path.find('%', i + 1)) {
+        const size_t end = path.find_first_not_of("0123456789", i + 1);
+        if (end != std::string::npos && path[end] == 'd')
+            return true;
+    }
+    return false;
 }
 
 // How long the picture runs, in seconds; 0 where the song does not tell.
@@ -84,30 +90,30 @@ int RenderPicture(const RenderOptions& options, SongPlayback& playback, std::ost
 {
     std::error_code ignored;
     if (!options.replace && std::filesystem::exists(options.output, ignored))
-        return Fail(errors, options.output + ": exists; --force replaces it");
+        return PrintError(errors, options.output + ": exists; --force replaces it");
     const std::string folder = std::filesystem::path(options.output).parent_path().string();
     if (access(folder.empty() ? "." : folder.c_str(), W_OK) != 0)
-        return Fail(errors, options.output + ": can't be written there");
+        return PrintError(errors, options.output + ": can't be written there");
     const double length = PartLength(options, playback.Info());
     const double at = options.at >= 0 ? options.at : options.from + length / 2;
     if (at < options.from || (options.to >= 0 && at > options.to))
-        return Fail(errors, "--at lies outside --from and --to");
+        return PrintError(errors, "--at lies outside --from and --to");
     // A moment far past the end isn't waited for; some files' lengths are but estimates.
     const double songLength = playback.Info().durationSeconds;
     const std::string tooLate = options.song + ": ends before the moment asked for";
     if (songLength > 0 && at > 2 * songLength + 60)
-        return Fail(errors, tooLate);
+        return PrintError(errors, tooLate);
     const std::unique_ptr<IOQImage> scaled(OQCreateImage());
     if (options.pictureScale != 1.0
         && (!scaled || !scaled->Create(options.width, options.height, 0, 0)))
-        return Fail(errors, "no memory for a picture of this size");
+        return PrintError(errors, "no memory for a picture of this size");
 
     const int64_t last = static_cast<int64_t>((at - options.from) * options.stepRate.PerSecond());
     host::ProgressLine progress(options.stepRate.PerSecond());
     while (playback.StepCount() <= last) {
         if (!playback.NextStep()) {
             progress.Clear();
-            return Fail(errors, playback.Error().empty() ? tooLate : playback.Error());
+            return PrintError(errors, playback.Error().empty() ? tooLate : playback.Error());
         }
         progress.Update(
             static_cast<uint64_t>(playback.StepCount()), static_cast<uint64_t>(last + 1));
@@ -121,7 +127,7 @@ int RenderPicture(const RenderOptions& options, SongPlayback& playback, std::ost
         picture = scaled.get();
     }
     if (!picture->SavePng(OQString::FromUtf8(options.output).GetText(), true))
-        return Fail(errors, options.output + ": can't be written");
+        return PrintError(errors, options.output + ": can't be written");
     return 0;
 }
 
@@ -144,7 +150,7 @@ int RenderVideo(const RenderOptions& options, SongPlayback& playback, std::ostre
     std::string error;
     const auto writer = host::VideoWriter::Open(options.output, settings, error);
     if (!writer)
-        return Fail(errors, error);
+        return PrintError(errors, error);
 
     const Interrupt interrupt(writer->UnfinishedPath());
     playback.SetSoundSink(
@@ -172,13 +178,13 @@ int RenderVideo(const RenderOptions& options, SongPlayback& playback, std::ostre
     progress.Clear();
 
     if (!playback.Error().empty())
-        return Fail(errors, playback.Error());
+        return PrintError(errors, playback.Error());
     if (pictures == 0)
-        return Fail(errors,
+        return PrintError(errors,
             writer->Error().empty() ? options.song + ": holds no sound in that part"
                                     : writer->Error());
     if (!writer->Finish())
-        return Fail(errors, writer->Error());
+        return PrintError(errors, writer->Error());
     if (Interrupt::Requested()) {
         errors << "pxvis: stopped at " << std::fixed << std::setprecision(1)
                << options.from + static_cast<double>(pictures) * frameSeconds << " s; "
@@ -194,20 +200,20 @@ int RunRender(const RenderOptions& options, std::ostream& errors)
 {
     const bool picture = HasExtension(options.output, ".png");
     if (!picture && !HasExtension(options.output, ".mp4"))
-        return Fail(errors, options.output + ": the name must end in .mp4 or .png");
+        return PrintError(errors, options.output + ": the name must end in .mp4 or .png");
     // FIXME: *.webm and numbered pictures (frame-%05d.png).
-    if (picture && options.output.find('%') != std::string::npos)
-        return Fail(errors, options.output + ": numbered pictures can't be made yet");
+    if (picture && IsNumbered(options.output))
+        return PrintError(errors, options.output + ": numbered pictures can't be made yet");
     if (!picture && (options.width % 2 != 0 || options.height % 2 != 0))
-        return Fail(errors, "the sides of a video are even numbers");
+        return PrintError(errors, "the sides of a video are even numbers");
 
     if (options.to >= 0 && options.to <= options.from)
-        return Fail(errors, "--to must lie behind --from");
+        return PrintError(errors, "--to must lie behind --from");
 
     std::string error;
     const auto playback = SongPlayback::Open(options, error, errors);
     if (!playback)
-        return Fail(errors, error);
+        return PrintError(errors, error);
     return picture ? RenderPicture(options, *playback, errors)
                    : RenderVideo(options, *playback, errors);
 }

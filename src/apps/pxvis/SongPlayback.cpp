@@ -1,5 +1,6 @@
 #include "apps/pxvis/SongPlayback.h"
 
+#include "apps/pxvis/ErrorLine.h"
 #include "apps/pxvis/RenderCommand.h"
 
 #include <algorithm>
@@ -81,7 +82,7 @@ std::unique_ptr<SongPlayback> SongPlayback::Open(
         if (VisualSession::CheckScript(script, fault))
             return false;
         if (playback->m_scripts.size() > 1)
-            warnings << "pxvis: left out: " << fault << '\n';
+            PrintError(warnings, "left out: " + fault);
         return true;
     });
     if (playback->m_scripts.empty()) {

@@ -99,7 +99,7 @@ TEST_CASE("A single picture is the engine's at that moment, at the size asked fo
     CHECK(picture.substr(1, 3) == "PNG");
     CHECK(picture.substr(16, 8) == std::string("\0\0\0\x40\0\0\0\x24", 8));
     CHECK(Render(options) == 1); // exists
-    options.output = folder.File("b.png");
+    options.output = folder.File("50% b.png"); // no numbered pictures
     options.pictureScale = 0.5;
     CHECK(Render(options) == 0);
     CHECK(Content(options.output).substr(16, 8) == picture.substr(16, 8));
@@ -127,6 +127,7 @@ TEST_CASE("What can't be done leaves nothing behind and says why in one line")
     };
     fails([](auto& options) { options.song = "/nowhere.mp3"; });
     fails([](auto& options) { options.song = "/tmp"; });
+    fails([](auto& options) { options.song = "/nowhere\n\x1B[31m.mp3"; }); // still one line
     fails([&](auto& options) { options.song = text.Path(); });
     fails([&](auto& options) { options.script = brokenScript.Path(); });
     fails([](auto& options) { options.script = "No Such Script"; });

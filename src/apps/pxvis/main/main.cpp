@@ -1,4 +1,5 @@
 #include "apps/pxvis/AnalyzeCommand.h"
+#include "apps/pxvis/ErrorLine.h"
 #include "apps/pxvis/EvalCommand.h"
 #include "apps/pxvis/FramesCommand.h"
 #include "apps/pxvis/RenderCommand.h"
@@ -9,6 +10,7 @@
 #include <cmath>
 #include <csignal>
 #include <exception>
+#include <fcntl.h>
 #include <iostream>
 #include <new>
 #include <unistd.h>
@@ -115,13 +117,14 @@ void AddRender(CLI::App& app, pxvis::RenderOptions& options, std::string& kernel
     AddText(command, "--fps", RateText { options.frameRate }, "Pictures a second, N or N/D", "60");
     AddText(command, "--step-rate", RateText { options.stepRate }, "Steps of the engine a second",
         "60");
-    command.add_option_function<uint64_t>(
-        "--seed",
-        [&options](uint64_t seed) {
-            options.seed = seed;
-            options.seeded = true;
+    AddText(
+        command, "--seed",
+        [&options](const std::string& text) {
+            options.seeded = ReadNumber(text, options.seed);
+            return options.seeded ? std::string()
+                                  : "'" + text + "' is not a whole number from 0 on";
         },
-        "Other random numbers");
+        "Other random numbers", "as in frames");
     command.add_option("--from", options.from, "Start in the song, in seconds")
         ->check(NumberIn(0.0, 1e6));
     command.add_option("--to", options.to, "End in the song, in seconds")
@@ -137,16 +140,20 @@ void AddRender(CLI::App& app, pxvis::RenderOptions& options, std::string& kernel
         ->capture_default_str();
     command.add_option("--encode", options.level, "Quality: draft, good, best [good]")
         ->transform(CLI::Transformer(std::map<std::string, pxvis::host::EncodeLevel> {
-            { "draft", pxvis::host::EncodeLevel::Draft },
-            { "good", pxvis::host::EncodeLevel::Good },
-            { "best", pxvis::host::EncodeLevel::Best },
-        }));
+                                         { "draft", pxvis::host::EncodeLevel::Draft },
+                                         { "good", pxvis::host::EncodeLevel::Good },
+                                         { "best", pxvis::host::EncodeLevel::Best },
+                                     })
+                        .description(""))
+        ->type_name("LEVEL");
     command.add_option("--audio", options.sound, "Sound: copy, aac, opus [aac]")
         ->transform(CLI::Transformer(std::map<std::string, pxvis::host::SoundCoding> {
-            { "aac", pxvis::host::SoundCoding::Aac },
-            { "opus", pxvis::host::SoundCoding::Opus },
-            { "copy", pxvis::host::SoundCoding::Copy },
-        }));
+                                         { "aac", pxvis::host::SoundCoding::Aac },
+                                         { "opus", pxvis::host::SoundCoding::Opus },
+                                         { "copy", pxvis::host::SoundCoding::Copy },
+                                     })
+                        .description(""))
+        ->type_name("CODING");
     AddKernelAndThreads(command, kernel, options.threads);
     command.add_flag("--force", options.replace, "Replace an existing output");
 }
@@ -186,6 +193,7 @@ int Run(int argc, char** argv)
 {
     CLI::App app("Music made visible: songs become moving pictures.", "pxvis");
     app.require_subcommand(1);
+    app.set_version_flag("--version", "pxvis " PXVIS_VERSION);
     std::string kernel = "auto";
     int threads = 0;
     pxvis::RenderOptions render;
@@ -213,7 +221,12 @@ int Run(int argc, char** argv)
     } catch (const CLI::Success& request) {
         return app.exit(request);
     } catch (const CLI::Error& error) {
-        std::cerr << "pxvis: " << error.what() << " (--help tells more)\n";
+        const auto isNamed
+            = [argv](const CLI::App* command) { return command->get_name() == argv[1]; };
+        const bool unknown = argc > 1 && argv[1][0] != '-' && app.get_subcommands(isNamed).empty();
+        pxvis::PrintError(std::cerr,
+            (unknown ? "there is no command '" + std::string(argv[1]) + "'" : error.what())
+                + " (--help tells more)");
         return usageStatus;
     }
 
@@ -239,8 +252,19 @@ int Run(int argc, char** argv)
 
 }
 
+// A closed standard stream would give its number to the next file that is opened, and our output to
+// that. Reading from and writing to the stand-ins fails.
+void OccupyStandardStreams()
+{
+    for (int stream = STDIN_FILENO; stream <= STDERR_FILENO; ++stream) {
+        if (fcntl(stream, F_GETFD) == -1)
+            open("/dev/null", stream == STDOUT_FILENO ? O_RDONLY : O_WRONLY);
+    }
+}
+
 int main(int argc, char** argv)
 {
+    OccupyStandardStreams();
     std::ios::sync_with_stdio(false);
     // A reader that goes away is a failed write, not the end of the process.
     std::signal(SIGPIPE, SIG_IGN);
