@@ -143,6 +143,12 @@ GstPadProbeReturn SoundCopy::Adjust(GstPad* pad, GstPadProbeInfo* info)
         m_opusSamples += OpusPacketSamples(buffer);
         GST_BUFFER_DURATION(buffer)
             = gst_util_uint64_scale(m_opusSamples, GST_SECOND, OpusRate) - time;
+    } else if (m_mp3 && m_mp3Rate > 0) {
+        // The parser's own times leave out the run-up that a LAME header tells; Skip() does that.
+        time = gst_util_uint64_scale(m_mp3Samples, GST_SECOND, m_mp3Rate);
+        m_mp3Samples += m_mp3Rate < 32000 ? 576 : 1152;
+        GST_BUFFER_DURATION(buffer)
+            = gst_util_uint64_scale(m_mp3Samples, GST_SECOND, m_mp3Rate) - time;
     } else {
         if (m_firstTime == GST_CLOCK_TIME_NONE)
             m_firstTime = GST_BUFFER_PTS(buffer);
@@ -176,6 +182,8 @@ bool SoundCopy::BeginSound(GstPad* pad, GstBuffer* first)
     const Mp3Trim trim = ReadMp3Trim(map.data, map.size);
     gst_buffer_unmap(first, &map);
     m_mp3Skip = static_cast<uint32_t>(trim.start);
+    if (const GstHolder<GstCaps> caps(gst_pad_get_current_caps(pad)); caps)
+        gst_structure_get_int(gst_caps_get_structure(caps.get(), 0), "rate", &m_mp3Rate);
     return !trim.isHeaderFrame;
 }
 

@@ -48,6 +48,8 @@ private:
     bool m_opus = false;
     bool m_mp3 = false;
     bool m_inContainer = false; // which then tells where the song starts
+    int m_mp3Rate = 0; // samples a second of a bare mp3 stream
+    uint64_t m_mp3Samples = 0; // of the packets so far
     uint32_t m_mp3Skip = 0;
     GstClockTime m_segmentStart = 0;
     GstClockTime m_firstTime = GST_CLOCK_TIME_NONE;
