@@ -219,7 +219,8 @@ int32_t CSpectrumAnalyzerVisComponent::TableSize() const
     return static_cast<int32_t>(std::min<int64_t>(span + 1, std::numeric_limits<int32_t>::max()));
 }
 
-// A thrown bar never passes the table, but rounding in a reversed area may: the last colour then.
+// The table has an entry for each row that a bar may have, but for areas of more rows than 31 bits
+// count: there its last colour goes on.
 uint32_t CSpectrumAnalyzerVisComponent::TablePixel(int64_t index) const
 {
     const int64_t last = m_gradient.GetTableSize() - 1;

@@ -14,9 +14,8 @@ int RunAnalyze(const AnalyzeOptions& options, std::ostream& output, std::ostream
 {
     std::string error;
     const auto decoder = host::SongDecoder::Open(options.song, error);
-    if (!decoder) {
+    if (!decoder)
         return PrintError(errors, error);
-    }
     host::AnalysisOptions analysis;
     analysis.stepNumerator = options.stepRate.numerator;
     analysis.stepDenominator = options.stepRate.denominator;
@@ -28,13 +27,11 @@ int RunAnalyze(const AnalyzeOptions& options, std::ostream& output, std::ostream
         : static_cast<int64_t>(std::floor(options.to * host::SampleRate));
     host::AudioRecord record;
     while (analyzer.Next(record) && analyzer.SamplePosition() < end) {
-        if (!host::WriteAudioRecord(output, record)) {
+        if (!host::WriteAudioRecord(output, record))
             return PrintError(errors, "the records can't be written");
-        }
     }
-    if (!decoder->Error().empty()) {
+    if (!decoder->Error().empty())
         return PrintError(errors, decoder->Error());
-    }
     return 0;
 }
 

@@ -32,27 +32,24 @@ int RunFrames(
 {
     std::string error;
     const auto session = VisualSession::Create(options.session, error);
-    if (!session || !session->LoadScript(options.script, error)) {
+    if (!session || !session->LoadScript(options.script, error))
         return PrintError(errors, error);
-    }
     for (;;) {
         host::AudioRecord record;
         switch (host::ReadAudioRecord(records, record)) {
         case host::RecordRead::End:
             return 0;
         case host::RecordRead::Truncated:
-            errors << "pxvis: the input ends inside record " << session->StepCount()
-                   << " (from 0)\n";
-            return 1;
+            return PrintError(errors,
+                "the input ends inside record " + std::to_string(session->StepCount())
+                    + " (from 0)");
         case host::RecordRead::Record:
             break;
         }
-        if (!session->Step(record)) {
+        if (!session->Step(record))
             return PrintError(errors, "no memory for a picture of this size");
-        }
-        if (!WritePicture(session->Picture(), output)) {
+        if (!WritePicture(session->Picture(), output))
             return PrintError(errors, "the pictures can't be written");
-        }
     }
 }
 

@@ -4,9 +4,9 @@
 
 namespace pxvis {
 
-// While it lives, the first Ctrl-C, or another request to end,
-// only asks for the work to end; the second one removes the
-// unfinished file and ends the process at once with status 130. One at a time.
+// While it lives, the first Ctrl-C, or another signal to end, only asks for the work to end; the
+// second one removes the unfinished file and ends the process at once with status 130. One at a
+// time.
 class Interrupt
 {
 public:
