@@ -80,6 +80,31 @@ public:
     // file is replaced once the new one is complete; on failure it stays as it is. False if it
     // can't be written, or if the path names something else than a file.
     virtual bool SavePng(const OQChar* path, bool opaque) const = 0;
+
+    // Reads a picture file of any kind that the system's decoders know, turned upright, its first
+    // frame. Below 1 or above 16384 in a side, more than 64 * 2^20 pixels or 64 MiB are refused
+    // before memory is taken, as is anything but a regular file. The picture is stretched to
+    // |width| x |height|; a side given as 0 keeps its own. False, and an empty image, on failure.
+    // The others are 0, -1, 1 and four times 0.
+    virtual bool Load(const OQChar* path, int32_t width, int32_t height, int32_t reserved1,
+        int32_t reserved2, int32_t reserved3, int32_t reserved4, int32_t reserved5,
+        int32_t reserved6, int32_t reserved7)
+        = 0;
+    // The same from what a host's GetCoverImage gave, a pxvis HostPicture, which is only read.
+    virtual bool LoadFromHost(const void* value, int32_t width, int32_t height) = 0;
+
+    // Not empty.
+    virtual bool IsValid() const = 0;
+
+    // Stretches this image over the rectangle of `target`, bilinear when it grows, averaging when
+    // it shrinks, and blends it over what is there by its alpha; clipped to `target`, whose alpha
+    // bytes stay. With `keepShape` the largest centred part of the rectangle that has this
+    // picture's shape. False if either is empty or there is no memory.
+    virtual bool DrawTo(IOQImage& target, const OQRect& rect, bool keepShape) const = 0;
+
+    // As SavePng, as JPEG without alpha. quality: 1 to 100, others are brought into it. The last
+    // one is -1.
+    virtual bool SaveJpeg(const OQChar* path, int32_t quality, int32_t reserved) const = 0;
 };
 
 // The image module's interface, given by its one export, extern "C" IOQImageApp*

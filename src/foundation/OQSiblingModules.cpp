@@ -1,26 +1,28 @@
 #include "foundation/OQSiblingModules.h"
 
 #include "foundation/IOQImage.h"
-#include "os/ModulePath.h"
+#include "foundation/IOQTools.h"
+#include "os/InstallPlaces.h"
 
 #include <utility>
 
 namespace {
 
-// Empty, which nothing can be loaded from, if our own folder isn't known.
+// Empty, which nothing can be loaded from, if the folder of the siblings isn't known.
 std::string PathOf(const std::string& name)
 {
     if (!name.empty() && name.front() == '/')
         return name;
-    const std::string folder = pxvis::os::ModuleFolder();
+    const std::string& folder = pxvis::os::GetInstallPlaces().siblings;
     return folder.empty() ? std::string() : folder + "/" + name;
 }
 
 }
 
-OQSiblingModules::OQSiblingModules(OQSiblingSetup image)
+OQSiblingModules::OQSiblingModules(OQSiblingSetup image, OQSiblingSetup tools)
 {
     m_image.setup = std::move(image);
+    m_tools.setup = std::move(tools);
 }
 
 OQSiblingModules::~OQSiblingModules()
@@ -34,12 +36,53 @@ OQSiblingModules& OQSiblingModules::Get()
     return *modules;
 }
 
+// `entry` turns the address of the module's export into its interface.
+template <class Interface, class Entry>
+void OQSiblingModules::Load(Module<Interface>& module, const char* symbol, Entry entry)
+{
+    if (module.tried)
+        return;
+    module.tried = true;
+    if (module.library.Open(PathOf(module.setup.name))) {
+        if (void* address = module.library.Symbol(symbol))
+            module.app = entry(address);
+        if (module.app) {
+            module.app->Initialize(module.setup.parameter);
+            return;
+        }
+    }
+    module.failure = module.library.Error();
+    if (module.failure.empty())
+        module.failure = module.setup.name + ": the module gave no interface";
+    module.library.Close();
+}
+
+template <class Interface>
+void OQSiblingModules::Forget(Module<Interface>& module)
+{
+    if (module.app)
+        module.app->Uninitialize();
+    module.app = nullptr;
+    module.library.Close();
+    module.failure.clear();
+    module.tried = false;
+}
+
 IOQImageApp* OQSiblingModules::ImageApp()
 {
     const std::lock_guard lock(m_lock);
-    if (!m_image.tried)
-        LoadImageModule();
+    Load(m_image, "GetOQImageAppDLL",
+        [](void* entry) { return reinterpret_cast<IOQImageApp* (*)()>(entry)(); });
     return m_image.app;
+}
+
+IOQTools* OQSiblingModules::Tools()
+{
+    const std::lock_guard lock(m_lock);
+    Load(m_tools, "GetOQToolsDLL", [](void* entry) {
+        return reinterpret_cast<IOQTools* (*)(int32_t)>(entry)(IOQTools::InterfaceVersion);
+    });
+    return m_tools.app;
 }
 
 std::string OQSiblingModules::ImageFailure()
@@ -48,34 +91,19 @@ std::string OQSiblingModules::ImageFailure()
     return m_image.failure;
 }
 
-void OQSiblingModules::LoadImageModule()
+std::string OQSiblingModules::ToolsFailure()
 {
-    m_image.tried = true;
-    m_image.failure.clear();
-    if (m_image.library.Open(PathOf(m_image.setup.name))) {
-        using Entry = IOQImageApp*();
-        if (void* entry = m_image.library.Symbol("GetOQImageAppDLL"))
-            m_image.app = reinterpret_cast<Entry*>(entry)();
-        if (m_image.app) {
-            m_image.app->Initialize(m_image.setup.parameter);
-            return;
-        }
-    }
-    m_image.failure = m_image.library.Error();
-    if (m_image.failure.empty())
-        m_image.failure = m_image.setup.name + ": the module gave no interface";
-    m_image.library.Close();
+    const std::lock_guard lock(m_lock);
+    return m_tools.failure;
 }
 
 void OQSiblingModules::Unload()
 {
     const std::lock_guard lock(m_lock);
-    if (m_image.app)
-        m_image.app->Uninitialize();
-    m_image.app = nullptr;
-    m_image.library.Close();
-    m_image.failure.clear();
-    m_image.tried = false;
+    if (m_tools.app)
+        m_tools.app->PrepareToUnload();
+    Forget(m_image);
+    Forget(m_tools);
 }
 
 IOQImage* OQCreateImage()

@@ -7,22 +7,23 @@
 
 class IOQImage;
 class IOQImageApp;
+class IOQTools;
 
 // How a sibling module is found and started.
 struct OQSiblingSetup
 {
-    std::string name; // absolute: loaded as it stands; else a file of our own module's folder
+    std::string name; // absolute: loaded as it stands; else a file of the folder of the siblings
     const void* parameter = nullptr; // handed to the module's first operation
 };
 
 // The modules that work for this one from shared libraries of their own. Each is loaded when it is
-// first asked for, from the folder of the executable or library that this code is linked into, and
-// its first operation is called once. One that can't be loaded is not tried again: whoever asks
-// gets null and goes on without. Any thread; one lock.
+// first asked for and its first operation is called once. One that can't be loaded is not tried
+// again: whoever asks gets null and goes on without. Any thread; one lock.
 class OQSiblingModules
 {
 public:
-    explicit OQSiblingModules(OQSiblingSetup image = { .name = "OQImage.so" });
+    explicit OQSiblingModules(OQSiblingSetup image = { .name = "OQImage.so" },
+        OQSiblingSetup tools = { .name = "OQTools.so" });
     ~OQSiblingModules();
     OQSiblingModules(const OQSiblingModules&) = delete;
     OQSiblingModules& operator=(const OQSiblingModules&) = delete;
@@ -32,27 +33,35 @@ public:
 
     // Null if the module isn't there or isn't one of ours.
     IOQImageApp* ImageApp();
+    IOQTools* Tools();
 
-    // Why ImageApp() gave null; empty otherwise.
+    // Why the operation above gave null; empty otherwise.
     std::string ImageFailure();
+    std::string ToolsFailure();
 
-    // Ends all modules; a later demand loads them again. Whatever they made must be gone before.
+    // Ends all modules: the tools prepare, the image module goes, the tools go last. A later demand
+    // loads them again. Whatever they made must be gone before.
     void Unload();
 
 private:
-    struct ImageModule
+    template <class Interface>
+    struct Module
     {
         OQSiblingSetup setup;
         pxvis::os::DynamicLibrary library;
-        IOQImageApp* app = nullptr;
+        Interface* app = nullptr;
         std::string failure;
         bool tried = false;
     };
 
-    void LoadImageModule();
+    template <class Interface, class Entry>
+    static void Load(Module<Interface>& module, const char* symbol, Entry entry);
+    template <class Interface>
+    static void Forget(Module<Interface>& module);
 
     std::mutex m_lock;
-    ImageModule m_image;
+    Module<IOQImageApp> m_image;
+    Module<IOQTools> m_tools;
 };
 
 // An empty image from the process's image module, which the caller owns; null without that module

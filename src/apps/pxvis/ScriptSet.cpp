@@ -1,6 +1,6 @@
 #include "apps/pxvis/ScriptSet.h"
 
-#include "os/ModulePath.h"
+#include "os/InstallPlaces.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -52,20 +52,9 @@ std::string RelativeName(const std::string& script, const fs::path& folder)
 
 }
 
-std::string ShippedDataFolder()
-{
-    const fs::path moduleFolder = os::ModuleFolder();
-    std::error_code ignored;
-    // The build tree uses the source's own data; an installed program the folder at a fixed place
-    // from it.
-    if (fs::equivalent(moduleFolder, PXVIS_BUILD_BIN_FOLDER, ignored))
-        return PXVIS_SOURCE_DATA_FOLDER;
-    return (moduleFolder / PXVIS_DATA_FROM_BIN).lexically_normal().string();
-}
-
 std::vector<std::string> FindScripts(const std::string& name, std::string& error)
 {
-    const fs::path shipped = ScriptFolder(ShippedDataFolder());
+    const fs::path shipped = ScriptFolder(os::GetInstallPlaces().data);
     if (name.empty()) {
         auto scripts = ScriptsBelow(shipped);
         if (scripts.empty())

@@ -12,7 +12,4 @@ namespace pxvis {
 // Empty, and one line, if nothing fits.
 std::vector<std::string> FindScripts(const std::string& name, std::string& error);
 
-// The folder that holds what is shipped, without a "/" at its end.
-std::string ShippedDataFolder();
-
 }

@@ -151,3 +151,30 @@ bool CImage::SavePng(const OQChar* path, bool opaque) const
         return false;
     }
 }
+
+// FIXME: loading, drawing to another image and JPEG.
+bool CImage::Load(
+    const OQChar*, int32_t, int32_t, int32_t, int32_t, int32_t, int32_t, int32_t, int32_t, int32_t)
+{
+    return false;
+}
+
+bool CImage::LoadFromHost(const void*, int32_t, int32_t)
+{
+    return false;
+}
+
+bool CImage::IsValid() const
+{
+    return m_bits != nullptr;
+}
+
+bool CImage::DrawTo(IOQImage&, const OQRect&, bool) const
+{
+    return false;
+}
+
+bool CImage::SaveJpeg(const OQChar*, int32_t, int32_t) const
+{
+    return false;
+}

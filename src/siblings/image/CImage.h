@@ -30,6 +30,13 @@ public:
     void DrawText(const OQChar* text, const OQRect& rect, uint32_t color, IOQFont* font,
         int32_t alignment, int32_t reserved1, int32_t reserved2) override;
     bool SavePng(const OQChar* path, bool opaque) const override;
+    bool Load(const OQChar* path, int32_t width, int32_t height, int32_t reserved1,
+        int32_t reserved2, int32_t reserved3, int32_t reserved4, int32_t reserved5,
+        int32_t reserved6, int32_t reserved7) override;
+    bool LoadFromHost(const void* value, int32_t width, int32_t height) override;
+    bool IsValid() const override;
+    bool DrawTo(IOQImage& target, const OQRect& rect, bool keepShape) const override;
+    bool SaveJpeg(const OQChar* path, int32_t quality, int32_t reserved) const override;
 
 private:
     struct FreeBits
