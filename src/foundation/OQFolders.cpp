@@ -82,7 +82,9 @@ OQString OQFolders::GetModuleFolder()
 OQString OQFolders::GetDataFolder()
 {
     const OQProcessFolders folders = OQProcessFolders::Get();
-    return folders.data.IsEmpty() ? folders.install + u"Data/" : folders.data;
+    if (folders.data.IsEmpty() && !folders.install.IsEmpty())
+        return folders.install + u"Data/";
+    return folders.data;
 }
 
 OQString OQFolders::GetAppDataFolder()
@@ -93,16 +95,18 @@ OQString OQFolders::GetAppDataFolder()
         OQDllString text(folder);
         theme->GetDataFolder(text);
     }
-    if (folder.IsEmpty())
-        folder = OQProcessFolders::Get().applicationData + u"Tarnwick/Generic";
+    const OQString own = OQProcessFolders::Get().applicationData;
+    if (folder.IsEmpty() && !own.IsEmpty())
+        folder = own + u"Tarnwick/Generic";
     return WithSlash(folder);
 }
 
 OQString OQFolders::GetTempLocation()
 {
     OQString folder = ChosenTempLocation();
-    if (folder.IsEmpty()) {
-        folder = GetAppDataFolder() + u"Temp";
+    const OQString own = GetAppDataFolder();
+    if (folder.IsEmpty() && !own.IsEmpty()) {
+        folder = own + u"Temp";
         OQFileSystem::MakeDirectoryTree(folder);
     }
     return WithSlash(folder);

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <compare>
 #include <dirent.h>
 #include <fcntl.h>
 #include <memory>

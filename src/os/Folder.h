@@ -33,7 +33,10 @@ struct FolderIdentity
     uint64_t device = 0;
     uint64_t number = 0;
 
-    auto operator<=>(const FolderIdentity&) const = default;
+    bool operator<(const FolderIdentity& other) const
+    {
+        return device != other.device ? device < other.device : number < other.number;
+    }
 };
 
 FolderIdentity IdentifyFolder(const std::string& path);

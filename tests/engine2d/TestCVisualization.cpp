@@ -2,6 +2,7 @@
 #include "engine2d/CVisComponent.h"
 #include "engine2d/CVisLayer.h"
 #include "engine2d/CVisualization.h"
+#include "host/TestFolder.h"
 
 #include <doctest/doctest.h>
 
@@ -298,4 +299,22 @@ TEST_CASE("The registry finds types by their exact GUID and lists a category by 
     CHECK(indexes[3] == 0);
     manager.List(2, names, indexes);
     CHECK(names.GetCount() == 0);
+}
+
+TEST_CASE("A shipped script is saved as the user's, whose file it is from then on")
+{
+    const TestFolder folder;
+    setenv("XDG_DATA_HOME", folder.Path("").c_str(), 1);
+    const std::string name = "Visualizations/Vis Studio/Bright/Undertow.pxv";
+    const std::string shipped = PXVIS_SOURCE_DIR "/data/" + name;
+    const auto date = std::filesystem::last_write_time(shipped);
+    std::filesystem::create_directories(folder.Path("pxvis/Visualizations/Vis Studio/Bright"));
+    CVisualization engine(nullptr);
+    REQUIRE(engine.LoadScript(OQString::FromUtf8(shipped)) == 0);
+    engine.SaveScript({});
+    CHECK(std::filesystem::last_write_time(shipped) == date);
+    CHECK(folder.Read("pxvis/" + name).starts_with("<PXV "));
+    engine.Reset();
+    engine.SaveScript({});
+    CHECK(folder.Read("pxvis/" + name) == "<PXV Version=\"1.0\"/>\r\n");
 }
