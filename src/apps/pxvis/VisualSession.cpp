@@ -1,7 +1,6 @@
 #include "apps/pxvis/VisualSession.h"
 
-#include "engine2d/VisLimits.h"
-#include "foundation/OQFileSystem.h"
+#include "apps/pxvis/ScriptText.h"
 #include "foundation/OQSiblingModules.h"
 #include "foundation/OQXmlDocument.h"
 
@@ -40,14 +39,11 @@ std::unique_ptr<VisualSession> VisualSession::Create(
 // The engine passes over what it can't read; a person who names a file wants to know.
 bool VisualSession::CheckScript(const std::string& path, std::string& error)
 {
-    const OQString script = OQString::FromUtf8(path);
     OQString text;
     OQXmlDocument document;
-    if (!OQFileSystem::FileExists(script)) {
-        error = path + ": no such script";
-    } else if (!OQFileSystem::ReadTextFile(script, text, VisLimits::scriptFileBytes)) {
-        error = path + ": can't be read, or is no file of at most 4 MiB";
-    } else if (!document.SetDocument(text)) {
+    if (!ReadScriptText(path, text, error))
+        return false;
+    if (!document.SetDocument(text)) {
         error = path + ": not a script: " + document.GetError().ToUtf8();
     } else if (!CVisualization::FindScript(document)) {
         error = path + ": not a script: the root element must be PXV with the Version 1.0";

@@ -1,4 +1,5 @@
 #include "apps/pxvis/AnalyzeCommand.h"
+#include "apps/pxvis/CheckCommand.h"
 #include "apps/pxvis/ErrorLine.h"
 #include "apps/pxvis/EvalCommand.h"
 #include "apps/pxvis/FramesCommand.h"
@@ -189,6 +190,22 @@ void AddAnalyze(CLI::App& app, pxvis::AnalyzeOptions& options)
         ->check(NumberIn(0.0, 1e6));
 }
 
+void AddCheck(CLI::App& app, pxvis::CheckOptions& options)
+{
+    CLI::App& command = *app.add_subcommand(
+        "check", "Tell what is wrong with scripts that a loader passes over in silence");
+    command.footer(
+        "A finding a line, FILE:LINE:COLUMN: Component \"Row\": message; exit status 1 if there "
+        "is\n"
+        "any. \"character N\" counts in the row's text, from 1.\n"
+        "--json: an object a line, "
+        "{\"file\":text,\"line\":n,\"column\":n,\"component\":text|null,\n"
+        "\"row\":text|null,\"position\":n|null,\"message\":text}; position is that character.");
+    command.add_option("FILE", options.scripts, "Scripts: files, names, or folders of them")
+        ->required();
+    command.add_flag("--json", options.json, "Findings as JSON, an object a line");
+}
+
 int Run(int argc, char** argv)
 {
     CLI::App app("Music made visible: songs become moving pictures.", "pxvis");
@@ -199,9 +216,11 @@ int Run(int argc, char** argv)
     pxvis::RenderOptions render;
     pxvis::FramesOptions frames;
     pxvis::AnalyzeOptions analyze;
+    pxvis::CheckOptions check;
     AddRender(app, render, kernel);
     AddFrames(app, frames, kernel, threads);
     AddAnalyze(app, analyze);
+    AddCheck(app, check);
     std::string equation;
     bool batch = false;
     CLI::App& eval = *app.add_subcommand(
@@ -232,6 +251,8 @@ int Run(int argc, char** argv)
 
     if (app.got_subcommand("render"))
         return pxvis::RunRender(render, std::cerr);
+    if (app.got_subcommand("check"))
+        return pxvis::RunCheck(check, std::cout, std::cerr);
     if (eval.parsed())
         return batch ? pxvis::RunEvalBatch(std::cin, std::cout, std::cerr)
                      : pxvis::RunEval(equation, std::cout, std::cerr);
