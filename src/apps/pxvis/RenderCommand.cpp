@@ -144,9 +144,7 @@ int RenderVideo(const RenderOptions& options, SongPlayback& playback, std::ostre
     settings.songPath = options.song;
     settings.songStart = options.from;
     settings.replace = options.replace;
-    settings.title = playback.Info().tags.title;
-    settings.artist = playback.Info().tags.artist;
-    settings.album = playback.Info().tags.album;
+    settings.tags = playback.Info().tags;
     std::string error;
     const auto writer = host::VideoWriter::Open(options.output, settings, error);
     if (!writer)
