@@ -26,4 +26,10 @@ int PrintError(std::ostream& errors, const std::string& message)
     return 1;
 }
 
+int PrintUsageError(std::ostream& errors, const std::string& message)
+{
+    PrintError(errors, message);
+    return 2;
+}
+
 }

@@ -17,18 +17,22 @@ VisualSession::VisualSession(const VisualSessionSettings& settings)
     m_audio->frameRate = static_cast<int32_t>(settings.stepRate.PerSecond() * 1000.0);
 }
 
+std::string VisualSession::SizeFault(int32_t width, int32_t height)
+{
+    if (width >= smallestSide && height >= smallestSide && width <= largestSide
+        && height <= largestSide && int64_t { width } * height <= mostPixels)
+        return {};
+    return "a picture of " + std::to_string(width) + "x" + std::to_string(height)
+        + " can't be drawn: sides are " + std::to_string(smallestSide) + " to "
+        + std::to_string(largestSide) + " pixels, 64 megapixels in all";
+}
+
 std::unique_ptr<VisualSession> VisualSession::Create(
     const VisualSessionSettings& settings, std::string& error)
 {
-    const int32_t width = settings.width;
-    const int32_t height = settings.height;
-    if (width < smallestSide || height < smallestSide || width > largestSide || height > largestSide
-        || int64_t { width } * height > mostPixels) {
-        error = "a picture of " + std::to_string(width) + "x" + std::to_string(height)
-            + " can't be drawn: sides are " + std::to_string(smallestSide) + " to "
-            + std::to_string(largestSide) + " pixels, 64 megapixels in all";
+    error = SizeFault(settings.width, settings.height);
+    if (!error.empty())
         return nullptr;
-    }
     if (!OQSiblingModules::Get().ImageApp()) {
         error = "the image module is missing: " + OQSiblingModules::Get().ImageFailure();
         return nullptr;

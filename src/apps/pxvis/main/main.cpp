@@ -110,7 +110,9 @@ void AddRender(CLI::App& app, pxvis::RenderOptions& options, std::string& kernel
     CLI::App& command
         = *app.add_subcommand("render", "Turn a song into a video, or into a picture of it");
     command.add_option("AUDIO", options.song, "The song: any file that can be decoded")->required();
-    command.add_option("-o,--output", options.output, "*.mp4, or *.png for one picture")
+    command
+        .add_option("-o,--output", options.output,
+            "*.mp4, *.webm, *.png for one picture, or frame-%05d.png for all, numbered from 1")
         ->required();
     command.add_option("--script", options.script,
         "A script's file or name, or a folder of scripts [the shipped ones]");
@@ -147,7 +149,9 @@ void AddRender(CLI::App& app, pxvis::RenderOptions& options, std::string& kernel
                                      })
                         .description(""))
         ->type_name("LEVEL");
-    command.add_option("--audio", options.sound, "Sound: copy, aac, opus [aac]")
+    command
+        .add_option("--audio", options.sound,
+            "Sound: copy, aac, opus [aac; opus in *.webm, which takes no other]")
         ->transform(CLI::Transformer(std::map<std::string, pxvis::host::SoundCoding> {
                                          { "aac", pxvis::host::SoundCoding::Aac },
                                          { "opus", pxvis::host::SoundCoding::Opus },
