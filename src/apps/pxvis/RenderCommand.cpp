@@ -135,6 +135,11 @@ int RenderPicture(const RenderOptions& options, SongPlayback& playback, std::ost
     const int64_t last = static_cast<int64_t>((at - options.from) * options.stepRate.PerSecond());
     host::ProgressLine progress(options.stepRate.PerSecond());
     while (playback.StepCount() <= last) {
+        if (Interrupt::Requested()) {
+            progress.Clear();
+            PrintError(errors, "stopped before the picture's moment");
+            return 130;
+        }
         if (!playback.NextStep()) {
             progress.Clear();
             return PrintError(errors, playback.Error().empty() ? tooLate : playback.Error());
@@ -195,7 +200,6 @@ int RenderNumbered(const RenderOptions& options, const NumberedName& name, SongP
     if (!output.Create(options))
         return PrintError(errors, noMemory);
 
-    const Interrupt interrupt("");
     uint64_t number = firstNumber;
     const uint64_t pictures = DrawPictures(options, playback, [&](IOQImage& picture) {
         const std::string path = name.At(number++);
@@ -213,7 +217,7 @@ int RenderNumbered(const RenderOptions& options, const NumberedName& name, SongP
 }
 
 int RenderVideo(const RenderOptions& options, host::VideoContainer container,
-    SongPlayback& playback, std::ostream& errors)
+    SongPlayback& playback, Interrupt& interrupt, std::ostream& errors)
 {
     host::EncodeSettings settings;
     settings.width = options.width;
@@ -236,7 +240,7 @@ int RenderVideo(const RenderOptions& options, host::VideoContainer container,
     if (!writer)
         return PrintError(errors, error);
 
-    const Interrupt interrupt(writer->UnfinishedPath());
+    interrupt.RemoveAtEnd(writer->UnfinishedPath());
     playback.SetSoundSink(
         [&](const float* interleaved, size_t frames) { writer->AddSound(interleaved, frames); });
     const uint64_t pictures = DrawPictures(options, playback, [&](IOQImage& picture) {
@@ -306,8 +310,10 @@ int RunRender(const RenderOptions& options, std::ostream& errors)
     const auto playback = SongPlayback::Open(options, error, errors);
     if (!playback)
         return PrintError(errors, error);
+    Interrupt interrupt;
+    interrupt.RemoveAtEnd(playback->CoverFile());
     if (kind.container)
-        return RenderVideo(options, *kind.container, *playback, errors);
+        return RenderVideo(options, *kind.container, *playback, interrupt, errors);
     return kind.numbered ? RenderNumbered(options, *kind.numbered, *playback, errors)
                          : RenderPicture(options, *playback, errors);
 }

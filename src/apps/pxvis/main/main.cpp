@@ -253,6 +253,8 @@ int Run(int argc, char** argv)
         return usageStatus;
     }
 
+    // A reader that goes away ends the commands that write for it, in silence; a render goes on.
+    std::signal(SIGPIPE, app.got_subcommand("render") ? SIG_IGN : SIG_DFL);
     if (app.got_subcommand("render"))
         return pxvis::RunRender(render, std::cerr);
     if (app.got_subcommand("check"))
@@ -291,8 +293,6 @@ int main(int argc, char** argv)
 {
     OccupyStandardStreams();
     std::ios::sync_with_stdio(false);
-    // A reader that goes away is a failed write, not the end of the process.
-    std::signal(SIGPIPE, SIG_IGN);
     try {
         return Run(argc, argv);
     } catch (const std::bad_alloc&) {
