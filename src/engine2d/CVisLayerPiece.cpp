@@ -78,6 +78,20 @@ int32_t CVisLayerPiece::SaveProperties(CVisPropertyList& list) const
     return 0;
 }
 
+int32_t CVisLayerPiece::DescribeRows(CVisRowInfoList& rows) const
+{
+    if (m_type == Type::Empty)
+        return -1;
+    rows.Add({ u"OnEquation", CVisRowForm::Equation, &OnEquationPresets() });
+    if (m_type == Type::Component)
+        return m_component->DescribeRows(rows);
+    rows.Add({ u"ClearEachFrame", CVisRowForm::Choice, &NoYesPresets() });
+    rows.Add({ u"OutputMode", CVisRowForm::Choice, &OutputModePresets() });
+    rows.Add({ u"Rectangle", CVisRowForm::Rectangle, &RectanglePresets() });
+    rows.Add({ u"TransparentColor", CVisRowForm::Color, nullptr });
+    return 0;
+}
+
 void CVisLayerPiece::LoadLayerRow(const CVisPropertyRow& row)
 {
     if (row.Name == u"OutputMode")
