@@ -139,7 +139,7 @@ TEST_CASE("What is no script leaves an empty engine and gives -1")
     }
     CHECK(engine.LoadScript(u"/nowhere/x.pxv") == -1);
     CHECK(owner.scriptsLoaded == 6);
-    CHECK(engine.SaveScript(u"/nowhere/x.pxv") == 0);
+    CHECK(engine.SaveScript(u"/proc/nowhere/x.pxv") == 0);
 }
 
 TEST_CASE("Hostile scripts are cut off at the limits on nesting and number of pieces")
