@@ -1,4 +1,5 @@
 #include "foundation/OQCharacters.h"
+#include "foundation/OQTextEncoding.h"
 #include "foundation/OQXmlDocument.h"
 
 #include <algorithm>
@@ -153,12 +154,7 @@ OQString OQXmlDocument::Unescape(const OQString& text)
             behind += reference.length;
             result.Append(view.substr(copied, at - copied));
             copied = behind;
-            if (reference.character >= 0x10000) {
-                result += static_cast<OQChar>(0xD7C0 + (reference.character >> 10));
-                result += static_cast<OQChar>(0xDC00 + (reference.character & 0x3FF));
-            } else {
-                result += static_cast<OQChar>(reference.character);
-            }
+            OQAppendCharacter(result, reference.character);
         }
         at = view.find(u'&', behind);
     }
