@@ -38,6 +38,8 @@ int Thread::Start(void (*body)(void*), void* context)
     sigset_t all;
     sigset_t before;
     sigfillset(&all);
+    for (const int fault : { SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGTRAP, SIGSYS })
+        sigdelset(&all, fault);
     pthread_sigmask(SIG_SETMASK, &all, &before);
     const int error = pthread_create(&native->thread, nullptr, Native::Run, native.get());
     pthread_sigmask(SIG_SETMASK, &before, nullptr);

@@ -4,7 +4,8 @@
 
 namespace pxvis::os {
 
-// A thread of the system. It takes none of the process's signals, which are for the host's threads.
+// A thread of the system. It takes none of the process's signals, which are for the host's threads,
+// but those of its own faults.
 // Start and Join by one thread at a time, and not by the thread itself.
 class Thread
 {

@@ -2,6 +2,7 @@
 
 #include <doctest/doctest.h>
 
+#include <csignal>
 #include <stdexcept>
 #include <thread>
 
@@ -49,6 +50,31 @@ private:
     bool m_fails;
 };
 
+class Masked final : public OQThread
+{
+public:
+    ~Masked() override { Stop(); }
+
+private:
+    uint8_t Run() override
+    {
+        sigset_t mask;
+        pthread_sigmask(SIG_SETMASK, nullptr, &mask);
+        return sigismember(&mask, SIGINT) && sigismember(&mask, SIGUSR1);
+    }
+};
+
+}
+
+TEST_CASE("A thread leaves the process's signals to the threads of the host")
+{
+    Masked thread;
+    REQUIRE(thread.Start());
+    thread.Join();
+    CHECK(thread.GetResult() == 1);
+    sigset_t mask;
+    pthread_sigmask(SIG_SETMASK, nullptr, &mask);
+    CHECK_FALSE(sigismember(&mask, SIGINT));
 }
 
 TEST_CASE("A thread that was never started stops at once and nothing changes")
