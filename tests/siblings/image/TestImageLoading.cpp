@@ -204,6 +204,17 @@ TEST_CASE("Pictures of every kind come out upright and with red where red was")
     CHECK(PixelAt(*image, 1, 1) == 0xFFFFFFFF);
 }
 
+TEST_CASE("The picture that stands in where none is found can be loaded")
+{
+    const fs::path path = PXVIS_SOURCE_DIR "/data/Visualizations/Vis Studio/Images/Default.gif";
+    CHECK(fs::file_size(path) <= 65536);
+    Image image(OQCreateImage());
+    REQUIRE(LoadFile(*image, path.u16string()));
+    CHECK(image->GetSize() == OQSize { 512, 512 });
+    CHECK(PixelAt(*image, 256, 256) == 0xFFFFFFFF);
+    CHECK(PixelAt(*image, 0, 0) == 0xFF000000);
+}
+
 TEST_CASE("A picture that lies on its side is turned, at its own size and at another")
 {
     const std::string jpeg = Encoded("jpeg");
