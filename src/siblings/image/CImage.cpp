@@ -199,7 +199,8 @@ bool CImage::LoadBytes(std::string_view bytes, int32_t width, int32_t height)
 {
     const int64_t askedWidth = std::abs(int64_t { width });
     const int64_t askedHeight = std::abs(int64_t { height });
-    if (askedWidth > pxvis::image::kMaxSide || askedHeight > pxvis::image::kMaxSide)
+    if (!pxvis::image::IsAllowedSize(
+            std::max<int64_t>(askedWidth, 1), std::max<int64_t>(askedHeight, 1)))
         return false;
     const bool keepsSide = askedWidth == 0 || askedHeight == 0;
     pxvis::image::Pixbuf pixbuf = pxvis::image::Decode(
@@ -217,11 +218,10 @@ bool CImage::LoadBytes(std::string_view bytes, int32_t width, int32_t height)
     pixbuf.reset();
     if (asked == own)
         return true;
-    pxvis::image::ImageStretch stretch;
     CImage stretched;
     if (!stretched.Create(asked.cx, asked.cy, 0, 0))
         return false;
-    stretch.Store(stretched.View(), upright.View());
+    pxvis::image::ImageStretch().Store(stretched.View(), upright.View());
     m_bits = std::move(stretched.m_bits);
     m_info = stretched.m_info;
     return true;
