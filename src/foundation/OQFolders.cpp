@@ -57,7 +57,7 @@ OQProcessFolders OQProcessFolders::From(const std::string& portableFolder,
     folders.module = FolderFrom(places.siblings);
     folders.install = FolderFrom(folders.portable ? portableFolder : places.data);
     folders.applicationData
-        = folders.portable ? folders.install + u"Application Data/" : FolderFrom(dataHome);
+        = FolderFrom(folders.portable ? pxvis::os::PortableUserFolder(portableFolder) : dataHome);
     if (!folders.applicationData.IsEmpty())
         folders.data = folders.applicationData + u"pxvis/";
     return folders;
@@ -65,8 +65,8 @@ OQProcessFolders OQProcessFolders::From(const std::string& portableFolder,
 
 OQProcessFolders OQProcessFolders::Get()
 {
-    return From(
-        pxvis::os::PortableFolder(), pxvis::os::UserDataHome(), pxvis::os::GetInstallPlaces());
+    return From(pxvis::os::PortableFolder(), pxvis::os::UserFolder("XDG_DATA_HOME", ".local/share"),
+        pxvis::os::GetInstallPlaces());
 }
 
 OQString OQFolders::GetInstallFolder()

@@ -134,6 +134,21 @@ bool MakeFolder(const std::string& path)
     return ::mkdir(path.c_str(), 0777) == 0 || (errno == EEXIST && FolderExists(path));
 }
 
+bool MakeFolders(const std::string& path, unsigned mode)
+{
+    if (!IsUsable(path) || path.front() != '/')
+        return false;
+    if (FolderExists(path))
+        return true;
+    for (size_t slash = path.find('/', 1); slash != std::string::npos;
+         slash = path.find('/', slash + 1)) {
+        const std::string above = path.substr(0, slash);
+        if (::mkdir(above.c_str(), mode) != 0 && !FolderExists(above))
+            return false;
+    }
+    return ::mkdir(path.c_str(), mode) == 0 || (errno == EEXIST && FolderExists(path));
+}
+
 bool ListFolder(
     const std::string& path, size_t maximum, std::vector<FolderEntry>& entries, bool& isComplete)
 {

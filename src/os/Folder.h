@@ -15,6 +15,10 @@ bool FolderExists(const std::string& path);
 // True as well if the folder is there already. Its parent must be there.
 bool MakeFolder(const std::string& path);
 
+// Makes the folder and those above it that are missing, each with `mode` less the process's mask.
+// True as well if it was there. The path must be absolute.
+bool MakeFolders(const std::string& path, unsigned mode);
+
 struct FolderEntry
 {
     std::string name;
