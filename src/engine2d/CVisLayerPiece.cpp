@@ -124,6 +124,7 @@ int32_t CVisLayerPiece::LoadProperties(const CVisPropertyList* list)
     int32_t result = -1;
     if (m_type == Type::Component) {
         result = m_component->LoadProperties(list);
+        m_fits = KeepPixels(m_component->KeptPixels());
     } else if (m_type == Type::Layer) {
         m_layer->ForgetSize();
         result = 0;

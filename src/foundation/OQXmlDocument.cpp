@@ -318,8 +318,10 @@ void OQXmlDocument::GiveEndTag(int element, const OQString& content)
     int tagEnd = oldEnd - (IsSelfClosed(element) ? 2 : 1);
     while (OQIsXmlSpace(m_text[tagEnd - 1]))
         --tagEnd;
-    const int distance = EditText(tagEnd, oldEnd - tagEnd, OQString(u">") + content + endTag);
-    record.SetStartTagLength(tagEnd + 1 - record.start);
+    // A slash that belongs to the attributes must not close the tag.
+    const OQString tagClose = m_text[tagEnd - 1] == u'/' ? u" >" : u">";
+    const int distance = EditText(tagEnd, oldEnd - tagEnd, tagClose + content + endTag);
+    record.SetStartTagLength(tagEnd + tagClose.GetLength() - record.start);
     record.SetEndTagLength(endTag.GetLength());
     record.length += distance;
     record.flags &= ~uint32_t { OQXmlElement::NoEndTag };

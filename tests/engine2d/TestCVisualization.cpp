@@ -97,6 +97,18 @@ TEST_CASE(
     CHECK(saved.find("36267e6d") == std::string::npos);
 }
 
+TEST_CASE(
+    "A row whose name is no path survives a save, and one whose name is no element harms nothing")
+{
+    const std::string script = Script(Component(flushGuid, "<a\\b>1</a\\b><c>2</c>")
+        + Component(flushGuid, "<d><x<y</d><e>3</e>") + Component(transformGuid));
+    const std::string saved = Saved(script);
+    CHECK(saved.find("<a\\b>1</a\\b>\r\n<c>2</c>") != std::string::npos);
+    CHECK(saved.find("<e>3</e>") != std::string::npos);
+    CHECK(saved.find("x<y") == std::string::npos);
+    CHECK(Saved(saved) == saved);
+}
+
 TEST_CASE("Friendly names are saved as values, and pieces in front of the properties are not read")
 {
     CHECK(Saved(Script("<Layer><Properties><OutputMode>Add</OutputMode></Properties></Layer>"))
