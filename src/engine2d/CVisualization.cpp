@@ -4,6 +4,7 @@
 #include "engine2d/CVisLayer.h"
 #include "engine2d/CVisSaveLoadHelper.h"
 #include "engine2d/VisLimits.h"
+#include "foundation/OQDataRoots.h"
 #include "foundation/OQFileSystem.h"
 #include "foundation/OQNumberText.h"
 
@@ -124,6 +125,7 @@ int32_t CVisualization::SaveScript(const OQString& path)
     const Operation operation(*this);
     if (!path.IsEmpty())
         m_scriptPath = path;
+    m_scriptPath = OQDataRoots::Get().PathForSaving(m_scriptPath);
     m_scriptDocument.SetDocument({});
     m_scriptDocument.AddElem(rootTag);
     m_scriptDocument.SetAttrib(u"Version", formatVersion);

@@ -39,7 +39,8 @@ public:
     // Moves to the root element of a script; false if there is none of a version that we read.
     static bool FindScript(OQXmlDocument& document);
 
-    // An empty path means the one last loaded or saved. 0 also if the file can't be written.
+    // An empty path means the one last loaded or saved; a shipped script goes to the user's folder,
+    // and its path from then on is that of the copy. 0 also if the file can't be written.
     int32_t SaveScript(const OQString& path);
 
     // -1, with nothing changed, for a rectangle under 5 x 5 pixels.

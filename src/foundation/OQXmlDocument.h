@@ -73,6 +73,14 @@ public:
     // The next FindChildElem starts at the first child.
     void ResetChildPos() { m_child = 0; }
 
+    // Where the current element, and what is in it, begin in GetDoc(), and the element's length.
+    // Without one 0, and the document's length.
+    int GetOffset() const { return m_elements[m_element].start; }
+
+    int GetLength() const { return m_elements[m_element].length; }
+
+    int GetContentOffset() const { return m_element != 0 ? ContentStart(m_element) : 0; }
+
     // Of the current element; empty without one.
     OQString GetTagName() const;
     // The text directly in the element, CDATA sections included, with entities decoded. White space

@@ -4,11 +4,15 @@
 #include "kernels/DrawLine.h"
 #include "kernels/PixelFromColor.h"
 #include "kernels/Stretch.h"
+#include "os/File.h"
+#include "siblings/image/ImageDecoder.h"
 #include "siblings/image/ImageDrawing.h"
 #include "siblings/image/ImagePng.h"
 #include "siblings/image/ImageText.h"
 
+#include <algorithm>
 #include <cstdlib>
+#include <pxvis/IOQVisualizationHost.h>
 
 using pxvis::image::Pixels;
 using pxvis::kernels::PixelFromColor;
@@ -33,6 +37,18 @@ std::string Utf8(const OQChar* text)
     return OQString(text, length).ToUtf8();
 }
 
+// Those who write scripts elsewhere part folders by "\\".
+bool ReadPicture(std::string path, std::string& bytes)
+{
+    using namespace pxvis::os;
+    FileError error = ReadFile(path, pxvis::image::kMaxFileBytes, bytes);
+    if (error == FileError::NotFound && path.find('\\') != std::string::npos) {
+        std::replace(path.begin(), path.end(), '\\', '/');
+        error = ReadFile(path, pxvis::image::kMaxFileBytes, bytes);
+    }
+    return error == FileError::None;
+}
+
 }
 
 void CImage::FreeBits::operator()(uint32_t* bits) const
@@ -53,8 +69,7 @@ bool CImage::Create(int32_t width, int32_t height, int32_t, int32_t)
 {
     m_bits.reset();
     m_info = {};
-    if (width < 1 || height < 1 || width > kMaxSide || height > kMaxSide
-        || int64_t { width } * height > kMaxPixels)
+    if (!pxvis::image::IsAllowedSize(width, height))
         return false;
     const auto count = static_cast<size_t>(width) * static_cast<size_t>(height);
     m_bits.reset(static_cast<uint32_t*>(std::calloc(count, sizeof(uint32_t))));
@@ -152,16 +167,54 @@ bool CImage::SavePng(const OQChar* path, bool opaque) const
     }
 }
 
-// FIXME: loading, drawing to another image and JPEG.
-bool CImage::Load(
-    const OQChar*, int32_t, int32_t, int32_t, int32_t, int32_t, int32_t, int32_t, int32_t, int32_t)
+bool CImage::Load(const OQChar* path, int32_t width, int32_t height, int32_t, int32_t, int32_t,
+    int32_t, int32_t, int32_t, int32_t)
 {
-    return false;
+    Create(0, 0, 0, 0);
+    if (!path)
+        return false;
+    try {
+        std::string bytes;
+        return ReadPicture(Utf8(path), bytes) && LoadBytes(bytes, width, height);
+    } catch (...) {
+        return false;
+    }
 }
 
-bool CImage::LoadFromHost(const void*, int32_t, int32_t)
+bool CImage::LoadFromHost(const void* value, int32_t width, int32_t height)
 {
-    return false;
+    Create(0, 0, 0, 0);
+    const auto* picture = static_cast<const HostPicture*>(value);
+    if (!picture || !picture->bytes || picture->size > pxvis::image::kMaxFileBytes)
+        return false;
+    try {
+        return LoadBytes(
+            { reinterpret_cast<const char*>(picture->bytes), picture->size }, width, height);
+    } catch (...) {
+        return false;
+    }
+}
+
+bool CImage::LoadBytes(std::string_view bytes, int32_t width, int32_t height)
+{
+    const int64_t askedWidth = std::abs(int64_t { width });
+    const int64_t askedHeight = std::abs(int64_t { height });
+    if (askedWidth > pxvis::image::kMaxSide || askedHeight > pxvis::image::kMaxSide)
+        return false;
+    const pxvis::image::Pixbuf pixbuf = pxvis::image::Decode(bytes, 0);
+    if (!pixbuf)
+        return false;
+    const auto own = pxvis::image::SizeOfUpright(pixbuf.get());
+    CImage decoded;
+    if (!decoded.Create(own.width, own.height, 0, 0))
+        return false;
+    pxvis::image::CopyUpright(decoded.View(), pixbuf.get());
+    const auto newWidth = static_cast<int32_t>(askedWidth ? askedWidth : own.width);
+    const auto newHeight = static_cast<int32_t>(askedHeight ? askedHeight : own.height);
+    // FIXME: average when shrinking, and premultiplied.
+    if (!Create(newWidth, newHeight, 0, 0))
+        return false;
+    return decoded.Blit(View().top, newWidth, newHeight, -m_info.strideBytes);
 }
 
 bool CImage::IsValid() const
@@ -169,6 +222,7 @@ bool CImage::IsValid() const
     return m_bits != nullptr;
 }
 
+// FIXME: drawing to another image and JPEG.
 bool CImage::DrawTo(IOQImage&, const OQRect&, bool) const
 {
     return false;
