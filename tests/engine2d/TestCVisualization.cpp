@@ -2,6 +2,7 @@
 #include "engine2d/CVisComponent.h"
 #include "engine2d/CVisLayer.h"
 #include "engine2d/CVisualization.h"
+#include "engine2d/VisLimits.h"
 #include "host/TestFolder.h"
 
 #include <doctest/doctest.h>
@@ -39,6 +40,14 @@ std::string Saved(const std::string& script)
     REQUIRE(engine.LoadScript(PathOf(file)) == 0);
     engine.SaveScript({});
     return file.Read();
+}
+
+int CountOf(const std::string& text, const std::string& part)
+{
+    int count = 0;
+    for (size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1))
+        ++count;
+    return count;
 }
 
 CVisLayer& Root(CVisualization& engine)
@@ -294,6 +303,42 @@ TEST_CASE("Moving goes past components, into layers, and out of them before or b
     CHECK(engine.MovePiece(transform, -1) == 1);
     CHECK(Names(root) == "Flush Transform layer ");
     CHECK(transform->GetParent() == &engine.GetRootPiece());
+}
+
+TEST_CASE("Edits keep within what a save can bring back")
+{
+    const TestFile file("deep.pxv", "");
+    CVisualization engine(nullptr);
+    CVisLayerPiece* deepest = &engine.GetRootPiece();
+    int layers = 0;
+    while (engine.AddPiece(CVisualization::newLayer, deepest) == 1) {
+        deepest = deepest->GetLayer()->GetPiece(0);
+        ++layers;
+    }
+    CHECK(layers == VisLimits::layerNesting);
+    CHECK(engine.AddPiece(0, deepest) == 0);
+    CHECK(engine.AddPiece(0, deepest->GetParent()) == 1);
+
+    // A layer with a piece would need one level more than is there.
+    CVisLayerPiece* above = deepest->GetParent()->GetParent();
+    REQUIRE(engine.AddPiece(CVisualization::newLayer, above) == 1);
+    CVisLayerPiece* moved = above->GetLayer()->GetPiece(0);
+    REQUIRE(engine.AddPiece(0, moved) == 1);
+    CHECK(engine.MovePiece(moved, 1) == -1);
+    CHECK(Names(*above->GetLayer()) == "layer layer ");
+    CHECK(engine.MovePiece(moved->GetLayer()->GetPiece(0), -1) == 1);
+    CHECK(engine.MovePiece(moved, 1) == 1);
+
+    engine.SaveScript(PathOf(file));
+    const std::string saved = file.Read();
+    const std::string again = Saved(saved);
+    for (const char* tag : { "<Layer>", "<Component " })
+        CHECK(CountOf(again, tag) == CountOf(saved, tag));
+
+    engine.Reset();
+    for (int i = 0; i < VisLimits::piecesPerScript; ++i)
+        REQUIRE(engine.AddPiece(1, nullptr) == 1);
+    CHECK(engine.AddPiece(1, nullptr) == 0);
 }
 
 TEST_CASE("The registry finds types by their exact GUID and lists a category by name")

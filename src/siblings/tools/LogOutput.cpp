@@ -1,6 +1,7 @@
 #include "siblings/tools/LogOutput.h"
 
 #include "foundation/IOQTools.h"
+#include "os/Folder.h"
 #include "os/UserFolders.h"
 
 #include <spdlog/logger.h>

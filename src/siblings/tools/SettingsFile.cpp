@@ -4,6 +4,7 @@
 #include "foundation/OQFormat.h"
 #include "foundation/OQTextEncoding.h"
 #include "os/FileLock.h"
+#include "os/Folder.h"
 #include "os/UserFolders.h"
 
 #include <unistd.h>
