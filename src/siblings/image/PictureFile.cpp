@@ -49,6 +49,12 @@ void AddPart(PictureFile& file, std::string_view part)
         file.parts.push_back(part);
 }
 
+void AppendLittle(std::string& text, uint32_t value, int count)
+{
+    for (int i = 0; i < count; ++i)
+        text.push_back(static_cast<char>(value >> 8 * i & 0xFF));
+}
+
 bool TakeAll(std::string_view bytes, PictureFile& file)
 {
     AddPart(file, bytes);
@@ -113,13 +119,21 @@ bool ExamineGif(std::string_view bytes, PictureFile& file)
             at = EndOfGifBlocks(numbers, at + 2);
             continue;
         }
-        if (numbers.Byte(at) != ','
-            || !IsAllowedSize(numbers.Little16(at + 5), numbers.Little16(at + 7)))
+        if (numbers.Byte(at) != ',' || numbers.Little16(at + 5) == 0
+            || numbers.Little16(at + 7) == 0)
             return false;
         const size_t end = EndOfGifBlocks(numbers, at + 11 + GifColors(numbers.Byte(at + 9)));
-        if (end == 0)
+        // A frame that reaches beyond the picture makes it larger: the decoder expects none.
+        const uint32_t width
+            = std::max(numbers.Little16(6), numbers.Little16(at + 1) + numbers.Little16(at + 5));
+        const uint32_t height
+            = std::max(numbers.Little16(8), numbers.Little16(at + 3) + numbers.Little16(at + 7));
+        if (end == 0 || !IsAllowedSize(width, height))
             return false;
-        AddPart(file, bytes.substr(0, end));
+        file.head = bytes.substr(0, 6);
+        AppendLittle(file.head, width, 2);
+        AppendLittle(file.head, height, 2);
+        AddPart(file, bytes.substr(file.head.size(), end - file.head.size()));
         AddPart(file, ";");
         return true;
     }
@@ -154,12 +168,6 @@ bool ExamineIco(std::string_view bytes, PictureFile& file)
             return false;
     }
     return TakeAll(bytes, file);
-}
-
-void AppendLittle(std::string& text, uint32_t value, int count)
-{
-    for (int i = 0; i < count; ++i)
-        text.push_back(static_cast<char>(value >> 8 * i & 0xFF));
 }
 
 // The first frame of an animation as a picture of its own: the decoder would make room for the

@@ -109,10 +109,10 @@ std::string SmallGif(const std::string& frames)
         + "\0\0\xFF\0\xFF\0\xFF\0\0\xFF\xFF\xFF"s + frames + ";";
 }
 
-std::string GifFrame(uint32_t width, uint32_t height)
+std::string GifFrame(uint32_t width, uint32_t height, uint32_t left = 0)
 {
     // Codes of three bits: clear, 0, 1, 2, then of four bits, 3 and the end.
-    return "!\xF9\x04\0\1\0\0\0,"s + Little(0, 4) + Little(width, 2) + Little(height, 2)
+    return "!\xF9\x04\x0C\1\0\0\0,"s + Little(left, 4) + Little(width, 2) + Little(height, 2)
         + "\0\2\3\x44\x34\5\0"s;
 }
 
@@ -313,6 +313,8 @@ TEST_CASE("Damaged and boastful pictures are refused at once and in silence")
         CHECK_FALSE(LoadBytes(*image, std::string_view(gif).substr(0, size)));
     CHECK_FALSE(LoadBytes(*image, SmallGif(GifFrame(65535, 65535))));
     CHECK_FALSE(LoadBytes(*image, SmallGif(GifFrame(0, 2))));
+    CHECK(LoadBytes(*image, SmallGif(GifFrame(2, 2, 3)))); // beyond the picture, which grows
+    CHECK(image->GetSize() == OQSize { 5, 2 });
 
     const struct
     {
