@@ -164,8 +164,10 @@ function(oq_finish)
     add_custom_command(OUTPUT "${CMAKE_BINARY_DIR}/layers.stamp"
         COMMAND "${CMAKE_COMMAND}" -DSOURCE_DIR=${CMAKE_SOURCE_DIR}
             -DLAYERS=${CMAKE_BINARY_DIR}/layers.txt -P "${CMAKE_SOURCE_DIR}/cmake/CheckLayers.cmake"
+        COMMAND "${CMAKE_COMMAND}" -DSOURCE_DIR=${CMAKE_SOURCE_DIR} -P "${CMAKE_SOURCE_DIR}/cmake/CheckOffline.cmake"
         COMMAND "${CMAKE_COMMAND}" -E touch "${CMAKE_BINARY_DIR}/layers.stamp"
         DEPENDS ${files} "${CMAKE_SOURCE_DIR}/cmake/CheckLayers.cmake" "${CMAKE_BINARY_DIR}/layers.txt"
-        COMMENT "Checking that no folder includes upward" VERBATIM)
+            "${CMAKE_SOURCE_DIR}/cmake/CheckOffline.cmake"
+        COMMENT "Checking that no folder includes upward and that the build fetches nothing" VERBATIM)
     add_custom_target(check_layers ALL DEPENDS "${CMAKE_BINARY_DIR}/layers.stamp")
 endfunction()

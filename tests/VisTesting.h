@@ -4,6 +4,7 @@
 #include "engine2d/IVisualization2DOwner.h"
 
 #include <pxvis/IVisAudioData.h>
+#include <pxvis/SysString.h>
 
 #include <cstdint>
 #include <filesystem>
@@ -24,13 +25,17 @@ struct TestAudio final : IVisAudioData
 
     const void* GetPlayInfo() override { return nullptr; }
 
-    char16_t* GetTrackField(int32_t) override { return nullptr; }
+    char16_t* GetTrackField(int32_t which) override
+    {
+        return which == VisTrackFieldCoverFile ? SysAllocString(coverFile.c_str()) : nullptr;
+    }
 
     char16_t* ExpandText(const char16_t*) override { return nullptr; }
 
     VisAudioBlock block {};
     int32_t values[4] = { 0, 0, 60000, 0 }; // level, beat, frame rate, change
     int32_t refreshResult = 0;
+    std::u16string coverFile;
 };
 
 // Gives an engine audio that the test goes on setting through `audio`.

@@ -3,11 +3,11 @@
 # says what is needed and goes on.
 
 PXVIS_PACKAGES="g++ cmake ninja-build pkg-config ccache
-    gettext libspdlog-dev libkissfft-dev libcli11-dev libpango1.0-dev libgdk-pixbuf-2.0-dev
+    gettext libspdlog-dev libkissfft-dev libcli11-dev libpango1.0-dev libgdk-pixbuf-2.0-dev webp-pixbuf-loader
     libgstreamer1.0-dev libgstreamer-plugins-base1.0-dev
     gstreamer1.0-plugins-base gstreamer1.0-plugins-good gstreamer1.0-plugins-ugly gstreamer1.0-libav
     fonts-dejavu-core"
-PXVIS_TEST_PACKAGES="doctest-dev clang-format"
+PXVIS_TEST_PACKAGES="doctest-dev clang-format clang libclang-rt-14-dev"
 
 # need_packages ASSUME_YES PACKAGE...
 need_packages() {

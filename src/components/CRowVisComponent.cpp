@@ -1,5 +1,6 @@
 #include "components/CRowVisComponent.h"
 
+#include "engine2d/VisPresets.h"
 #include "foundation/OQNumberText.h"
 
 namespace {
@@ -13,45 +14,68 @@ struct Overloaded : Handlers...
 template <typename... Handlers>
 Overloaded(Handlers...) -> Overloaded<Handlers...>;
 
+CVisRowForm FormOfText(std::u16string_view name)
+{
+    if (name.ends_with(u"Equation"))
+        return CVisRowForm::Equation;
+    if (name.ends_with(u"Gradient"))
+        return CVisRowForm::Gradient;
+    return name == u"FontName" ? CVisRowForm::Font : CVisRowForm::Text;
+}
+
 }
 
 void CRowVisComponent::Bind(
     const OQChar* name, int32_t& field, int32_t standard, const CVisPresetMap* map)
 {
-    m_bindings.push_back({ name, &field, standard, map });
+    m_bindings.push_back({ name, &field, standard, map,
+        map == &NoYesPresets() ? CVisRowForm::Choice : CVisRowForm::Integer });
 }
 
 void CRowVisComponent::Bind(
     const OQChar* name, float& field, float standard, const CVisPresetMap* map)
 {
-    m_bindings.push_back({ name, &field, standard, map });
+    m_bindings.push_back({ name, &field, standard, map, CVisRowForm::Float });
 }
 
 void CRowVisComponent::Bind(
     const OQChar* name, OQString& field, const OQChar* standard, const CVisPresetMap* map)
 {
-    m_bindings.push_back({ name, &field, standard, map });
+    Bind(name, field, standard, map, FormOfText(name));
+}
+
+void CRowVisComponent::Bind(const OQChar* name, OQString& field, const OQChar* standard,
+    const CVisPresetMap* map, CVisRowForm form)
+{
+    m_bindings.push_back({ name, &field, standard, map, form });
 }
 
 void CRowVisComponent::Bind(const OQChar* name, VisFractionRect& field, const CVisPresetMap* map)
 {
-    m_bindings.push_back({ name, &field, VisFractionRect {}, map });
+    m_bindings.push_back({ name, &field, VisFractionRect {}, map, CVisRowForm::Rectangle });
 }
 
 void CRowVisComponent::Bind(const OQChar* name, VisFractionPoint& field)
 {
-    m_bindings.push_back({ name, &field, VisFractionPoint {}, nullptr });
+    m_bindings.push_back({ name, &field, VisFractionPoint {}, nullptr, CVisRowForm::Point });
 }
 
 void CRowVisComponent::Bind(const OQChar* name, Color& field, uint32_t standard)
 {
-    m_bindings.push_back({ name, &field, Color { standard }, nullptr });
+    m_bindings.push_back({ name, &field, Color { standard }, nullptr, CVisRowForm::Color });
 }
 
 int32_t CRowVisComponent::SaveProperties(CVisPropertyList& list)
 {
     for (const Binding& binding : m_bindings)
         Save(binding, list);
+    return 0;
+}
+
+int32_t CRowVisComponent::DescribeRows(CVisRowInfoList& rows) const
+{
+    for (const Binding& binding : m_bindings)
+        rows.Add({ binding.name, binding.form, binding.map });
     return 0;
 }
 

@@ -17,6 +17,8 @@ public:
     // A derived class that does more calls this last, so that `prepared` ends up cleared.
     int32_t LoadProperties(const CVisPropertyList* list) override;
 
+    int32_t DescribeRows(CVisRowInfoList& rows) const override;
+
 protected:
     // A colour field, so that it is told apart from numbers; 0xRRGGBB.
     struct Color
@@ -31,6 +33,10 @@ protected:
     void Bind(const OQChar* name, float& field, float standard, const CVisPresetMap* map = nullptr);
     void Bind(const OQChar* name, OQString& field, const OQChar* standard,
         const CVisPresetMap* map = nullptr);
+    // With a form of its own; the one above takes it from the row's name: equations end in
+    // "Equation", gradients in "Gradient", and the one font is "FontName".
+    void Bind(const OQChar* name, OQString& field, const OQChar* standard, const CVisPresetMap* map,
+        CVisRowForm form);
     void Bind(const OQChar* name, VisFractionRect& field, const CVisPresetMap* map = nullptr);
     void Bind(const OQChar* name, VisFractionPoint& field);
     void Bind(const OQChar* name, Color& field, uint32_t standard);
@@ -47,6 +53,7 @@ private:
         Field field;
         Value standard;
         const CVisPresetMap* map;
+        CVisRowForm form;
     };
 
     static void SetToStandard(const Binding& binding);

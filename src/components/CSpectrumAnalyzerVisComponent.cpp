@@ -2,6 +2,7 @@
 
 #include "components/SpectrumAnalyzerPresets.h"
 #include "engine2d/CVisBufferHelper.h"
+#include "engine2d/ImageSource.h"
 #include "engine2d/VisLimits.h"
 #include "engine2d/VisPresets.h"
 #include "foundation/OQEngineContext.h"
@@ -88,10 +89,36 @@ void CSpectrumAnalyzerVisComponent::Start()
     m_peakHeights.fill(0);
     m_peakVelocities.fill(0);
     m_pixelRectangle = PixelRect(m_mainRectangle, m_rect.Width(), m_rect.Height());
-    // FIXME: with a draw source of 1 the picture of m_imageFile fills bars and peaks; until image
-    // sources are there it counts as one that does not load, and nothing is filled.
+    m_isPictureDue = true;
     m_gradient.SetText(m_gradientText);
     m_prepared = true;
+}
+
+// A rectangle without a width has no bars, and one that no picture can have is not filled. Without
+// a height there are peaks, and the picture keeps its own.
+int64_t CSpectrumAnalyzerVisComponent::KeptPixels() const
+{
+    const OQRect area = PixelRect(m_mainRectangle, m_rect.Width(), m_rect.Height());
+    const int64_t width = std::abs(int64_t { area.right } - area.left);
+    const int64_t height = std::abs(int64_t { area.bottom } - area.top);
+    if (m_drawSource != 1 || std::max(width, height) > VisLimits::pictureSide)
+        return 0;
+    if (height == 0)
+        return std::min(width * VisLimits::pictureSide, VisLimits::picturePixels);
+    return width * height > VisLimits::picturePixels ? 0 : width * height;
+}
+
+// Where the draw may not cost it, a later one loads it.
+void CSpectrumAnalyzerVisComponent::LoadPicture(IVisAudioData& audio)
+{
+    m_picture.reset();
+    if (KeptPixels() == 0) {
+        m_isPictureDue = false;
+    } else if (OQTakeWork(VisLimits::pictureLoadWork)) {
+        m_isPictureDue = false;
+        m_picture = LoadImageSource(
+            m_imageFile, audio, m_pixelRectangle.Width(), m_pixelRectangle.Height());
+    }
 }
 
 CSpectrumAnalyzerVisComponent::Metrics CSpectrumAnalyzerVisComponent::Measure(
@@ -117,6 +144,8 @@ int32_t CSpectrumAnalyzerVisComponent::Draw(IVisBuffer& buffer, IVisAudioData& a
 {
     if (!m_prepared)
         Start();
+    if (audio.GetValue(VisAudioValueChange) != 0)
+        m_isPictureDue = true;
     const CVisBufferHelper picture(buffer);
     const VisAudioBlock* block = audio.GetData();
     if (!picture.Bits() || !block)
@@ -127,6 +156,8 @@ int32_t CSpectrumAnalyzerVisComponent::Draw(IVisBuffer& buffer, IVisAudioData& a
     if (!OQTakeWork(VisLimits::spectrumBarWork * metrics.bars
             + VisLimits::gradientColorWork * std::min(colors, VisLimits::gradientTableEntries)))
         return -1;
+    if (m_isPictureDue)
+        LoadPicture(audio);
     m_phase += phaseStep;
     if (m_phase >= 1.0f)
         m_phase = 0;
@@ -141,8 +172,13 @@ int32_t CSpectrumAnalyzerVisComponent::Draw(IVisBuffer& buffer, IVisAudioData& a
             MovePeak(bar);
         CollectBoxes(metrics, bar);
     }
-    if (m_drawSource == 1)
+    if (m_drawSource == 1) {
+        IOQImage* target = buffer.GetImage(0);
+        for (const auto* boxes : { &m_barBoxes, &m_peakBoxes })
+            for (size_t box = 0; m_picture && target && box < boxes->size(); ++box)
+                FillFromPicture(*target, (*boxes)[box]);
         return 0;
+    }
     for (const Box& box : m_barBoxes)
         FillBar(picture, box);
     for (const Box& box : m_peakBoxes)
@@ -270,4 +306,20 @@ void CSpectrumAnalyzerVisComponent::FillPeak(const CVisBufferHelper& picture, co
         return;
     // PeakColor is 0xRRGGBB, which is a pixel of alpha 0.
     FillBlock(picture, first, last, highest, lowest, m_peakColor.value);
+}
+
+// The picture's part under the box.
+void CSpectrumAnalyzerVisComponent::FillFromPicture(IOQImage& target, const Box& box) const
+{
+    const auto [left, right] = std::minmax(box.left, box.right);
+    const auto [top, bottom] = std::minmax(box.top, box.bottom);
+    const OQSize size = target.GetSize();
+    const auto within = [](int64_t position, int32_t side) {
+        return static_cast<int32_t>(std::clamp<int64_t>(position, 0, side));
+    };
+    const OQRect part { within(left, size.cx), within(top, size.cy), within(right, size.cx),
+        within(bottom, size.cy) };
+    if (!OQTakeWork(VisLimits::fillPixelWork * part.Width() * part.Height()))
+        return;
+    target.CopyRect(*m_picture, part, part.left, part.top);
 }

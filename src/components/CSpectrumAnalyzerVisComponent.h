@@ -3,8 +3,10 @@
 #include "components/CRowVisComponent.h"
 #include "components/CSpectrumBarValues.h"
 #include "engine2d/CGradientEx.h"
+#include "foundation/IOQImage.h"
 
 #include <array>
+#include <memory>
 #include <vector>
 
 class CVisBufferHelper;
@@ -18,6 +20,7 @@ public:
 
     int32_t Draw(IVisBuffer& buffer, IVisAudioData& audio) override;
     int32_t Invalidate() override;
+    int64_t KeptPixels() const override;
 
 private:
     static constexpr int32_t maxBars = 512;
@@ -41,6 +44,7 @@ private:
     };
 
     void Start();
+    void LoadPicture(IVisAudioData& audio);
     Metrics Measure(int32_t width, int32_t height) const;
     void MoveBar(size_t bar, int32_t target);
     void MovePeak(size_t bar);
@@ -49,6 +53,7 @@ private:
     uint32_t TablePixel(int64_t index) const;
     void FillBar(const CVisBufferHelper& picture, const Box& box) const;
     void FillPeak(const CVisBufferHelper& picture, const Box& box) const;
+    void FillFromPicture(IOQImage& target, const Box& box) const;
 
     int32_t m_drawSource = 0; // 0 gradient, 1 picture
     int32_t m_drawPeaks = 0;
@@ -76,6 +81,8 @@ private:
     CGradientEx m_gradient;
     float m_phase = 0;
     OQRect m_pixelRectangle;
+    std::unique_ptr<IOQImage> m_picture; // of the pixel rectangle's size; null: none
+    bool m_isPictureDue = false; // it is to be loaded, anew or for the first time
     std::vector<Box> m_barBoxes; // of one frame; kept for their memory
     std::vector<Box> m_peakBoxes;
 };

@@ -24,6 +24,11 @@ const OQChar* CutBehind(const OQChar* text, OQChar character, OQChar stop = 0)
     return *text == character ? text + 1 : nullptr;
 }
 
+bool EndsColor(OQChar character)
+{
+    return character == u',' || character == u']' || character == u' ';
+}
+
 }
 
 void CGradientEx::SetDefault()
@@ -38,43 +43,70 @@ void CGradientEx::SetDefault()
 
 void CGradientEx::SetText(const OQString& text)
 {
-    if (!ParseText(text))
+    int32_t position = 0;
+    const TextFault fault = ParseText(text, position);
+    if (fault == TextFault::Size || fault == TextFault::TooManyCells || fault == TextFault::Cells)
         SetDefault();
 }
 
-bool CGradientEx::ParseText(const OQString& text)
+CGradientEx::TextFault CGradientEx::CheckText(const OQString& text, int32_t& position)
 {
+    return CGradientEx().ParseText(text, position);
+}
+
+CGradientEx::TextFault CGradientEx::ParseText(const OQString& text, int32_t& position)
+{
+    position = 0;
     m_table.clear();
     m_tableSize = -1;
     const OQChar* at = SkipAll(text.GetText(), u'{');
     const int32_t width = OQTextToInt(at);
     at = CutBehind(at, u',');
     if (!at)
-        return false;
+        return TextFault::Size;
     const int32_t height = OQTextToInt(at);
     at = CutBehind(at, u'[');
-    if (!at || width < 1 || height < 1 || int64_t { width } * height > VisLimits::gradientCells)
-        return false;
+    if (!at || width < 1 || height < 1)
+        return TextFault::Size;
+    if (int64_t { width } * height > VisLimits::gradientCells)
+        return TextFault::TooManyCells;
 
     std::vector<uint32_t> cells;
     cells.reserve(static_cast<size_t>(width) * static_cast<size_t>(height));
+    TextFault fault = TextFault::None;
+    const auto note = [&](TextFault found, const OQChar* where) {
+        if (fault != TextFault::None)
+            return;
+        fault = found;
+        position = static_cast<int32_t>(where - text.GetText());
+    };
     for (int32_t row = 0; row < height; ++row) {
         at = SkipAll(at, u'[');
         for (int32_t column = 0; column < width; ++column) {
             // A blank in front hides the "0x": such a colour reads as the digit 0, black.
+            const OQChar* start = at;
             if (at[0] == u'0' && at[1] == u'x')
                 at += 2;
-            cells.push_back(OQHexTextToUInt(at) & 0xFFFFFF);
+            int consumed = 0;
+            cells.push_back(OQHexTextToUInt(at, &consumed) & 0xFFFFFF);
+            if (consumed == 0 || !EndsColor(at[consumed]))
+                note(TextFault::Color, start);
+            else if (column == width - 1 && at[consumed] == u',')
+                note(TextFault::Surplus, at + consumed);
             at = column < width - 1 ? CutBehind(at, u',', u']') : CutBehind(at, u']');
-            if (!at)
-                return false;
+            if (!at) {
+                position = static_cast<int32_t>(start - text.GetText());
+                return TextFault::Cells;
+            }
         }
         at = SkipAll(at, u']');
     }
+    if (*at == u'[')
+        note(TextFault::Surplus, at);
     m_width = width;
     m_height = height;
     m_cells = std::move(cells);
-    return true;
+    return fault;
 }
 
 OQString CGradientEx::GetText() const

@@ -22,6 +22,21 @@ public:
     void SetText(const OQString& text);
     OQString GetText() const;
 
+    // What SetText passes over in silence.
+    enum class TextFault
+    {
+        None,
+        Size, // not "{W, H} [", each 1 or more
+        TooManyCells,
+        Cells, // fewer than the size says
+        Color, // one that does not begin as a hexadecimal number, or goes on as something else
+        Surplus, // more colours or rows than the size says
+    };
+
+    // The first fault that makes the text give the default, or else the first of the last two
+    // kinds, which change single colours. `position`: where in the text.
+    static TextFault CheckText(const OQString& text, int32_t& position);
+
     // x, y: 0 to 1. Each of the four products of a byte is truncated on its own.
     uint32_t Lookup(float x, float y) const;
 
@@ -38,7 +53,7 @@ public:
     int32_t GetHeight() const { return m_height; }
 
 private:
-    bool ParseText(const OQString& text);
+    TextFault ParseText(const OQString& text, int32_t& position);
 
     std::vector<uint32_t> m_table; // the first entries; the rest of a very long table is looked up
     std::vector<uint32_t> m_cells; // pixels, 0x00RRGGBB, row after row

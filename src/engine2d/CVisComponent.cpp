@@ -33,6 +33,11 @@ int32_t CVisComponent::Prepare(IVisBuffer&, IVisAudioData&)
     return 0;
 }
 
+int32_t CVisComponent::DescribeRows(CVisRowInfoList&) const
+{
+    return -1;
+}
+
 int64_t CVisComponent::KeptPixels() const
 {
     return 0;

@@ -1,10 +1,10 @@
 #pragma once
 
+#include "engine2d/CVisRowInfo.h"
 #include "foundation/OQGeometry.h"
 
 #include <cstdint>
 
-class CVisPropertyList;
 class IVisAudioData;
 class IVisBuffer;
 
@@ -42,6 +42,10 @@ public:
 
     // Pixels, 4 bytes each, that the component keeps for its rectangle beside the layer's images.
     virtual int64_t KeptPixels() const;
+
+    // Appends what is to be known of the component's rows, in the order of saving. -1, with none,
+    // if the component can't tell.
+    virtual int32_t DescribeRows(CVisRowInfoList& rows) const;
 
     // Filled by CComponentManager::MakeComponent.
     char guid[256] = {};

@@ -78,6 +78,20 @@ int32_t CVisLayerPiece::SaveProperties(CVisPropertyList& list) const
     return 0;
 }
 
+int32_t CVisLayerPiece::DescribeRows(CVisRowInfoList& rows) const
+{
+    if (m_type == Type::Empty)
+        return -1;
+    rows.Add({ u"OnEquation", CVisRowForm::Equation, &OnEquationPresets() });
+    if (m_type == Type::Component)
+        return m_component->DescribeRows(rows);
+    rows.Add({ u"ClearEachFrame", CVisRowForm::Choice, &NoYesPresets() });
+    rows.Add({ u"OutputMode", CVisRowForm::Choice, &OutputModePresets() });
+    rows.Add({ u"Rectangle", CVisRowForm::Rectangle, &RectanglePresets() });
+    rows.Add({ u"TransparentColor", CVisRowForm::Color, nullptr });
+    return 0;
+}
+
 void CVisLayerPiece::LoadLayerRow(const CVisPropertyRow& row)
 {
     if (row.Name == u"OutputMode")
@@ -110,6 +124,7 @@ int32_t CVisLayerPiece::LoadProperties(const CVisPropertyList* list)
     int32_t result = -1;
     if (m_type == Type::Component) {
         result = m_component->LoadProperties(list);
+        m_fits = KeepPixels(m_component->KeptPixels());
     } else if (m_type == Type::Layer) {
         m_layer->ForgetSize();
         result = 0;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "engine2d/CVisPropertyList.h"
+#include "engine2d/CVisRowInfo.h"
 #include "engine2d/VisPropertyText.h"
 #include "expression/CMathEvaluator.h"
 
@@ -47,6 +47,10 @@ public:
     const VisFractionRect& GetRectangle() const { return m_rectangle; }
 
     int32_t SaveProperties(CVisPropertyList& list) const;
+
+    // The rows that LoadProperties reads, in the order of saving. -1 if the component can't tell
+    // its own; those of every piece are there all the same.
+    int32_t DescribeRows(CVisRowInfoList& rows) const;
     int32_t LoadProperties(const CVisPropertyList* list);
     int32_t Resize(const OQRect& rect);
 

@@ -5,6 +5,7 @@
 #include "engine2d/CVisLayer.h"
 #include "engine2d/CVisLayerPiece.h"
 #include "engine2d/VisLimits.h"
+#include "foundation/OQStringArray.h"
 #include "foundation/OQXmlDocument.h"
 
 // In front of the first child of the element that we are in.
@@ -19,21 +20,30 @@ void CVisSaveLoadHelper::Set(const OQString& path, const OQString& value, bool a
 {
     OQStringArray names;
     path.Split(u'\\', names);
+    SetAt(names, value, asElement);
+}
+
+void CVisSaveLoadHelper::SetAt(const OQStringArray& names, const OQString& value, bool asElement)
+{
     const int32_t elements = names.GetCount() - (asElement ? 0 : 1);
-    for (int32_t i = 0; i < elements; ++i) {
+    int32_t entered = 0;
+    for (; entered < elements; ++entered) {
+        const OQChar* name = names[entered].GetText();
         Rewind();
-        if (!m_document.FindElem(names[i].GetText()))
-            m_document.AddElem(names[i].GetText());
+        if (!m_document.FindElem(name) && !m_document.AddElem(name))
+            break;
         m_document.IntoElem();
     }
-    // Text and attributes belong to the element from outside.
-    m_document.OutOfElem();
-    if (asElement)
-        m_document.SetData(value.GetText());
-    else
-        m_document.SetAttrib(names[elements].GetText(), value.GetText());
-    m_document.IntoElem();
-    for (int32_t i = 0; i < elements; ++i)
+    if (entered == elements) {
+        // Text and attributes belong to the element from outside.
+        m_document.OutOfElem();
+        if (asElement)
+            m_document.SetData(value.GetText());
+        else
+            m_document.SetAttrib(names[elements].GetText(), value.GetText());
+        m_document.IntoElem();
+    }
+    for (; entered > 0; --entered)
         m_document.OutOfElem();
     Rewind();
 }
@@ -51,8 +61,14 @@ void CVisSaveLoadHelper::WritePiece(const CVisLayerPiece& piece)
     }
     CVisPropertyList list;
     piece.SaveProperties(list);
-    for (const CVisPropertyRow& row : list)
-        Set(u"Properties\\" + row.Name, row.Value, true);
+    // Not as a path: names that a script brought may hold a "\".
+    OQStringArray names;
+    names.Add(u"Properties");
+    names.Add({});
+    for (const CVisPropertyRow& row : list) {
+        names[1] = row.Name;
+        SetAt(names, row.Value, true);
+    }
     if (const CVisLayer* layer = piece.GetLayer()) {
         for (int32_t i = 0; i < layer->GetPieceCount(); ++i)
             WritePiece(*layer->GetPiece(i));

@@ -5,6 +5,7 @@
 class CComponentManager;
 class CVisLayerPiece;
 class CVisPropertyList;
+class OQStringArray;
 class OQXmlDocument;
 
 // Writes a script's tree into an XML document, and reads it back. The document's position is where
@@ -19,7 +20,7 @@ public:
 
     // `path` names elements from the current one down, joined by "\"; missing ones are added. With
     // `asElement` the last one's text becomes `value`; without, the last name is an attribute of
-    // the one before it.
+    // the one before it. A name that no element can have is left out, with what is below it.
     void Set(const OQString& path, const OQString& value, bool asElement);
 
     // Empty pieces are left out.
@@ -31,6 +32,7 @@ public:
 
 private:
     void Rewind();
+    void SetAt(const OQStringArray& names, const OQString& value, bool asElement);
     void ReadLayer(CVisLayerPiece& piece, const CComponentManager& manager);
     void ReadComponent(
         CVisLayerPiece& piece, const CComponentManager& manager, const OQString& guid);

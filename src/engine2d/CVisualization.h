@@ -39,7 +39,8 @@ public:
     // Moves to the root element of a script; false if there is none of a version that we read.
     static bool FindScript(OQXmlDocument& document);
 
-    // An empty path means the one last loaded or saved. 0 also if the file can't be written.
+    // An empty path means the one last loaded or saved; a shipped script goes to the user's folder,
+    // and its path from then on is that of the copy. 0 also if the file can't be written.
     int32_t SaveScript(const OQString& path);
 
     // -1, with nothing changed, for a rectangle under 5 x 5 pixels.
@@ -50,11 +51,13 @@ public:
     int32_t Draw(const OQRect& rect, bool showFps);
 
     // `type` is a component's position in the registry, or newLayer. The new piece goes directly
-    // behind `where`, or to the front of the layer that `where` stands for. 1 if it was made.
+    // behind `where`, or to the front of the layer that `where` stands for. 1 if it was made; 0
+    // also past the limits of a script.
     static constexpr int32_t newLayer = -100;
     int32_t AddPiece(int32_t type, CVisLayerPiece* where);
 
-    // One step up (a direction under 1) or down, into and out of layers too. 1 if anything moved.
+    // One step up (a direction under 1) or down, into and out of layers too. 1 if anything moved;
+    // -1 if layers would be nested past the limit.
     int32_t MovePiece(CVisLayerPiece* piece, int32_t direction);
 
     // The root layer's images, to be read after Draw.

@@ -16,8 +16,13 @@ constexpr int64_t gradientCells = 65536;
 // worked out as it is read.
 constexpr int32_t gradientTableEntries = 16384;
 
-// Pixels, 4 bytes each, that the images and maps of a script may take, or as many pictures of the
-// root layer's size if that is more. A layer or component that needs more is not drawn.
+// Of a picture that a component shows, in pixels; a larger one is not loaded.
+constexpr int32_t pictureSide = 16384;
+constexpr int64_t picturePixels = int64_t { 64 } << 20;
+
+// Pixels, 4 bytes each, that the images, maps and pictures of a script may take, or as many
+// pictures of the root layer's size if that is more. A layer or component that needs more is not
+// drawn.
 constexpr int64_t keptPixels = int64_t { 128 } << 20;
 constexpr int64_t keptPictures = 16;
 
@@ -28,6 +33,7 @@ constexpr int64_t workAtLeast = int64_t { 1 } << 27;
 
 // What things cost in that unit, beside the equations, which tell it themselves.
 constexpr int64_t compileCharacterWork = 200;
+constexpr int64_t pictureLoadWork = int64_t { 1 } << 26;
 constexpr int64_t mapEntryWork = 100;
 constexpr int64_t transformPixelWork = 16;
 constexpr int64_t mergePixelWork = 4;

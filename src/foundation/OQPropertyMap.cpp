@@ -5,6 +5,7 @@
 #include "foundation/OQNumberText.h"
 #include "foundation/OQXmlDocument.h"
 
+#include <bit>
 #include <charconv>
 #include <cmath>
 #include <string>
@@ -138,7 +139,7 @@ double OQPropertyMap::GetDouble(const OQString& key, double fallback) const
 void* OQPropertyMap::GetPointer(const OQString& key, void* fallback) const
 {
     const OQString* value = Find(key);
-    return value ? reinterpret_cast<void*>(ReadHex(value->View())) : fallback;
+    return value ? std::bit_cast<void*>(ReadHex(value->View())) : fallback;
 }
 
 void OQPropertyMap::SetString(const OQString& key, const OQString& value, bool dropEmpty)
@@ -238,24 +239,23 @@ void OQPropertyMap::SaveCounted(OQString& text, bool withItems) const
 
 bool OQPropertyMap::LoadCounted(const OQString& text, int& position)
 {
-    const OQString source = text; // may be one of our own values
-    Clear();
-    if (position < 0 || position > source.GetLength())
+    const std::unique_ptr<Items> old = std::move(m_items); // the text may be one of its values
+    if (position < 0 || position > text.GetLength())
         return false;
-    std::u16string_view rest = source.View().substr(static_cast<size_t>(position));
+    std::u16string_view rest = text.View().substr(static_cast<size_t>(position));
     OQString count;
     bool whole = TakeCounted(rest, count);
     // The count says only when to stop: the text decides how much there is.
     for (int left = OQTextToInt(count.GetText()); whole && left > 0; --left) {
         OQString key;
         OQString value;
-        whole = MayLoadMore(source) && TakeCounted(rest, key);
+        whole = MayLoadMore(text) && TakeCounted(rest, key);
         if (whole) {
             whole = TakeCounted(rest, value);
             SetString(key, value);
         }
     }
-    position = source.GetLength() - static_cast<int>(rest.size());
+    position = text.GetLength() - static_cast<int>(rest.size());
     return whole;
 }
 
@@ -279,12 +279,11 @@ void OQPropertyMap::SaveXml(
 
 bool OQPropertyMap::LoadXml(const OQString& text, const OQString& root, double version)
 {
-    const OQString source = text; // may be one of our own values
-    Clear();
-    if (source.IsEmpty())
+    const std::unique_ptr<Items> old = std::move(m_items); // the text may be one of its values
+    if (text.IsEmpty())
         return false;
     OQXmlDocument document(OQXmlIgnoreCase);
-    document.SetDocument(source); // a fault loses one item, not all of them
+    document.SetDocument(text); // a fault loses one item, not all of them
     if (!document.FindElem(root.GetText())
         || ReadDouble(document.GetAttrib(VersionAttribute)) != version)
         return false;

@@ -123,3 +123,9 @@ IOQImage* OQCreateImage()
     IOQImageApp* app = OQSiblingModules::Get().ImageApp();
     return app ? app->CreateImage() : nullptr;
 }
+
+IOQText* OQToolsText()
+{
+    IOQTools* tools = OQSiblingModules::Get().Tools();
+    return tools ? tools->GetText(1) : nullptr;
+}

@@ -8,6 +8,7 @@
 
 class IOQImage;
 class IOQImageApp;
+class IOQText;
 class IOQTools;
 
 // How a sibling module is found and started.
@@ -72,3 +73,6 @@ private:
 // An empty image from the process's image module, which the caller owns; null without that module
 // or without memory.
 IOQImage* OQCreateImage();
+
+// Comparing and searching by the process's tools module; null without that module.
+IOQText* OQToolsText();

@@ -12,7 +12,7 @@ class OQStringArray;
 // Copies are O(1). Strings that share a text may be used by different threads; one OQString object
 // isn't safe for a reader and a writer at once. Positions and lengths count units; those outside
 // the text are clipped to it. Memory that can't be had throws std::bad_alloc.
-// FIXME: the run tests of the word splitter, and DecodeHtmlEntities, come with the toolkit.
+// FIXME: DecodeHtmlEntities comes with the pages.
 class OQString
 {
 public:
@@ -85,13 +85,14 @@ public:
     void Replace(OQChar find, OQChar replacement);
     // Every occurrence from the left, none overlapping; gives their number.
     int Replace(const OQString& find, const OQString& replacement);
-    // Every occurrence of any of the texts, from the left, none overlapping; of two that begin at
-    // one place the earlier in the list. A hit becomes prefix, its replacement (or with `keepHits`
-    // the hit itself), suffix. Nothing is done if one of the texts is empty. Gives the number of
-    // hits.
-    // FIXME: without regard to case, which needs the text search of the tools module.
-    int Replace(const OQStringArray& find, const OQStringArray& replacements, bool keepHits = false,
-        const OQString& prefix = OQString(), const OQString& suffix = OQString());
+    // Every occurrence of any of the first `count` texts of the list, from the left, none
+    // overlapping; of two that begin at one place the earlier in the list. A hit becomes prefix,
+    // its replacement (or with `keepHits` the hit itself), suffix. Nothing is done if one of the
+    // texts is missing or empty; a missing replacement is empty. Without regard to case it is the
+    // tools module that searches; where that is missing, case counts. Gives the number of hits.
+    int Replace(const OQStringArray& find, const OQStringArray& replacements, int count,
+        bool caseSensitive = true, bool keepHits = false, const OQString& prefix = OQString(),
+        const OQString& suffix = OQString());
     void Insert(int position, const OQString& text);
     void Delete(int position, int count = 1);
 

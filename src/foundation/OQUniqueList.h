@@ -2,6 +2,8 @@
 
 #include "foundation/OQMap.h"
 
+#include <memory>
+
 // Maps used as sets, and maps that own their values. All iterate and grow as OQMap does.
 
 struct OQNoValue
@@ -74,13 +76,15 @@ public:
 
     ~OQOwningMap() override { this->ClearAll(); }
 
+    // If there is no memory for the entry, the object is deleted, so that nobody has to ask.
     template <class Key>
     void Set(const Key& key, V* value)
     {
+        std::unique_ptr<V> owned(value);
         V*& stored = this->FindOrAdd(key)->value;
         if (stored != value)
             delete stored;
-        stored = value;
+        stored = owned.release();
     }
 
     void DestroyNode(typename Map::Node* node, bool free) override

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "host/TrackTags.h"
+
 #include <cstdint>
 #include <string>
 
@@ -10,6 +12,12 @@ enum class EncodeLevel
     Draft, // as quick as can be, large files
     Good,
     Best // several times slower than Good
+};
+
+enum class VideoContainer
+{
+    Mp4, // H.264 with AAC, Opus or a copied stream
+    WebM // VP9 with Opus
 };
 
 enum class SoundCoding
@@ -30,6 +38,7 @@ struct EncodeSettings
     int height = 1080; // even
     int rateNumerator = 60; // pictures a second; 1/60 to 1000 are taken
     int rateDenominator = 1;
+    VideoContainer container = VideoContainer::Mp4;
     EncodeLevel level = EncodeLevel::Good;
     int threads = 0; // of the picture encoder; 0: as many as suit the machine
     SoundCoding sound = SoundCoding::Aac;
@@ -37,10 +46,8 @@ struct EncodeSettings
     double songStart = 0; // seconds into the song where the copy begins
     bool replace = false; // an existing file is otherwise an error
 
-    // Stored in the file where not empty.
-    std::string title;
-    std::string artist;
-    std::string album;
+    // Title, artist, album, year and cover are stored in the file where it has a place for them.
+    TrackTags tags;
 };
 
 }

@@ -57,6 +57,25 @@ static bool IsSameFile(const std::string& path, int descriptor)
         && named.st_dev == held.st_dev && named.st_ino == held.st_ino;
 }
 
+// An unfinished file carries the sticky bit, which means nothing on a file: so that one of ours is
+// told from what others, downloads for one, keep under such a name.
+static bool IsUnfinishedOurs(const std::string& partPath)
+{
+    struct stat status = {};
+    return lstat(partPath.c_str(), &status) == 0 && S_ISREG(status.st_mode)
+        && (status.st_mode & S_ISVTX) && status.st_uid == geteuid();
+}
+
+static void MarkUnfinished(int descriptor, bool unfinished)
+{
+    struct stat status = {};
+    if (fstat(descriptor, &status) != 0)
+        return;
+    const mode_t permissions = status.st_mode & 0777;
+    // Where this can't be done, a leftover waits for --force.
+    static_cast<void>(fchmod(descriptor, unfinished ? permissions | S_ISVTX : permissions));
+}
+
 // False while another writer holds the file. The old content goes with its name, never by
 // truncation: it may have a second name.
 static bool RemoveLeftover(const std::string& partPath)
@@ -84,12 +103,12 @@ std::unique_ptr<OutputFile> OutputFile::Open(
     if (!MayTake(path, replace, "exists already; --force replaces it", error))
         return nullptr;
     const std::string partPath = path + ".part";
-    const char* const leftover
-        = "exists already, left by an interrupted run or still being written; --force replaces it";
-    if (!MayTake(partPath, replace, leftover, error))
+    const char* const leftover = "exists already; --force replaces it";
+    const bool takeOver = replace || IsUnfinishedOurs(partPath);
+    if (!MayTake(partPath, takeOver, leftover, error))
         return nullptr;
 
-    if (replace && !RemoveLeftover(partPath)) {
+    if (takeOver && !RemoveLeftover(partPath)) {
         error = path + ": is being written by another process";
         return nullptr;
     }
@@ -101,6 +120,7 @@ std::unique_ptr<OutputFile> OutputFile::Open(
     }
     flock(descriptor,
         LOCK_EX | LOCK_NB); // tells another RemoveLeftover; fails where locks are unknown
+    MarkUnfinished(descriptor, true);
     return std::unique_ptr<OutputFile>(new OutputFile(path, replace, descriptor));
 }
 
@@ -181,6 +201,7 @@ bool OutputFile::Commit(std::string& error)
         Discard();
         return false;
     }
+    MarkUnfinished(m_descriptor, false);
     if (!Rename(error)) {
         Discard();
         return false;

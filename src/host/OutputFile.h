@@ -12,8 +12,8 @@ class OutputFile
 {
 public:
     // Null, and one line that starts with the path, when the file can't be made. Without replace an
-    // existing PATH or PATH.part is an error; with it both are replaced, if they are regular files
-    // and nobody is writing to them.
+    // existing PATH or PATH.part is an error, but for a PATH.part that an OutputFile of a process
+    // now dead left behind. What is replaced is a regular file that nobody is writing to.
     static std::unique_ptr<OutputFile> Open(
         const std::string& path, bool replace, std::string& error);
 

@@ -4,6 +4,7 @@
 #include "host/Mp4Timing.h"
 #include "host/OpusStream.h"
 #include "host/OutputFile.h"
+#include "host/PictureCoding.h"
 #include "host/SoundCopy.h"
 #include "os/Clock.h"
 
@@ -16,8 +17,10 @@
 
 #include <algorithm>
 #include <bit>
+#include <charconv>
 #include <cstring>
 #include <utility>
+#include <vector>
 
 namespace pxvis::host {
 
@@ -30,31 +33,8 @@ constexpr GstClockTime PollTime = 2 * GST_MSECOND;
 constexpr guint64 WaitingPictures = 3;
 constexpr guint64 WaitingBytes = guint64 { 4 } << 20;
 
-// What the encoder may look ahead, in bytes of its picture format; it takes three times as much.
-constexpr int64_t LookaheadBytes = int64_t { 40 } << 20;
-
 // avenc_aac puts one block before the sound (AAC's transform needs it).
 constexpr uint32_t AacSkip = 1024;
-
-struct LevelSettings
-{
-    const char* preset;
-    guint quality; // constant rate factor: 0 lossless to 50, about 18 looks like the original
-    guint lookahead; // pictures
-};
-
-LevelSettings SettingsOf(EncodeLevel level)
-{
-    switch (level) {
-    case EncodeLevel::Draft:
-        return { "ultrafast", 23, 0 };
-    case EncodeLevel::Good:
-        break;
-    case EncodeLevel::Best:
-        return { "slow", 16, 50 };
-    }
-    return { "veryfast", 19, 20 };
-}
 
 std::string SettingsFault(const EncodeSettings& settings)
 {
@@ -72,6 +52,8 @@ std::string SettingsFault(const EncodeSettings& settings)
         return "a video has from 1/60 to 1000 pictures a second";
     if (settings.sound == SoundCoding::Copy && settings.songPath.empty())
         return "there is no song whose sound could be copied";
+    if (settings.container == VideoContainer::WebM && settings.sound != SoundCoding::Opus)
+        return "a WebM file takes its sound as opus only";
     if (!(settings.songStart >= 0 && settings.songStart < 1e9))
         return "a copy of the sound begins within the song";
     return {};
@@ -117,6 +99,8 @@ struct VideoWriter::Pipeline
 
     uint64_t pictureCount = 0;
     uint64_t soundFrames = 0;
+    uint64_t encodedFrames = 0; // of the sound
+    std::vector<float> waitingSound; // interleaved; of pictures to come
 
     ~Pipeline();
     bool Fail(const std::string& reason);
@@ -128,6 +112,9 @@ struct VideoWriter::Pipeline
     bool BuildPool();
     bool BuildSound();
     bool BuildCopy();
+    void SetTags();
+    bool PushSound(uint64_t until);
+    uint64_t SoundOf(uint64_t pictures) const;
     bool ReadMessages(GstClockTime wait);
     bool WaitForRoom();
     bool Drain();
@@ -211,7 +198,8 @@ bool VideoWriter::Pipeline::BuildPictures()
     pictures = Add("appsrc", "gstreamer1.0-plugins-base");
     GstElement* convert = Add("videoconvert", "gstreamer1.0-plugins-base");
     GstElement* format = Add("capsfilter", "libgstreamer1.0-0");
-    GstElement* encoder = Add("x264enc", "gstreamer1.0-plugins-ugly");
+    const PictureCoding coding = PictureCodingOf(settings.container);
+    GstElement* encoder = Add(coding.encoder, coding.package);
     GstElement* profile = Add("capsfilter", "libgstreamer1.0-0");
     if (!error.empty())
         return false;
@@ -221,20 +209,8 @@ bool VideoWriter::Pipeline::BuildPictures()
     // matrix of small pictures, BT.601.
     gst_util_set_object_arg(
         G_OBJECT(format), "caps", "video/x-raw,format=I420,colorimetry=bt709,chroma-site=mpeg2");
-    gst_util_set_object_arg(G_OBJECT(profile), "caps", "video/x-h264,profile=high");
-
-    const LevelSettings level = SettingsOf(settings.level);
-    const int64_t bytes = int64_t { settings.width } * settings.height * 3 / 2;
-    const int lookahead
-        = static_cast<int>(std::min<int64_t>(level.lookahead, LookaheadBytes / bytes));
-    const int rate
-        = (settings.rateNumerator + settings.rateDenominator - 1) / settings.rateDenominator;
-    gst_util_set_object_arg(G_OBJECT(encoder), "speed-preset", level.preset);
-    gst_util_set_object_arg(G_OBJECT(encoder), "pass", "qual");
-    g_object_set(encoder, "quantizer", level.quality, "vbv-buf-capacity",
-        0, // else the bit rate of another mode bounds this one
-        "key-int-max", std::clamp(2 * rate, 12, 600), // jumping about needs one every 2 s
-        "rc-lookahead", lookahead, "threads", static_cast<guint>(settings.threads), nullptr);
+    gst_util_set_object_arg(G_OBJECT(profile), "caps", coding.caps);
+    SetUpPictureEncoder(encoder, settings);
     return BuildPool() && Link({ pictures, convert, format, encoder, profile })
         && LinkToMuxer(profile, "video_%u", nullptr);
 }
@@ -272,29 +248,54 @@ bool VideoWriter::Pipeline::BuildCopy()
         || Fail(fault);
 }
 
+void VideoWriter::Pipeline::SetTags()
+{
+    GstTagSetter* setter = GST_TAG_SETTER(muxer);
+    const TrackTags& tags = settings.tags;
+    const std::pair<const char*, const std::string&> texts[] = { { GST_TAG_TITLE, tags.title },
+        { GST_TAG_ARTIST, tags.artist }, { GST_TAG_ALBUM, tags.album } };
+    for (const auto& [tag, text] : texts) {
+        if (!text.empty() && g_utf8_validate(text.c_str(), -1, nullptr))
+            gst_tag_setter_add_tags(setter, GST_TAG_MERGE_REPLACE, tag, text.c_str(), nullptr);
+    }
+    // The muxers take whole dates; players show the year.
+    guint year = 0;
+    std::from_chars(tags.year.data(), tags.year.data() + tags.year.size(), year);
+    if (year >= 1 && year <= 9999) {
+        GDate* date = g_date_new_dmy(1, G_DATE_JANUARY, static_cast<GDateYear>(year));
+        gst_tag_setter_add_tags(setter, GST_TAG_MERGE_REPLACE, GST_TAG_DATE, date, nullptr);
+        g_date_free(date);
+    }
+    const bool jpeg = tags.coverType == "image/jpeg" || tags.coverType == "image/jpg";
+    if (tags.cover.empty() || settings.container != VideoContainer::Mp4
+        || (!jpeg && tags.coverType != "image/png"))
+        return;
+    const GstHolder<GstBuffer> bytes(gst_buffer_new_memdup(tags.cover.data(), tags.cover.size()));
+    const GstHolder<GstCaps> caps(gst_caps_new_empty_simple(jpeg ? "image/jpeg" : "image/png"));
+    const GstHolder<GstSample> cover(gst_sample_new(bytes.get(), caps.get(), nullptr, nullptr));
+    gst_tag_setter_add_tags(setter, GST_TAG_MERGE_REPLACE, GST_TAG_IMAGE, cover.get(), nullptr);
+}
+
 bool VideoWriter::Pipeline::Build()
 {
     pipeline.reset(GST_ELEMENT(gst_object_ref_sink(gst_pipeline_new(nullptr))));
     bus.reset(gst_element_get_bus(pipeline.get()));
-    muxer = Add("mp4mux", "gstreamer1.0-plugins-good");
+    const bool mp4 = settings.container == VideoContainer::Mp4;
+    muxer = Add(mp4 ? "mp4mux" : "webmmux", "gstreamer1.0-plugins-good");
     GstElement* sink = Add("fdsink", "libgstreamer1.0-0");
     if (!error.empty() || !Link({ muxer, sink }) || !BuildPictures()
         || !(settings.sound == SoundCoding::Copy ? BuildCopy() : BuildSound()))
         return false;
 
     g_object_set(sink, "fd", file->Descriptor(), "sync", FALSE, nullptr);
-    g_object_set(muxer, "faststart", TRUE, nullptr);
-    scratch = OpenScratch(path);
-    const std::string scratchPath = "/proc/self/fd/" + std::to_string(scratch);
-    if (scratch >= 0 && access(scratchPath.c_str(), R_OK | W_OK) == 0)
-        g_object_set(muxer, "faststart-file", scratchPath.c_str(), nullptr);
-    const std::pair<const char*, const std::string&> tags[] = { { GST_TAG_TITLE, settings.title },
-        { GST_TAG_ARTIST, settings.artist }, { GST_TAG_ALBUM, settings.album } };
-    for (const auto& [tag, text] : tags) {
-        if (!text.empty() && g_utf8_validate(text.c_str(), -1, nullptr))
-            gst_tag_setter_add_tags(
-                GST_TAG_SETTER(muxer), GST_TAG_MERGE_REPLACE, tag, text.c_str(), nullptr);
+    if (mp4) {
+        g_object_set(muxer, "faststart", TRUE, nullptr);
+        scratch = OpenScratch(path);
+        const std::string scratchPath = "/proc/self/fd/" + std::to_string(scratch);
+        if (scratch >= 0 && access(scratchPath.c_str(), R_OK | W_OK) == 0)
+            g_object_set(muxer, "faststart-file", scratchPath.c_str(), nullptr);
     }
+    SetTags();
     if (gst_element_set_state(pipeline.get(), GST_STATE_PLAYING) == GST_STATE_CHANGE_FAILURE) {
         ReadMessages(GST_SECOND);
         return Fail("the encoder does not start");
@@ -324,6 +325,35 @@ bool VideoWriter::Pipeline::ReadMessages(GstClockTime wait)
             Fail(OneLine(raw ? raw->message : "the encoder failed"));
     }
     return error.empty();
+}
+
+// Samples up to the end of the last of so many pictures.
+uint64_t VideoWriter::Pipeline::SoundOf(uint64_t pictures) const
+{
+    return gst_util_uint64_scale_round(pictures,
+        static_cast<guint64>(settings.rateDenominator) * SampleRate,
+        static_cast<guint64>(settings.rateNumerator));
+}
+
+// Analysis hears ahead, and a video may stop early: sound goes to the encoder with its pictures, so
+// that the file holds no more of it.
+bool VideoWriter::Pipeline::PushSound(uint64_t until)
+{
+    const uint64_t end = std::min(until, soundFrames);
+    if (!sound || end <= encodedFrames)
+        return true;
+    const size_t samples = static_cast<size_t>(end - encodedFrames) * 2;
+    GstBuffer* buffer = gst_buffer_new_memdup(waitingSound.data(), samples * sizeof(float));
+    waitingSound.erase(
+        waitingSound.begin(), waitingSound.begin() + static_cast<ptrdiff_t>(samples));
+    GST_BUFFER_PTS(buffer) = gst_util_uint64_scale(encodedFrames, GST_SECOND, SampleRate);
+    GST_BUFFER_DURATION(buffer)
+        = gst_util_uint64_scale(end, GST_SECOND, SampleRate) - GST_BUFFER_PTS(buffer);
+    encodedFrames = end;
+    if (gst_app_src_push_buffer(GST_APP_SRC(sound), buffer) == GST_FLOW_OK)
+        return true;
+    ReadMessages(GST_SECOND);
+    return Fail("the encoder takes no more sound");
 }
 
 bool VideoWriter::Pipeline::WaitForRoom()
@@ -384,12 +414,8 @@ Mp4SoundTiming VideoWriter::Pipeline::SoundTiming() const
     if (structure)
         gst_structure_get_int(structure, "rate", &rate);
     timing.rate = timing.opus ? OpusRate : static_cast<uint32_t>(std::max(rate, 1));
-    // Analysis hears ahead: a video that stops early has got more sound than pictures.
-    const uint64_t shown = gst_util_uint64_scale_round(pictureCount,
-        static_cast<guint64>(settings.rateDenominator) * SampleRate,
-        static_cast<guint64>(settings.rateNumerator));
-    timing.length
-        = gst_util_uint64_scale_round(std::min(soundFrames, shown), timing.rate, SampleRate);
+    timing.length = gst_util_uint64_scale_round(
+        std::min(soundFrames, SoundOf(pictureCount)), timing.rate, SampleRate);
     if (copy)
         timing.skip = copy->Skip(timing.rate);
     else
@@ -450,25 +476,17 @@ bool VideoWriter::AddSound(const float* interleaved, size_t frames)
         return false;
     if (frames == 0)
         return true;
-    const uint64_t begin = std::exchange(p.soundFrames, p.soundFrames + frames);
+    p.soundFrames += frames;
     if (!p.sound)
         return true;
-    const size_t bytes = frames * 2 * sizeof(float);
-    GstBuffer* buffer = gst_buffer_new_allocate(nullptr, bytes, nullptr);
-    gst_buffer_fill(buffer, 0, interleaved, bytes);
-    GST_BUFFER_PTS(buffer) = gst_util_uint64_scale(begin, GST_SECOND, SampleRate);
-    GST_BUFFER_DURATION(buffer)
-        = gst_util_uint64_scale(p.soundFrames, GST_SECOND, SampleRate) - GST_BUFFER_PTS(buffer);
-    if (gst_app_src_push_buffer(GST_APP_SRC(p.sound), buffer) == GST_FLOW_OK)
-        return true;
-    p.ReadMessages(GST_SECOND);
-    return p.Fail("the encoder takes no more sound");
+    p.waitingSound.insert(p.waitingSound.end(), interleaved, interleaved + frames * 2);
+    return true;
 }
 
 bool VideoWriter::AddPicture(const uint32_t* topRow, ptrdiff_t pitch)
 {
     Pipeline& p = *m_pipeline;
-    if (!p.file || !p.WaitForRoom())
+    if (!p.file || !p.PushSound(p.SoundOf(p.pictureCount + 1)) || !p.WaitForRoom())
         return false;
     GstBuffer* buffer = nullptr;
     GstMapInfo map;
@@ -506,7 +524,8 @@ bool VideoWriter::Finish()
     const bool drained = p.ReadMessages(0) && p.Drain();
     const Mp4SoundTiming timing = drained ? p.SoundTiming() : Mp4SoundTiming();
     p.Stop();
-    if (drained && !WriteMp4SoundTiming(p.file->Descriptor(), timing, fault))
+    if (drained && p.settings.container == VideoContainer::Mp4
+        && !WriteMp4SoundTiming(p.file->Descriptor(), timing, fault))
         p.Fail(fault);
     if (p.error.empty() && !p.file->Commit(p.error))
         p.file.reset();

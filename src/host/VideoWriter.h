@@ -9,10 +9,10 @@
 
 namespace pxvis::host {
 
-// Encodes pictures and sound to an MP4 file: H.264 with BT.709 colours, index in front. Picture k
-// is shown from k * denominator / numerator seconds on; the sound starts with the first picture.
-// The file has its name only after Finish(). For one thread at a time; encodes on threads of its
-// own.
+// Encodes pictures and sound to an MP4 file, H.264 with BT.709 colours and the index in front, or
+// to a WebM file, VP9 with Opus. Picture k is shown from k * denominator / numerator seconds on, in
+// a WebM file rounded to milliseconds; the sound starts with the first picture. The file has its
+// name only after Finish(). For one thread at a time; encodes on threads of its own.
 //
 // The caller feeds both in step, the sound ahead of the picture that is shown with it: what one
 // stream runs ahead of the other is kept in memory, encoded.

@@ -4,10 +4,12 @@
 #include <cerrno>
 #include <climits>
 #include <cstdint>
+#include <cstdio>
 #include <ctime>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <vector>
 
 namespace pxvis::os {
 
@@ -77,21 +79,6 @@ std::string FolderOf(const std::string& path)
     return slash == 0 ? "/" : path.substr(0, slash);
 }
 
-// The file that links lead to. It need not be there yet; realpath would not tell it then.
-std::string ResolveLinks(std::string path)
-{
-    constexpr int maximumLinks = 40; // as many as the system itself follows
-    for (int i = 0; i < maximumLinks; ++i) {
-        char target[PATH_MAX];
-        const ssize_t length = ::readlink(path.c_str(), target, sizeof target);
-        if (length <= 0 || length == sizeof target)
-            break;
-        const std::string_view link(target, static_cast<size_t>(length));
-        path = link.front() == '/' ? std::string(link) : FolderOf(path) + "/" + std::string(link);
-    }
-    return path;
-}
-
 int CreateNew(const std::string& path, unsigned mode)
 {
     return ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, mode);
@@ -128,6 +115,30 @@ bool WriteAll(int descriptor, std::string_view bytes)
         bytes.remove_prefix(static_cast<size_t>(written));
     }
     return true;
+}
+
+bool CopyAll(int from, int to)
+{
+    std::vector<char> block(1 << 16);
+    for (;;) {
+        const ssize_t count = ::read(from, block.data(), block.size());
+        if (count < 0 && errno == EINTR)
+            continue;
+        if (count <= 0)
+            return count == 0;
+        if (!WriteAll(to, { block.data(), static_cast<size_t>(count) }))
+            return false;
+    }
+}
+
+// Links that lead nowhere are there, too.
+bool IsThere(const std::string& path)
+{
+    struct stat status
+    {
+    };
+
+    return ::lstat(path.c_str(), &status) == 0;
 }
 
 // The new name should outlive a power cut as well; not every file system can promise that.
@@ -252,6 +263,98 @@ FileError WriteFile(const std::string& path, std::string_view bytes, const Write
     }
     SyncFolder(folder);
     return FileError::None;
+}
+
+FileError CopyFile(const std::string& from, const std::string& to)
+{
+    if (!IsUsable(from) || !IsUsable(to))
+        return FileError::NotFound;
+    const Descriptor source(
+        ::open(from.c_str(), O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_NOCTTY | O_CLOEXEC));
+    if (!source.IsOpen())
+        return errno == ELOOP ? FileError::NotRegular : ErrorOf(errno);
+
+    struct stat status
+    {
+    };
+
+    if (::fstat(source.Get(), &status) != 0)
+        return ErrorOf(errno);
+    if (!S_ISREG(status.st_mode))
+        return FileError::NotRegular;
+    const std::string folder = FolderOf(to);
+    std::string temporary;
+    Descriptor copy(CreateTemporary(folder, {}, temporary));
+    if (!copy.IsOpen())
+        return ErrorOf(errno);
+    const bool copied = CopyAll(source.Get(), copy.Get())
+        && ::fchmod(copy.Get(), status.st_mode & 0777) == 0 && ::fsync(copy.Get()) == 0
+        && copy.Close() && ::rename(temporary.c_str(), to.c_str()) == 0;
+    if (!copied) {
+        const FileError error = ErrorOf(errno);
+        ::unlink(temporary.c_str());
+        return error;
+    }
+    return FileError::None;
+}
+
+bool MoveFile(const std::string& from, const std::string& to)
+{
+    if (!IsUsable(from) || !IsUsable(to))
+        return false;
+    if (::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0)
+        return true;
+    const bool otherDisk = errno == EXDEV;
+    // Not every file system knows how to rename without replacing.
+    if ((!otherDisk && errno != EINVAL) || IsThere(to))
+        return false;
+    if (!otherDisk)
+        return ::rename(from.c_str(), to.c_str()) == 0;
+    if (CopyFile(from, to) != FileError::None)
+        return false;
+    if (::unlink(from.c_str()) == 0)
+        return true;
+    ::unlink(to.c_str());
+    return false;
+}
+
+int DeleteFile(const std::string& path)
+{
+    if (!IsUsable(path))
+        return ENOENT;
+    if (::unlink(path.c_str()) == 0)
+        return 0;
+    const int number = errno;
+    return IsThere(path) ? number : 0;
+}
+
+bool IsSameFile(const std::string& a, const std::string& b)
+{
+    struct stat first
+    {
+    };
+
+    struct stat second
+    {
+    };
+
+    return IsUsable(a) && IsUsable(b) && ::stat(a.c_str(), &first) == 0
+        && ::stat(b.c_str(), &second) == 0 && first.st_dev == second.st_dev
+        && first.st_ino == second.st_ino;
+}
+
+std::string ResolveLinks(std::string path)
+{
+    constexpr int maximumLinks = 40; // as many as the system itself follows
+    for (int i = 0; i < maximumLinks; ++i) {
+        char target[PATH_MAX];
+        const ssize_t length = ::readlink(path.c_str(), target, sizeof target);
+        if (length <= 0 || length == sizeof target)
+            break;
+        const std::string_view link(target, static_cast<size_t>(length));
+        path = link.front() == '/' ? std::string(link) : FolderOf(path) + "/" + std::string(link);
+    }
+    return path;
 }
 
 bool FileStamp::IsSettled() const

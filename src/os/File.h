@@ -61,6 +61,24 @@ struct FileStamp
 
 FileStamp StampOf(const std::string& path);
 
+// A copy of a regular file's bytes and permissions under another name, in place of the file or link
+// that had it. A link is not followed on either side. As whole or absent as with WriteFile.
+FileError CopyFile(const std::string& from, const std::string& to);
+
+// Gives a file another name, on another disk too. False, with both as they were, if there is
+// something under the new name already.
+bool MoveFile(const std::string& from, const std::string& to);
+
+// Removes the file or the link; one that may not be written too. 0, or the system's error number.
+// A file that isn't there is removed.
+int DeleteFile(const std::string& path);
+
+// Two names of one file that is there.
+bool IsSameFile(const std::string& a, const std::string& b);
+
+// The file that links lead to, which need not be there yet. The path itself if it is no link.
+std::string ResolveLinks(std::string path);
+
 // Seconds since 1970, or 0 if there is no such file.
 double LastWriteTime(const std::string& path);
 

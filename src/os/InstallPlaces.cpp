@@ -1,9 +1,8 @@
 #include "os/InstallPlaces.h"
 
+#include "os/File.h"
 #include "os/ModulePath.h"
 
-#include <cstdlib>
-#include <memory>
 #include <string_view>
 
 namespace pxvis::os {
@@ -20,21 +19,28 @@ bool TakePrefix(std::string_view folder, std::string_view below, std::string& pr
     return true;
 }
 
-bool IsBuildFolder(const std::string& folder)
+// Programs in a build tree have a file beside them that says where the data and the catalogues lie,
+// a line each. An installation has none, so that nothing of it depends on where it was built.
+bool ReadBuildPlaces(const std::string& folder, InstallPlaces& places)
 {
-    const std::unique_ptr<char, decltype(&std::free)> resolved(
-        realpath(PXVIS_BUILD_BIN_FOLDER, nullptr), &std::free);
-    return resolved && folder == resolved.get();
+    constexpr size_t maximumSize = 16384;
+    std::string text;
+    if (ReadFile(folder + "/" PXVIS_BUILD_PLACES_FILE, maximumSize, text) != FileError::None)
+        return false;
+    const size_t line = text.find('\n');
+    if (line == std::string::npos || text.back() != '\n')
+        return false;
+    places = { folder, text.substr(0, line), text.substr(line + 1, text.size() - line - 2) };
+    return true;
 }
 
 }
 
 InstallPlaces InstallPlacesFrom(const std::string& moduleFolder)
 {
-    if (moduleFolder.empty())
-        return {};
-    if (IsBuildFolder(moduleFolder))
-        return { moduleFolder, PXVIS_SOURCE_DATA_FOLDER, PXVIS_BUILD_LOCALE_FOLDER };
+    InstallPlaces places;
+    if (moduleFolder.empty() || ReadBuildPlaces(moduleFolder, places))
+        return places;
     std::string prefix;
     if (TakePrefix(moduleFolder, PXVIS_INSTALL_BINDIR, prefix)
         || TakePrefix(moduleFolder, PXVIS_INSTALL_MODULEDIR, prefix))

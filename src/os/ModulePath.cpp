@@ -41,6 +41,14 @@ std::string LibraryPath(const char* name)
     return resolved ? resolved.get() : path;
 }
 
+std::string FolderOf(const std::string& path)
+{
+    const size_t slash = path.rfind('/');
+    if (slash == std::string::npos)
+        return {};
+    return path.substr(0, slash == 0 ? 1 : slash);
+}
+
 std::string FindModulePath()
 {
     static const char anchor = 0; // an address that lies in this module
@@ -63,11 +71,12 @@ const std::string& ModulePath()
 
 std::string ModuleFolder()
 {
-    const std::string& path = ModulePath();
-    const size_t slash = path.rfind('/');
-    if (slash == std::string::npos)
-        return {};
-    return path.substr(0, slash == 0 ? 1 : slash);
+    return FolderOf(ModulePath());
+}
+
+std::string ExecutableFolder()
+{
+    return FolderOf(ExecutablePath());
 }
 
 }

@@ -13,4 +13,7 @@ const std::string& ModulePath();
 // The folder of ModulePath() without a "/" at its end, but for the root folder. Empty likewise.
 std::string ModuleFolder();
 
+// The same for the program that runs in this process, whichever module asks.
+std::string ExecutableFolder();
+
 }

@@ -75,6 +75,23 @@ struct Scene
     CSpectrumAnalyzerVisComponent analyzer;
 };
 
+// A picture in which no two pixels near each other are alike.
+uint32_t PicturePixel(int32_t x, int32_t y)
+{
+    return 0xFF000000u | static_cast<uint32_t>(x * 5) << 16 | static_cast<uint32_t>(y * 2) << 8 | 7;
+}
+
+void WritePicture(const TestFile& file, int32_t width, int32_t height)
+{
+    CDibBuffer picture;
+    picture.MakeImages(width, height);
+    for (int32_t y = 0; y < height; ++y) {
+        for (int32_t x = 0; x < width; ++x)
+            PixelAt(picture, x, y) = PicturePixel(x, y);
+    }
+    REQUIRE(picture.GetImage(0)->SavePng(OQString::FromUtf8(file.Path()).GetText(), true));
+}
+
 using Span = std::pair<int32_t, int32_t>;
 constexpr uint32_t blue = 0x0000FF;
 constexpr uint32_t red = 0xFF0000;
@@ -253,6 +270,96 @@ TEST_CASE("A reversed rectangle mirrors the row, and one that reaches outside la
     outside.Draw();
     CHECK(outside.Pixel(0, 60) == background);
     CHECK(outside.Pixel(0, 10) != background);
+}
+
+TEST_CASE("A picture shows through bars and peaks where they are, stretched to the rectangle")
+{
+    const TestFile file("cover.png", "");
+    WritePicture(file, 50, 100);
+    Scene scene({ { u"DrawSource", u"Image" }, { u"Mirrored", u"No" }, { u"FFTElements", u"10" } });
+    scene.audio.coverFile = OQString::FromUtf8(file.Path()).View();
+    scene.SetSpectrum(150, 150); // bars from row 61 on, peaks on rows 59 and 60
+    scene.Draw();
+    for (int32_t y = 0; y < 100; ++y) {
+        for (int32_t x = 0; x < 50; ++x) {
+            INFO(x << ", " << y);
+            const bool filled = x % 5 < 4 && y >= 59;
+            REQUIRE(scene.Pixel(x, y) == (filled ? PicturePixel(x, y) : background));
+        }
+    }
+
+    // The picture has the size of the rectangle but lies at the top left of all.
+    Scene half({ { u"DrawSource", u"1" }, { u"FFTElements", u"10" }, { u"DrawPeaks", u"No" },
+        { u"MainRectangle", u"0;0.5;1;1" } });
+    half.audio.coverFile = scene.audio.coverFile;
+    WritePicture(file, 50, 50);
+    half.SetSpectrum(255, 255); // rows 58 to 91
+    half.Draw();
+    CHECK(half.Span(0, background) == Span(0, 99));
+    Scene reversed({ { u"DrawSource", u"1" }, { u"FFTElements", u"10" }, { u"DrawPeaks", u"No" },
+        { u"MainRectangle", u"1;0.5;0;0" } });
+    reversed.audio.coverFile = scene.audio.coverFile;
+    reversed.SetSpectrum(255, 255); // 170 x 1000 / 256 = 664; 25 +- 664 x 25 / 1000
+    reversed.Draw();
+    CHECK(reversed.Pixel(1, 8) == background);
+    CHECK(reversed.Pixel(1, 9) == PicturePixel(1, 9));
+    CHECK(reversed.Pixel(1, 40) == PicturePixel(1, 40));
+    CHECK(reversed.Pixel(1, 41) == background);
+}
+
+TEST_CASE(
+    "A new cover is loaded when the track's picture changes, and without one nothing is filled")
+{
+    const TestFile file("new-cover.png", "no picture");
+    const Rows rows { { u"DrawSource", u"1" }, { u"Mirrored", u"No" }, { u"FFTElements", u"10" } };
+    Scene scene(rows);
+    scene.audio.coverFile = OQString::FromUtf8(file.Path()).View();
+    scene.SetSpectrum(150, 150);
+    scene.Draw();
+    CHECK(scene.Span(0, background) == Span(0, 99));
+    WritePicture(file, 50, 100);
+    scene.SetSpectrum(0, 0);
+    scene.Draw();
+    CHECK(scene.Span(0, background) == Span(0, 99));
+    scene.audio.values[VisAudioValueChange] = 1;
+    scene.Draw();
+    CHECK(scene.Pixel(0, 61) == PicturePixel(0, 61)); // a peak that began to fall
+    CHECK(scene.Pixel(0, 62) == PicturePixel(0, 62)); // and a bar
+    CHECK(scene.Pixel(0, 58) == background);
+
+    // A URL isn't fetched, not even as a path.
+    scene.audio.coverFile = u"https://example.com/cover.png";
+    scene.Draw();
+    CHECK(scene.Span(0, background) == Span(0, 99));
+}
+
+TEST_CASE("A picture counts as what the script keeps and costs, and one too large isn't loaded")
+{
+    const TestFile file("kept-cover.png", "");
+    WritePicture(file, 50, 100);
+    const auto kept = [](const OQChar* rectangle, const OQChar* source = u"1") {
+        return Scene({ { u"DrawSource", source }, { u"MainRectangle", rectangle } })
+            .analyzer.KeptPixels();
+    };
+    CHECK(kept(u"0;0;1;1", u"0") == 0);
+    CHECK(kept(u"0;0;1;1") == 50 * 100);
+    CHECK(kept(u"1;1;0.5;0") == 25 * 100);
+    CHECK(kept(u"0;0;0;1") == 0);
+    CHECK(kept(u"0;0.5;1;0.5") == 50 * 16384);
+    CHECK(kept(u"0;0;300;150") == 0); // 15000 x 15000
+    CHECK(kept(u"-1e30;-1e30;1e30;1e30") == 0);
+
+    Scene scene({ { u"DrawSource", u"1" }, { u"Mirrored", u"No" } });
+    scene.audio.coverFile = OQString::FromUtf8(file.Path()).View();
+    scene.SetSpectrum(255, 255);
+    OQEngineContext context;
+    const OQEngineContextScope scope(&context);
+    context.workLeft = VisLimits::pictureLoadWork - 1;
+    scene.Draw();
+    CHECK(scene.Pixel(0, 99) == background);
+    context.workLeft = VisLimits::workAtLeast;
+    scene.Draw();
+    CHECK(scene.Pixel(0, 99) == PicturePixel(0, 99));
 }
 
 TEST_CASE("Rows come in their order with their defaults, and any number in them is harmless")

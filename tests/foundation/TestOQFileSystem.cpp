@@ -150,7 +150,7 @@ TEST_CASE("A link whose file isn't there yet stays a link, and its file is made"
 TEST_CASE("A write that fails leaves what was there")
 {
     const TestFolder folder;
-    CHECK_FALSE(OQFileSystem::WriteTextFile(folder.Path("no/such/folder"), u"x"));
+    CHECK_FALSE(OQFileSystem::WriteTextFile(u"no/such/folder", u"x"));
     std::filesystem::create_directory(folder.Folder() / "folder");
     CHECK_FALSE(OQFileSystem::WriteTextFile(folder.Path("folder"), u"x"));
     CHECK_FALSE(OQFileSystem::WriteTextFile(u"/dev/null", u"x"));

@@ -1,6 +1,5 @@
 #include "foundation/OQFormat.h"
 
-#include "foundation/OQStringArray.h"
 #include "foundation/StringPrinting.h"
 
 TEST_CASE("Every conversion of the small printf")
@@ -25,22 +24,4 @@ TEST_CASE("Formats and arguments that don't fit are harmless")
         == u"(null) (null)");
     CHECK(OQFormat(u"%99999999999d", { 1 }).GetLength() < 1000);
     CHECK(OQFormat(u"%.99999999999f", { 1.0 }).GetLength() < 1000);
-}
-
-TEST_CASE(
-    "Replacing several texts takes the earliest, and of two at one place the first in the list")
-{
-    const auto replace
-        = [](const OQChar* text, const OQStringArray& find, const OQStringArray& with) {
-              OQString result = text;
-              result.Replace(find, with);
-              return result;
-          };
-    CHECK(replace(u"aab", { u"ab", u"a" }, { u"1", u"2" }) == u"21");
-    CHECK(replace(u"aab", { u"a", u"ab" }, { u"2", u"1" }) == u"22b");
-    CHECK(replace(u"abc", { u"b", u"" }, { u"x", u"y" }) == u"abc");
-    CHECK(replace(u"abcabc", { u"a", u"c" }, { u"<->" }) == u"<->b<->b");
-    OQString text = u"one two";
-    CHECK(text.Replace({ u"two", u"one" }, {}, true, u"[", u"]") == 2);
-    CHECK(text == u"[one] [two]");
 }

@@ -283,6 +283,17 @@ TEST_CASE("An unended or self-closed element gets an end tag with its first cont
     CHECK(document.AddChildElem(u"n"));
     CHECK(document.GetDoc() == u"<r><p>\r\n<n/>\r\n</p><q>2</q></r>");
     CheckPositions(document);
+    for (const OQChar* text : { u"<a //>", u"<a b=x/ / />", u"<a///>" }) {
+        document.SetDocument(text);
+        CAPTURE(text);
+        CHECK(document.FindElem());
+        const OQString before = document.GetAttrib(u"b");
+        CHECK(document.SetData(u"text"));
+        CheckPositions(document);
+        document.ResetPos();
+        CHECK(document.FindElem());
+        CHECK(document.GetAttrib(u"b") == before);
+    }
 }
 
 TEST_CASE("Names that would be read as something else are refused")

@@ -4,6 +4,7 @@
 
 #include <doctest/doctest.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <string>
@@ -66,7 +67,7 @@ TEST_CASE("A file that appears meanwhile is not overwritten, and the finished wo
     CHECK(folder.Read("out.mp4.part") == "mine");
 }
 
-TEST_CASE("A leftover of an interrupted run is replaced only when told, a busy one never")
+TEST_CASE("Another's file under the unfinished name is replaced only when told, a busy one never")
 {
     const TestFolder folder;
     folder.Write("out.mp4.part", "leftover");
@@ -84,6 +85,41 @@ TEST_CASE("A leftover of an interrupted run is replaced only when told, a busy o
     CHECK(first->Write("x", 1, error));
     CHECK(first->Commit(error));
     CHECK(folder.Read("out.mp4") == "x");
+}
+
+TEST_CASE("What a killed writer left is taken over, what is whole or being written is not")
+{
+    const TestFolder folder;
+    const std::string path = folder.Path("out.mp4");
+    const pid_t writer = fork();
+    if (writer == 0) {
+        std::string error;
+        auto file = OutputFile::Open(path, false, error);
+        _exit(file && file->Write("half", 4, error) ? 0 : 1); // no destructor, as when killed
+    }
+    int status = -1;
+    REQUIRE(waitpid(writer, &status, 0) == writer);
+    REQUIRE(status == 0);
+    CHECK(folder.Names() == "out.mp4.part ");
+
+    std::string error;
+    auto file = OutputFile::Open(path, false, error);
+    REQUIRE_MESSAGE(file, error);
+    CHECK_FALSE(OutputFile::Open(path, false, error));
+    CHECK(error == path + ": is being written by another process");
+    folder.Write("out.mp4", "theirs");
+    CHECK_FALSE(file->Commit(error));
+    file.reset();
+    std::filesystem::remove(path);
+    CHECK_FALSE(OutputFile::Open(path, false, error));
+    CHECK(error.find(path + ".part: exists already") == 0);
+
+    auto last = OutputFile::Open(path, true, error);
+    REQUIRE_MESSAGE(last, error);
+    CHECK_MESSAGE(last->Commit(error), error);
+    struct stat whole = {};
+    REQUIRE(stat(path.c_str(), &whole) == 0);
+    CHECK((whole.st_mode & 07000) == 0);
 }
 
 TEST_CASE("Only regular files are replaced")

@@ -143,8 +143,12 @@ TEST_CASE("A video holds the pictures' colours, the right way up, at their exact
 {
     const TestFolder folder;
     EncodeSettings settings = SmallSettings();
-    settings.title = "Ein Stück";
-    settings.artist = "pxvis";
+    settings.tags.title = "Ein Stück";
+    settings.tags.artist = "pxvis";
+    settings.tags.year = "1987-05-03";
+    const std::string cover = "\xFF\xD8\xFF picture";
+    settings.tags.cover.assign(cover.begin(), cover.end());
+    settings.tags.coverType = "image/jpeg";
     REQUIRE(MakeClip(folder.Path("clip.mp4"), settings) == "");
     CHECK(folder.Names() == "clip.mp4 ");
 
@@ -175,7 +179,13 @@ TEST_CASE("A video holds the pictures' colours, the right way up, at their exact
     CHECK(gst_tag_list_get_string(file.tags.get(), GST_TAG_TITLE, &title));
     CHECK(std::string(pxvis::host::GstHolder<char>(title).get()) == "Ein Stück");
 
+    GDate* date = nullptr;
+    REQUIRE(gst_tag_list_get_date(file.tags.get(), GST_TAG_DATE, &date));
+    CHECK(g_date_get_year(date) == 1987);
+    g_date_free(date);
+
     const std::string bytes = folder.Read("clip.mp4");
+    CHECK(bytes.find(cover) != std::string::npos);
     CHECK(bytes.find("moov") < bytes.find("mdat"));
     CHECK(bytes.find("colrnclx") != std::string::npos);
 }
@@ -198,6 +208,47 @@ TEST_CASE("Rates that are no whole number keep sound and pictures together, in e
                       - static_cast<int64_t>(k * 1'001'000'000 / 30))
                 <= 1);
         CheckClick(file, 59 * 1001 / 30000.0);
+    }
+}
+
+TEST_CASE("A WebM file holds the same pictures and sound, and can be jumped about in")
+{
+    const TestFolder folder;
+    for (const EncodeLevel level : { EncodeLevel::Draft, EncodeLevel::Good, EncodeLevel::Best }) {
+        EncodeSettings settings = SmallSettings();
+        settings.container = pxvis::host::VideoContainer::WebM;
+        settings.level = level;
+        settings.sound = SoundCoding::Opus;
+        settings.replace = true;
+        settings.tags.title = "Ein Stück";
+        REQUIRE(MakeClip(folder.Path("clip.webm"), settings) == "");
+        CHECK(folder.Names() == "clip.webm ");
+        const VideoFile file(folder.Path("clip.webm"));
+        CHECK(file.fault == "");
+        CHECK(file.format.find("colorimetry=(string)bt709") != std::string::npos);
+        REQUIRE(file.pictures.size() == 120);
+        for (size_t k = 0; k < 120; ++k) {
+            CAPTURE(k);
+            CHECK(std::llabs(static_cast<int64_t>(file.pictures[k].begin)
+                      - static_cast<int64_t>(k * 1'000'000'000 / 60))
+                <= 500'001); // the file counts milliseconds
+            const Colour& wanted = ColourOf(k, false);
+            CHECK(std::abs(file.pictures[k].y[64 * 9 + 32] - wanted.y) <= 4);
+            CHECK(std::abs(file.pictures[k].cb[32 * 4 + 16] - wanted.cb) <= 4);
+            CHECK(std::abs(file.pictures[k].cr[32 * 4 + 16] - wanted.cr) <= 4);
+        }
+        CHECK(file.soundBegin == 0);
+        CHECK(ClickTime(file) == doctest::Approx(0.5).epsilon(0.001));
+        // The last Opus packet ends behind the pictures.
+        CHECK(static_cast<double>(file.sound.size()) / file.soundRate < 2.041);
+
+        const std::string bytes = folder.Read("clip.webm");
+        CHECK(bytes.find("webm") < 64);
+        CHECK(bytes.find("\x1C\x53\xBB\x6B") != std::string::npos); // cues
+        CHECK(bytes.find("\x44\x89") < bytes.find("\x1F\x43\xB6\x75")); // length before clusters
+        char* title = nullptr;
+        CHECK(gst_tag_list_get_string(file.tags.get(), GST_TAG_TITLE, &title));
+        CHECK(std::string(pxvis::host::GstHolder<char>(title).get()) == "Ein Stück");
     }
 }
 
@@ -281,6 +332,8 @@ TEST_CASE("Settings out of range and places that can't be written are refused at
     refused("a.mp4", [](EncodeSettings& s) { s.rateDenominator = -1; });
     refused("a.mp4", [](EncodeSettings& s) { s.rateNumerator = 2000000000; });
     refused("a.mp4", [](EncodeSettings& s) { s.sound = SoundCoding::Copy; });
+    refused("a.webm",
+        [](EncodeSettings& s) { s.container = pxvis::host::VideoContainer::WebM; }); // AAC
     refused("missing/a.mp4", [](EncodeSettings&) {});
     CHECK(folder.Names().empty());
     folder.Write("a.mp4", "mine");

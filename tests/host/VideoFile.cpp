@@ -62,8 +62,11 @@ VideoFile::VideoFile(const std::string& path)
     if (!InitializeGStreamer(fault))
         return;
     const char* const queue = "queue max-size-buffers=0 max-size-bytes=0 max-size-time=0";
-    const std::string line = std::string("filesrc name=file ! qtdemux name=demux demux.video_0 ! ")
-        + queue + " ! avdec_h264 ! appsink name=pictures sync=false demux.audio_0 ! " + queue
+    const bool webm = path.ends_with(".webm");
+    const std::string line = std::string("filesrc name=file ! ")
+        + (webm ? "matroskademux" : "qtdemux") + " name=demux demux.video_0 ! " + queue
+        + (webm ? " ! vp9dec" : " ! avdec_h264")
+        + " ! appsink name=pictures sync=false demux.audio_0 ! " + queue
         + " ! decodebin ! audioconvert ! audio/x-raw,format=F32LE,layout=interleaved !"
           " appsink name=sound sync=false";
     GError* raw = nullptr;

@@ -30,7 +30,9 @@ bool WritePicture(IOQImage& picture, std::ostream& output)
 int RunFrames(
     const FramesOptions& options, std::istream& records, std::ostream& output, std::ostream& errors)
 {
-    std::string error;
+    std::string error = VisualSession::SizeFault(options.session.width, options.session.height);
+    if (!error.empty())
+        return PrintUsageError(errors, error);
     const auto session = VisualSession::Create(options.session, error);
     if (!session || !session->LoadScript(options.script, error))
         return PrintError(errors, error);

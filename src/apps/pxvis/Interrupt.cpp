@@ -11,14 +11,16 @@ namespace pxvis {
 namespace {
 
 volatile std::sig_atomic_t g_requested = 0;
-char g_unfinishedFile[PATH_MAX];
+char g_files[2][PATH_MAX];
+volatile std::sig_atomic_t g_fileCount = 0;
 constexpr int signals[] = { SIGINT, SIGTERM, SIGHUP };
 struct sigaction g_before[std::size(signals)];
 
 void OnInterrupt(int)
 {
     if (g_requested) {
-        unlink(g_unfinishedFile);
+        for (int i = 0; i < g_fileCount; ++i)
+            unlink(g_files[i]);
         _exit(130);
     }
     g_requested = 1;
@@ -26,12 +28,10 @@ void OnInterrupt(int)
 
 }
 
-Interrupt::Interrupt(const std::string& unfinishedFile)
+Interrupt::Interrupt()
 {
     g_requested = 0;
-    g_unfinishedFile[0] = 0;
-    if (unfinishedFile.size() < sizeof g_unfinishedFile)
-        std::memcpy(g_unfinishedFile, unfinishedFile.c_str(), unfinishedFile.size() + 1);
+    g_fileCount = 0;
     struct sigaction action = {};
     action.sa_handler = OnInterrupt;
     action.sa_flags = SA_RESTART;
@@ -43,6 +43,14 @@ Interrupt::~Interrupt()
 {
     for (size_t i = 0; i < std::size(signals); ++i)
         sigaction(signals[i], &g_before[i], nullptr);
+}
+
+void Interrupt::RemoveAtEnd(const std::string& file)
+{
+    if (file.empty() || file.size() >= sizeof g_files[0] || g_fileCount == std::ssize(g_files))
+        return;
+    std::memcpy(g_files[g_fileCount], file.c_str(), file.size() + 1);
+    g_fileCount = g_fileCount + 1; // the handler sees whole names only
 }
 
 bool Interrupt::Requested()

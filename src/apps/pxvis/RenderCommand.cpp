@@ -2,6 +2,7 @@
 
 #include "apps/pxvis/ErrorLine.h"
 #include "apps/pxvis/Interrupt.h"
+#include "apps/pxvis/NumberedName.h"
 #include "apps/pxvis/SongPlayback.h"
 #include "foundation/OQSiblingModules.h"
 #include "host/ProgressLine.h"
@@ -12,9 +13,11 @@
 #include <filesystem>
 #include <iomanip>
 #include <memory>
+#include <optional>
 #include <ostream>
+#include <sstream>
+#include <sys/stat.h>
 #include <unistd.h>
-#include <vector>
 
 namespace pxvis {
 
@@ -29,15 +32,17 @@ bool HasExtension(const std::string& path, const std::string& extension)
         [](char a, char b) { return a == (b >= 'A' && b <= 'Z' ? b + ('a' - 'A') : b); });
 }
 
-// "frame-%05d.png"
-bool IsNumbered(const std::string& path)
+struct OutputKind
 {
-    for (size_t i = path.find('%'); i != std::string::npos; i = path.find('%', i + 1)) {
-        const size_t end = path.find_first_not_of("0123456789", i + 1);
-        if (end != std::string::npos && path[end] == 'd')
-            return true;
-    }
-    return false;
+    std::optional<host::VideoContainer> container; // of a video
+    bool picture = false; // *.png
+    std::optional<NumberedName> numbered; // of several pictures
+};
+
+host::SoundCoding SoundOf(const RenderOptions& options, host::VideoContainer container)
+{
+    return options.sound.value_or(
+        container == host::VideoContainer::Mp4 ? host::SoundCoding::Aac : host::SoundCoding::Opus);
 }
 
 // How long the picture runs, in seconds; 0 where the song does not tell.
@@ -56,61 +61,85 @@ int64_t StepAt(uint64_t picture, const Rate& frameRate, const Rate& stepRate)
         / (uint64_t { frameRate.numerator } * stepRate.denominator));
 }
 
-// The picture at the output's size.
-class ScaledPicture
+// Pictures at the output's size, whatever size they are drawn at.
+class OutputPicture
 {
 public:
-    ScaledPicture(int32_t width, int32_t height)
-        : m_width(width)
-        , m_height(height)
+    // False without memory.
+    bool Create(const RenderOptions& options)
     {
+        if (options.pictureScale == 1.0)
+            return true;
+        m_width = options.width;
+        m_height = options.height;
+        m_scaled.reset(OQCreateImage());
+        return m_scaled && m_scaled->Create(m_width, m_height, 0, 0);
     }
 
-    // The top row; the rows below lie Pitch() pixels further on. Good until the next step.
-    const uint32_t* TopRow(IOQImage& picture)
+    // Good until the next step.
+    IOQImage& Of(IOQImage& picture)
     {
-        const OQSize size = picture.GetSize();
-        if (size == OQSize { m_width, m_height })
-            return picture.GetBits() + int64_t { m_height - 1 } * m_width;
-        m_pixels.resize(static_cast<size_t>(m_width) * static_cast<size_t>(m_height));
-        uint32_t* top = m_pixels.data() + int64_t { m_height - 1 } * m_width;
+        if (!m_scaled)
+            return picture;
+        uint32_t* top = m_scaled->GetBits() + int64_t { m_height - 1 } * m_width;
         picture.Blit(top, m_width, m_height, -m_width * 4);
-        return top;
+        return *m_scaled;
     }
-
-    ptrdiff_t Pitch() const { return -ptrdiff_t { m_width }; }
 
 private:
-    int32_t m_width;
-    int32_t m_height;
-    std::vector<uint32_t> m_pixels;
+    int32_t m_width = 0;
+    int32_t m_height = 0;
+    std::unique_ptr<IOQImage> m_scaled; // null: nothing to scale
 };
+
+constexpr const char* noMemory = "no memory for a picture of this size";
+
+bool Exists(const std::string& path)
+{
+    struct stat status = {};
+    return lstat(path.c_str(), &status) == 0;
+}
+
+// Why pictures can't be written under such a name, or empty.
+std::string PictureFault(const RenderOptions& options, const std::string& path)
+{
+    if (!options.replace && Exists(path))
+        return path + ": exists already; --force replaces it";
+    const std::string folder = std::filesystem::path(path).parent_path().string();
+    return access(folder.empty() ? "." : folder.c_str(), W_OK) == 0
+        ? std::string()
+        : path + ": can't be written there";
+}
+
+bool SavePicture(const IOQImage& picture, const std::string& path)
+{
+    return picture.SavePng(OQString::FromUtf8(path).GetText(), true);
+}
 
 int RenderPicture(const RenderOptions& options, SongPlayback& playback, std::ostream& errors)
 {
-    std::error_code ignored;
-    if (!options.replace && std::filesystem::exists(options.output, ignored))
-        return PrintError(errors, options.output + ": exists; --force replaces it");
-    const std::string folder = std::filesystem::path(options.output).parent_path().string();
-    if (access(folder.empty() ? "." : folder.c_str(), W_OK) != 0)
-        return PrintError(errors, options.output + ": can't be written there");
+    const std::string fault = PictureFault(options, options.output);
+    if (!fault.empty())
+        return PrintError(errors, fault);
     const double length = PartLength(options, playback.Info());
     const double at = options.at >= 0 ? options.at : options.from + length / 2;
-    if (at < options.from || (options.to >= 0 && at > options.to))
-        return PrintError(errors, "--at lies outside --from and --to");
     // A moment far past the end isn't waited for; some files' lengths are but estimates.
     const double songLength = playback.Info().durationSeconds;
     const std::string tooLate = options.song + ": ends before the moment asked for";
     if (songLength > 0 && at > 2 * songLength + 60)
         return PrintError(errors, tooLate);
-    const std::unique_ptr<IOQImage> scaled(OQCreateImage());
-    if (options.pictureScale != 1.0
-        && (!scaled || !scaled->Create(options.width, options.height, 0, 0)))
-        return PrintError(errors, "no memory for a picture of this size");
+    OutputPicture output;
+    if (!output.Create(options))
+        return PrintError(errors, noMemory);
 
     const int64_t last = static_cast<int64_t>((at - options.from) * options.stepRate.PerSecond());
     host::ProgressLine progress(options.stepRate.PerSecond());
     while (playback.StepCount() <= last) {
+        if (Interrupt::Requested()) {
+            progress.Clear();
+            PrintError(errors, "stopped before the picture's moment");
+            return 130;
+        }
         if (!playback.NextStep()) {
             progress.Clear();
             return PrintError(errors, playback.Error().empty() ? tooLate : playback.Error());
@@ -119,63 +148,106 @@ int RenderPicture(const RenderOptions& options, SongPlayback& playback, std::ost
             static_cast<uint64_t>(playback.StepCount()), static_cast<uint64_t>(last + 1));
     }
     progress.Clear();
-
-    IOQImage* picture = &playback.Picture();
-    if (options.pictureScale != 1.0) {
-        picture->Blit(scaled->GetBits() + int64_t { options.height - 1 } * options.width,
-            options.width, options.height, -options.width * 4);
-        picture = scaled.get();
-    }
-    if (!picture->SavePng(OQString::FromUtf8(options.output).GetText(), true))
-        return PrintError(errors, options.output + ": can't be written");
-    return 0;
+    return SavePicture(output.Of(playback.Picture()), options.output)
+        ? 0
+        : PrintError(errors, options.output + ": can't be written");
 }
 
-int RenderVideo(const RenderOptions& options, SongPlayback& playback, std::ostream& errors)
+// Draws the part's pictures one after the other, until `add`, which takes each, gives false, or
+// Ctrl-C. Gives their number.
+template <typename Add>
+uint64_t DrawPictures(const RenderOptions& options, SongPlayback& playback, const Add& add)
+{
+    const double rate = options.frameRate.PerSecond();
+    const auto total
+        = static_cast<uint64_t>(std::ceil(PartLength(options, playback.Info()) * rate));
+    host::ProgressLine progress(rate);
+    uint64_t pictures = 0;
+    while (!Interrupt::Requested()) {
+        if (options.to >= 0 && options.from + static_cast<double>(pictures) / rate >= options.to)
+            break;
+        const int64_t step = StepAt(pictures, options.frameRate, options.stepRate);
+        bool songGoesOn = true;
+        while (songGoesOn && playback.StepCount() <= step)
+            songGoesOn = playback.NextStep();
+        if (!songGoesOn || !add(playback.Picture()))
+            break;
+        progress.Update(++pictures, total);
+    }
+    return pictures;
+}
+
+int Finished(const RenderOptions& options, uint64_t pictures, std::ostream& errors)
+{
+    if (!Interrupt::Requested())
+        return 0;
+    std::ostringstream place;
+    place << std::fixed << std::setprecision(1)
+          << options.from + static_cast<double>(pictures) / options.frameRate.PerSecond();
+    PrintError(
+        errors, "stopped at " + place.str() + " s; " + options.output + " holds what was done");
+    return 130;
+}
+
+int RenderNumbered(const RenderOptions& options, const NumberedName& name, SongPlayback& playback,
+    std::ostream& errors)
+{
+    constexpr uint64_t firstNumber = 1;
+    std::string fault = PictureFault(options, name.At(firstNumber));
+    if (!fault.empty())
+        return PrintError(errors, fault);
+    OutputPicture output;
+    if (!output.Create(options))
+        return PrintError(errors, noMemory);
+
+    uint64_t number = firstNumber;
+    const uint64_t pictures = DrawPictures(options, playback, [&](IOQImage& picture) {
+        const std::string path = name.At(number++);
+        if (!options.replace && Exists(path))
+            fault = path + ": exists already; --force replaces it";
+        else if (!SavePicture(output.Of(picture), path))
+            fault = path + ": can't be written";
+        return fault.empty();
+    });
+    if (fault.empty())
+        fault = playback.Error();
+    if (fault.empty() && pictures == 0)
+        fault = options.song + ": holds no sound in that part";
+    return fault.empty() ? Finished(options, pictures, errors) : PrintError(errors, fault);
+}
+
+int RenderVideo(const RenderOptions& options, host::VideoContainer container,
+    SongPlayback& playback, Interrupt& interrupt, std::ostream& errors)
 {
     host::EncodeSettings settings;
     settings.width = options.width;
     settings.height = options.height;
     settings.rateNumerator = static_cast<int>(options.frameRate.numerator);
     settings.rateDenominator = static_cast<int>(options.frameRate.denominator);
+    settings.container = container;
     settings.level = options.level;
     settings.threads = options.threads;
-    settings.sound = options.sound;
+    settings.sound = SoundOf(options, container);
     settings.songPath = options.song;
     settings.songStart = options.from;
     settings.replace = options.replace;
-    settings.title = playback.Info().tags.title;
-    settings.artist = playback.Info().tags.artist;
-    settings.album = playback.Info().tags.album;
+    settings.tags = playback.Info().tags;
+    OutputPicture output;
+    if (!output.Create(options))
+        return PrintError(errors, noMemory);
     std::string error;
     const auto writer = host::VideoWriter::Open(options.output, settings, error);
     if (!writer)
         return PrintError(errors, error);
 
-    const Interrupt interrupt(writer->UnfinishedPath());
+    interrupt.RemoveAtEnd(writer->UnfinishedPath());
     playback.SetSoundSink(
         [&](const float* interleaved, size_t frames) { writer->AddSound(interleaved, frames); });
-    const double frameSeconds = 1.0 / options.frameRate.PerSecond();
-    const auto total = static_cast<uint64_t>(
-        std::ceil(PartLength(options, playback.Info()) * options.frameRate.PerSecond()));
-    host::ProgressLine progress(options.frameRate.PerSecond());
-    ScaledPicture scaled(options.width, options.height);
-    uint64_t pictures = 0;
-    bool songGoesOn = true;
-    while (!Interrupt::Requested()) {
-        const double seconds = static_cast<double>(pictures) * frameSeconds;
-        if (options.to >= 0 && options.from + seconds >= options.to)
-            break;
-        const int64_t step = StepAt(pictures, options.frameRate, options.stepRate);
-        while (songGoesOn && playback.StepCount() <= step)
-            songGoesOn = playback.NextStep();
-        if (!songGoesOn)
-            break;
-        if (!writer->AddPicture(scaled.TopRow(playback.Picture()), scaled.Pitch()))
-            break;
-        progress.Update(++pictures, total);
-    }
-    progress.Clear();
+    const uint64_t pictures = DrawPictures(options, playback, [&](IOQImage& picture) {
+        const uint32_t* bits = output.Of(picture).GetBits();
+        return writer->AddPicture(
+            bits + int64_t { options.height - 1 } * options.width, -ptrdiff_t { options.width });
+    });
 
     if (!playback.Error().empty())
         return PrintError(errors, playback.Error());
@@ -185,37 +257,65 @@ int RenderVideo(const RenderOptions& options, SongPlayback& playback, std::ostre
                                     : writer->Error());
     if (!writer->Finish())
         return PrintError(errors, writer->Error());
-    if (Interrupt::Requested()) {
-        errors << "pxvis: stopped at " << std::fixed << std::setprecision(1)
-               << options.from + static_cast<double>(pictures) * frameSeconds << " s; "
-               << options.output << " holds what was done\n";
-        return 130;
+    return Finished(options, pictures, errors);
+}
+
+// What is wrong with the options as such, whatever the song is; empty: nothing.
+std::string UsageFault(const RenderOptions& options, const OutputKind& kind)
+{
+    if (!kind.picture && !kind.container)
+        return options.output + ": the name must end in .mp4, .webm or .png";
+    std::string fault = VisualSession::SizeFault(options.width, options.height);
+    if (fault.empty())
+        fault = VisualSession::SizeFault(options.DrawnWidth(), options.DrawnHeight());
+    if (!fault.empty())
+        return fault;
+    if (kind.container) {
+        constexpr int least = host::EncodeSettings::SideLeast;
+        if (options.width % 2 != 0 || options.height % 2 != 0 || options.width < least
+            || options.height < least)
+            return "the sides of a video are even numbers from 16 on";
+        if (*kind.container == host::VideoContainer::WebM
+            && SoundOf(options, *kind.container) != host::SoundCoding::Opus)
+            return "a WebM file takes its sound as opus only";
     }
-    return 0;
+    if (options.to >= 0 && options.to <= options.from)
+        return "--to must lie behind --from";
+    if (options.at >= 0 && (kind.container || kind.numbered))
+        return "--at is for a single picture";
+    if (options.at >= 0
+        && (options.at < options.from || (options.to >= 0 && options.at > options.to)))
+        return "--at lies outside --from and --to";
+    return {};
 }
 
 }
 
 int RunRender(const RenderOptions& options, std::ostream& errors)
 {
-    const bool picture = HasExtension(options.output, ".png");
-    if (!picture && !HasExtension(options.output, ".mp4"))
-        return PrintError(errors, options.output + ": the name must end in .mp4 or .png");
-    // FIXME: *.webm and numbered pictures (frame-%05d.png).
-    if (picture && IsNumbered(options.output))
-        return PrintError(errors, options.output + ": numbered pictures can't be made yet");
-    if (!picture && (options.width % 2 != 0 || options.height % 2 != 0))
-        return PrintError(errors, "the sides of a video are even numbers");
-
-    if (options.to >= 0 && options.to <= options.from)
-        return PrintError(errors, "--to must lie behind --from");
-
+    OutputKind kind;
     std::string error;
+    kind.picture = HasExtension(options.output, ".png");
+    if (HasExtension(options.output, ".mp4"))
+        kind.container = host::VideoContainer::Mp4;
+    else if (HasExtension(options.output, ".webm"))
+        kind.container = host::VideoContainer::WebM;
+    if (kind.picture)
+        kind.numbered = NumberedName::Parse(options.output, error);
+    if (error.empty())
+        error = UsageFault(options, kind);
+    if (!error.empty())
+        return PrintUsageError(errors, error);
+
     const auto playback = SongPlayback::Open(options, error, errors);
     if (!playback)
         return PrintError(errors, error);
-    return picture ? RenderPicture(options, *playback, errors)
-                   : RenderVideo(options, *playback, errors);
+    Interrupt interrupt;
+    interrupt.RemoveAtEnd(playback->CoverFile());
+    if (kind.container)
+        return RenderVideo(options, *kind.container, *playback, interrupt, errors);
+    return kind.numbered ? RenderNumbered(options, *kind.numbered, *playback, errors)
+                         : RenderPicture(options, *playback, errors);
 }
 
 }

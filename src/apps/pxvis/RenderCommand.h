@@ -4,6 +4,7 @@
 #include "host/EncodeSettings.h"
 
 #include <iosfwd>
+#include <optional>
 #include <string>
 
 namespace pxvis {
@@ -11,7 +12,7 @@ namespace pxvis {
 struct RenderOptions
 {
     std::string song;
-    std::string output; // *.mp4 or *.png
+    std::string output; // *.mp4, *.webm, *.png, or a name such as frame-%05d.png
     std::string script; // as FindScripts takes it
     int32_t width = 1920;
     int32_t height = 1080;
@@ -25,13 +26,19 @@ struct RenderOptions
     double cycle = 20; // seconds to the next script of several
     double pictureScale = 1.0; // 0.05 to 1
     host::EncodeLevel level = host::EncodeLevel::Good;
-    host::SoundCoding sound = host::SoundCoding::Aac;
+    std::optional<host::SoundCoding> sound; // none: what the kind of file is known for
     int threads = 0; // of the encoder; 0: as many as suit the machine
     bool replace = false;
+
+    // Of the pictures that the engine draws, in pixels.
+    int32_t DrawnWidth() const { return static_cast<int32_t>(width * pictureScale); }
+
+    int32_t DrawnHeight() const { return static_cast<int32_t>(height * pictureScale); }
 };
 
-// The command "render": turns a song into a video or one picture of it. Gives the exit status;
-// 130 after Ctrl-C, with a whole video up to that moment.
+// The command "render": turns a song into a video, one picture of it, or numbered pictures. Gives
+// the exit status: 2 where the options can't be meant, 130 after Ctrl-C, with a whole video, or
+// whole pictures, up to that moment.
 int RunRender(const RenderOptions& options, std::ostream& errors);
 
 }

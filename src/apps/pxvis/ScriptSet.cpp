@@ -1,10 +1,11 @@
 #include "apps/pxvis/ScriptSet.h"
 
-#include "os/InstallPlaces.h"
+#include "foundation/OQDataRoots.h"
+#include "foundation/OQFileFinder.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <filesystem>
+#include <utility>
 
 namespace pxvis {
 
@@ -17,26 +18,15 @@ constexpr size_t mostScripts = 10000;
 std::vector<std::string> ScriptsBelow(const fs::path& folder)
 {
     std::vector<std::string> scripts;
-    std::error_code fault;
-    for (fs::recursive_directory_iterator
-             it(folder, fs::directory_options::skip_permission_denied, fault),
-         end;
-         !fault && it != end && scripts.size() < mostScripts; it.increment(fault)) {
+    OQFileFinder finder(OQString::FromUtf8(folder.string()), u"*.pxv", OQFinderDepth::TreeAndLinks);
+    while (finder.Next() && scripts.size() < mostScripts) {
+        std::string path = finder.GetPath().ToUtf8();
         std::error_code ignored;
-        if (it->path().extension() == ".pxv" && it->is_regular_file(ignored))
-            scripts.push_back(it->path().string());
+        if (fs::is_regular_file(path, ignored))
+            scripts.push_back(std::move(path));
     }
     std::sort(scripts.begin(), scripts.end());
     return scripts;
-}
-
-fs::path UserDataFolder()
-{
-    if (const char* data = std::getenv("XDG_DATA_HOME"); data && *data == '/')
-        return fs::path(data) / "pxvis";
-    if (const char* home = std::getenv("HOME"); home && *home == '/')
-        return fs::path(home) / ".local/share/pxvis";
-    return {};
 }
 
 fs::path ScriptFolder(const fs::path& data)
@@ -54,7 +44,8 @@ std::string RelativeName(const std::string& script, const fs::path& folder)
 
 std::vector<std::string> FindScripts(const std::string& name, std::string& error)
 {
-    const fs::path shipped = ScriptFolder(os::GetInstallPlaces().data);
+    const OQDataRoots roots = OQDataRoots::Get();
+    const fs::path shipped = ScriptFolder(roots.shipped.ToUtf8());
     if (name.empty()) {
         auto scripts = ScriptsBelow(shipped);
         if (scripts.empty())
@@ -73,10 +64,9 @@ std::vector<std::string> FindScripts(const std::string& name, std::string& error
 
     std::string wanted = name;
     std::replace(wanted.begin(), wanted.end(), '\\', '/');
-    const fs::path user = UserDataFolder();
-    for (const fs::path& folder : { user.empty() ? fs::path() : ScriptFolder(user), shipped }) {
-        for (const std::string& script :
-            folder.empty() ? std::vector<std::string>() : ScriptsBelow(folder)) {
+    const fs::path user = roots.user.IsEmpty() ? fs::path() : ScriptFolder(roots.user.ToUtf8());
+    for (const fs::path& folder : { user, shipped }) {
+        for (const std::string& script : ScriptsBelow(folder)) {
             if (RelativeName(script, folder) == wanted || fs::path(script).stem() == wanted)
                 return { script };
         }

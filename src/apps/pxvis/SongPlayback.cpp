@@ -64,8 +64,8 @@ std::unique_ptr<SongPlayback> SongPlayback::Open(
     playback->m_stepRate = options.stepRate;
 
     VisualSessionSettings session;
-    session.width = static_cast<int32_t>(options.width * options.pictureScale);
-    session.height = static_cast<int32_t>(options.height * options.pictureScale);
+    session.width = options.DrawnWidth();
+    session.height = options.DrawnHeight();
     session.stepRate = options.stepRate;
     // Seeds next to each other start the random numbers far apart.
     if (options.seeded)

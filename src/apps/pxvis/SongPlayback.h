@@ -44,6 +44,9 @@ public:
 
     const host::SongInfo& Info() const { return m_decoder->Info(); }
 
+    // A file that is gone with the object; empty if there is none.
+    const std::string& CoverFile() const { return m_cover->Path(); }
+
 private:
     class SoundTap;
 

@@ -1,7 +1,6 @@
 #include "apps/pxvis/VisualSession.h"
 
-#include "engine2d/VisLimits.h"
-#include "foundation/OQFileSystem.h"
+#include "apps/pxvis/ScriptText.h"
 #include "foundation/OQSiblingModules.h"
 #include "foundation/OQXmlDocument.h"
 
@@ -18,18 +17,22 @@ VisualSession::VisualSession(const VisualSessionSettings& settings)
     m_audio->frameRate = static_cast<int32_t>(settings.stepRate.PerSecond() * 1000.0);
 }
 
+std::string VisualSession::SizeFault(int32_t width, int32_t height)
+{
+    if (width >= smallestSide && height >= smallestSide && width <= largestSide
+        && height <= largestSide && int64_t { width } * height <= mostPixels)
+        return {};
+    return "a picture of " + std::to_string(width) + "x" + std::to_string(height)
+        + " can't be drawn: sides are " + std::to_string(smallestSide) + " to "
+        + std::to_string(largestSide) + " pixels, 64 megapixels in all";
+}
+
 std::unique_ptr<VisualSession> VisualSession::Create(
     const VisualSessionSettings& settings, std::string& error)
 {
-    const int32_t width = settings.width;
-    const int32_t height = settings.height;
-    if (width < smallestSide || height < smallestSide || width > largestSide || height > largestSide
-        || int64_t { width } * height > mostPixels) {
-        error = "a picture of " + std::to_string(width) + "x" + std::to_string(height)
-            + " can't be drawn: sides are " + std::to_string(smallestSide) + " to "
-            + std::to_string(largestSide) + " pixels, 64 megapixels in all";
+    error = SizeFault(settings.width, settings.height);
+    if (!error.empty())
         return nullptr;
-    }
     if (!OQSiblingModules::Get().ImageApp()) {
         error = "the image module is missing: " + OQSiblingModules::Get().ImageFailure();
         return nullptr;
@@ -40,14 +43,11 @@ std::unique_ptr<VisualSession> VisualSession::Create(
 // The engine passes over what it can't read; a person who names a file wants to know.
 bool VisualSession::CheckScript(const std::string& path, std::string& error)
 {
-    const OQString script = OQString::FromUtf8(path);
     OQString text;
     OQXmlDocument document;
-    if (!OQFileSystem::FileExists(script)) {
-        error = path + ": no such script";
-    } else if (!OQFileSystem::ReadTextFile(script, text, VisLimits::scriptFileBytes)) {
-        error = path + ": can't be read, or is no file of at most 4 MiB";
-    } else if (!document.SetDocument(text)) {
+    if (!ReadScriptText(path, text, error))
+        return false;
+    if (!document.SetDocument(text)) {
         error = path + ": not a script: " + document.GetError().ToUtf8();
     } else if (!CVisualization::FindScript(document)) {
         error = path + ": not a script: the root element must be PXV with the Version 1.0";

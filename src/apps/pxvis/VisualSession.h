@@ -39,7 +39,10 @@ public:
     static constexpr int32_t largestSide = 16384;
     static constexpr int64_t mostPixels = int64_t { 64 } << 20;
 
-    // Null, and one line, for a size outside the limits above or without the image module.
+    // One line for a size outside the limits above, or empty.
+    static std::string SizeFault(int32_t width, int32_t height);
+
+    // Null, and one line, for a size with a fault or without the image module.
     static std::unique_ptr<VisualSession> Create(
         const VisualSessionSettings& settings, std::string& error);
 

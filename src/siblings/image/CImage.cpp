@@ -4,11 +4,15 @@
 #include "kernels/DrawLine.h"
 #include "kernels/PixelFromColor.h"
 #include "kernels/Stretch.h"
+#include "os/File.h"
+#include "siblings/image/ImageDecoder.h"
 #include "siblings/image/ImageDrawing.h"
-#include "siblings/image/ImagePng.h"
+#include "siblings/image/ImageSaving.h"
 #include "siblings/image/ImageText.h"
 
+#include <algorithm>
 #include <cstdlib>
+#include <pxvis/IOQVisualizationHost.h>
 
 using pxvis::image::Pixels;
 using pxvis::kernels::PixelFromColor;
@@ -33,6 +37,18 @@ std::string Utf8(const OQChar* text)
     return OQString(text, length).ToUtf8();
 }
 
+// Those who write scripts elsewhere part folders by "\\".
+bool ReadPicture(std::string path, std::string& bytes)
+{
+    using namespace pxvis::os;
+    FileError error = ReadFile(path, pxvis::image::kMaxFileBytes, bytes);
+    if (error == FileError::NotFound && path.find('\\') != std::string::npos) {
+        std::replace(path.begin(), path.end(), '\\', '/');
+        error = ReadFile(path, pxvis::image::kMaxFileBytes, bytes);
+    }
+    return error == FileError::None;
+}
+
 }
 
 void CImage::FreeBits::operator()(uint32_t* bits) const
@@ -53,8 +69,7 @@ bool CImage::Create(int32_t width, int32_t height, int32_t, int32_t)
 {
     m_bits.reset();
     m_info = {};
-    if (width < 1 || height < 1 || width > kMaxSide || height > kMaxSide
-        || int64_t { width } * height > kMaxPixels)
+    if (!pxvis::image::IsAllowedSize(width, height))
         return false;
     const auto count = static_cast<size_t>(width) * static_cast<size_t>(height);
     m_bits.reset(static_cast<uint32_t*>(std::calloc(count, sizeof(uint32_t))));
@@ -152,16 +167,64 @@ bool CImage::SavePng(const OQChar* path, bool opaque) const
     }
 }
 
-// FIXME: loading, drawing to another image and JPEG.
-bool CImage::Load(
-    const OQChar*, int32_t, int32_t, int32_t, int32_t, int32_t, int32_t, int32_t, int32_t, int32_t)
+bool CImage::Load(const OQChar* path, int32_t width, int32_t height, int32_t, int32_t, int32_t,
+    int32_t, int32_t, int32_t, int32_t)
 {
-    return false;
+    Create(0, 0, 0, 0);
+    if (!path)
+        return false;
+    try {
+        std::string bytes;
+        return ReadPicture(Utf8(path), bytes) && LoadBytes(bytes, width, height);
+    } catch (...) {
+        return false;
+    }
 }
 
-bool CImage::LoadFromHost(const void*, int32_t, int32_t)
+bool CImage::LoadFromHost(const void* value, int32_t width, int32_t height)
 {
-    return false;
+    Create(0, 0, 0, 0);
+    const auto* picture = static_cast<const HostPicture*>(value);
+    if (!picture || !picture->bytes || picture->size > pxvis::image::kMaxFileBytes)
+        return false;
+    try {
+        return LoadBytes(
+            { reinterpret_cast<const char*>(picture->bytes), picture->size }, width, height);
+    } catch (...) {
+        return false;
+    }
+}
+
+bool CImage::LoadBytes(std::string_view bytes, int32_t width, int32_t height)
+{
+    const int64_t askedWidth = std::abs(int64_t { width });
+    const int64_t askedHeight = std::abs(int64_t { height });
+    if (!pxvis::image::IsAllowedSize(
+            std::max<int64_t>(askedWidth, 1), std::max<int64_t>(askedHeight, 1)))
+        return false;
+    const bool keepsSide = askedWidth == 0 || askedHeight == 0;
+    pxvis::image::Pixbuf pixbuf = pxvis::image::Decode(
+        bytes, keepsSide ? 0 : static_cast<int32_t>(std::max(askedWidth, askedHeight)));
+    if (!pixbuf)
+        return false;
+    const OQSize own = pxvis::image::SizeOfUpright(pixbuf.get());
+    const OQSize asked { askedWidth ? static_cast<int32_t>(askedWidth) : own.cx,
+        askedHeight ? static_cast<int32_t>(askedHeight) : own.cy };
+    CImage upright;
+    CImage& decoded = asked == own ? *this : upright;
+    if (!decoded.Create(own.cx, own.cy, 0, 0))
+        return false;
+    pxvis::image::CopyUpright(decoded.View(), pixbuf.get());
+    pixbuf.reset();
+    if (asked == own)
+        return true;
+    CImage stretched;
+    if (!stretched.Create(asked.cx, asked.cy, 0, 0))
+        return false;
+    pxvis::image::ImageStretch().Store(stretched.View(), upright.View());
+    m_bits = std::move(stretched.m_bits);
+    m_info = stretched.m_info;
+    return true;
 }
 
 bool CImage::IsValid() const
@@ -169,12 +232,37 @@ bool CImage::IsValid() const
     return m_bits != nullptr;
 }
 
-bool CImage::DrawTo(IOQImage&, const OQRect&, bool) const
+bool CImage::DrawTo(IOQImage& target, const OQRect& rect, bool keepShape) const
 {
-    return false;
+    uint32_t* bits = target.GetBits();
+    const OQSize size = target.GetSize();
+    if (!m_bits || !bits)
+        return false;
+    if (pxvis::image::IsEmpty(rect))
+        return true;
+    try {
+        CImage copy; // when the picture is drawn on itself
+        if (bits == m_bits.get()) {
+            if (!copy.Create(m_info.width, m_info.height, 0, 0))
+                return false;
+            pxvis::image::CopyRect(copy.View(), View(), pxvis::image::Bounds(View()), 0, 0);
+        }
+        const Pixels source = copy.IsValid() ? copy.View() : View();
+        m_stretch.Blend(ViewOf(bits, size.cx, size.cy), source,
+            pxvis::image::PlacementIn(rect, source, keepShape));
+        return true;
+    } catch (...) {
+        return false;
+    }
 }
 
-bool CImage::SaveJpeg(const OQChar*, int32_t, int32_t) const
+bool CImage::SaveJpeg(const OQChar* path, int32_t quality, int32_t) const
 {
-    return false;
+    if (!m_bits || !path)
+        return false;
+    try {
+        return pxvis::image::SaveJpeg(View(), Utf8(path), quality);
+    } catch (...) {
+        return false;
+    }
 }

@@ -1,17 +1,16 @@
 #pragma once
 
 #include "foundation/IOQImage.h"
+#include "siblings/image/ImageStretch.h"
 #include "siblings/image/Pixels.h"
 
 #include <memory>
+#include <string_view>
 
 // The image module's picture: an array of pixels, and drawing on it.
 class CImage final : public IOQImage
 {
 public:
-    // Checked before memory is taken: sizes may come from a stranger's file.
-    static constexpr int32_t kMaxSide = 16384;
-    static constexpr int64_t kMaxPixels = int64_t { 64 } << 20;
     static constexpr int kMaxTextUnits = 16384; // also of a path, which the system ends at 4096
 
     void SetOption(int32_t value) override;
@@ -44,9 +43,12 @@ private:
         void operator()(uint32_t* bits) const;
     };
 
+    bool LoadBytes(std::string_view bytes, int32_t width, int32_t height);
+
     // Only of an image that isn't empty.
     pxvis::image::Pixels View() const;
 
     std::unique_ptr<uint32_t[], FreeBits> m_bits;
     OQBitmapInfo m_info;
+    mutable pxvis::image::ImageStretch m_stretch; // kept between frames
 };

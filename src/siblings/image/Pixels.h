@@ -5,6 +5,16 @@
 
 namespace pxvis::image {
 
+// Checked before memory is taken: sizes may come from a stranger's file.
+constexpr int32_t kMaxSide = 16384;
+constexpr int64_t kMaxPixels = int64_t { 64 } << 20;
+
+constexpr bool IsAllowedSize(int64_t width, int64_t height)
+{
+    return width >= 1 && height >= 1 && width <= kMaxSide && height <= kMaxSide
+        && width * height <= kMaxPixels;
+}
+
 // Where a picture's pixels lie; never empty. Owned by the image.
 struct Pixels
 {

@@ -1,7 +1,7 @@
 #include "siblings/tools/CDisplayScale.h"
 
 #include "foundation/OQNumberText.h"
-#include "os/XdgFolder.h"
+#include "os/UserFolders.h"
 
 #include <algorithm>
 #include <cmath>

@@ -2,7 +2,7 @@
 
 #include "foundation/OQFormat.h"
 #include "foundation/OQNumberText.h"
-#include "os/XdgFolder.h"
+#include "os/UserFolders.h"
 #include "siblings/tools/LogOutput.h"
 
 #include <algorithm>
@@ -87,7 +87,7 @@ void CLog::Write(int32_t level, const OQChar* scope, const OQChar* text,
         const std::lock_guard lock(m_lock);
         if (!m_isOpen) {
             m_isOpen = true; // a folder that refuses once isn't asked again for every line
-            const std::string state = pxvis::os::XdgFolder("XDG_STATE_HOME", ".local/state");
+            const std::string state = pxvis::os::UserFolder("XDG_STATE_HOME", ".local/state");
             m_output = std::make_unique<LogOutput>(state.empty() ? state : state + "/pxvis");
         }
         if (m_output)

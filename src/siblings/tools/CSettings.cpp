@@ -1,6 +1,6 @@
 #include "siblings/tools/CSettings.h"
 
-#include "os/XdgFolder.h"
+#include "os/UserFolders.h"
 #include "siblings/tools/CSettingsKey.h"
 
 using pxvis::tools::SettingsDocument;
@@ -13,7 +13,7 @@ constexpr const char* kFileName = "settings.xml";
 
 std::string UserFolder()
 {
-    const std::string config = pxvis::os::XdgFolder("XDG_CONFIG_HOME", ".config");
+    const std::string config = pxvis::os::UserFolder("XDG_CONFIG_HOME", ".config");
     return config.empty() ? config : config + "/pxvis";
 }
 

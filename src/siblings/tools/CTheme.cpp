@@ -2,7 +2,7 @@
 
 #include "foundation/IOQDllString.h"
 #include "foundation/OQString.h"
-#include "os/XdgFolder.h"
+#include "os/UserFolders.h"
 #include "siblings/tools/ThemeColors.h"
 
 void CTheme::Open()
@@ -20,7 +20,7 @@ uint32_t CTheme::GetColor(int32_t index) const
 void CTheme::GetDataFolder(IOQDllString& folder) const
 {
     try {
-        const std::string data = pxvis::os::XdgFolder("XDG_DATA_HOME", ".local/share");
+        const std::string data = pxvis::os::UserFolder("XDG_DATA_HOME", ".local/share");
         const OQString path = data.empty() ? OQString() : OQString::FromUtf8(data + "/pxvis/");
         folder.SetText(path.GetText(), path.GetLength());
     } catch (...) {

@@ -1,7 +1,8 @@
 #include "siblings/tools/LogOutput.h"
 
 #include "foundation/IOQTools.h"
-#include "os/XdgFolder.h"
+#include "os/Folder.h"
+#include "os/UserFolders.h"
 
 #include <spdlog/logger.h>
 #include <spdlog/sinks/rotating_file_sink.h>

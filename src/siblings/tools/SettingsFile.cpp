@@ -4,7 +4,8 @@
 #include "foundation/OQFormat.h"
 #include "foundation/OQTextEncoding.h"
 #include "os/FileLock.h"
-#include "os/XdgFolder.h"
+#include "os/Folder.h"
+#include "os/UserFolders.h"
 
 #include <unistd.h>
 

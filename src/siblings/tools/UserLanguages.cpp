@@ -1,6 +1,6 @@
 #include "siblings/tools/UserLanguages.h"
 
-#include "os/XdgFolder.h"
+#include "os/UserFolders.h"
 
 #include <algorithm>
 #include <string_view>

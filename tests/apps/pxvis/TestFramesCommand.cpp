@@ -119,7 +119,7 @@ TEST_CASE("Bad scripts and sizes are refused in one line before any picture")
     }
     for (const int32_t side : { 0, -1, 7, 100000, INT32_MAX, INT32_MIN }) {
         const Outcome frames = Frames(demoScript, side, 16, Records(1, 0));
-        CHECK(frames.status == 1);
+        CHECK(frames.status == 2);
         CHECK(IsOneLine(frames.errors));
     }
 }

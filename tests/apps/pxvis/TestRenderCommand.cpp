@@ -110,7 +110,7 @@ TEST_CASE("A single picture is the engine's at that moment, at the size asked fo
     CHECK(Render(options) == 0);
     options.at = 9;
     options.replace = true;
-    CHECK(Render(options) == 1); // behind --to
+    CHECK(Render(options) == 2); // behind --to
     CHECK(folder.Count() == 3);
 }
 
@@ -119,39 +119,88 @@ TEST_CASE("What can't be done leaves nothing behind and says why in one line")
     const Folder folder;
     const TestFile text("song.mp3", "not music at all");
     const TestFile brokenScript("broken.pxv", "<PXV Version=\"1.0\"><Layer>");
-    const auto fails = [&](auto change) {
+    const auto gives = [&](int status, auto change) {
         pxvis::RenderOptions options = Options(folder.File("out.mp4"));
         change(options);
-        CHECK(Render(options) == 1);
+        CHECK(Render(options) == status);
         CHECK(folder.Count() == 0);
     };
+    const auto fails = [&](auto change) { gives(1, change); };
+    const auto isWrongUsage = [&](auto change) { gives(2, change); };
     fails([](auto& options) { options.song = "/nowhere.mp3"; });
     fails([](auto& options) { options.song = "/tmp"; });
     fails([](auto& options) { options.song = "/nowhere\n\x1B[31m.mp3"; }); // still one line
     fails([&](auto& options) { options.song = text.Path(); });
     fails([&](auto& options) { options.script = brokenScript.Path(); });
     fails([](auto& options) { options.script = "No Such Script"; });
-    fails([](auto& options) { options.width = 0; });
-    fails([](auto& options) { options.width = 100000; });
-    fails([](auto& options) { options.width = 63; });
     fails([](auto& options) { options.output = "/nowhere/out.mp4"; });
-    fails([&](auto& options) { options.output = folder.File("out.avi"); });
-    fails([&](auto& options) { options.output = folder.File("frame-%05d.png"); });
+    fails([](auto& options) { options.output = "/nowhere/%05d.png"; });
     fails([&](auto& options) {
         options.output = folder.File("out.png");
         options.to = -1;
         options.at = 1e6;
     });
-    fails([&](auto& options) {
+    for (const char* name : { "out.mp4", "out.webm", "%05d.png" })
+        fails([&](auto& options) {
+            options.output = folder.File(name);
+            options.from = 4000;
+            options.to = -1;
+        });
+
+    isWrongUsage([](auto& options) { options.width = 0; });
+    isWrongUsage([](auto& options) { options.width = 100000; });
+    isWrongUsage([](auto& options) { options.width = 63; });
+    isWrongUsage([](auto& options) { options.height = 14; });
+    isWrongUsage([](auto& options) { options.pictureScale = 0.1; });
+    isWrongUsage([](auto& options) { options.at = 8; });
+    isWrongUsage([](auto& options) { options.to = options.from; });
+    isWrongUsage([&](auto& options) { options.output = folder.File("out.avi"); });
+    isWrongUsage([&](auto& options) {
+        options.output = folder.File("out.webm");
+        options.sound = pxvis::host::SoundCoding::Copy;
+    });
+    isWrongUsage([&](auto& options) {
         options.output = folder.File("out.png");
         options.width = 100000;
         options.pictureScale = 0.05;
     });
-    fails([](auto& options) { options.to = options.from; });
-    fails([](auto& options) {
-        options.from = 4000;
-        options.to = -1;
-    });
+    for (const char* name :
+        { "%d.png", "%5d.png", "%05s.png", "%%.png", "%03d%03d.png", "%00d.png", "%010d.png" })
+        isWrongUsage([&](auto& options) { options.output = folder.File(name); });
+}
+
+TEST_CASE("Numbered pictures are those of a video, and none is replaced unless told to")
+{
+    const Folder folder;
+    pxvis::RenderOptions options = Options(folder.File("f-%02d.png"));
+    options.to = 7.2;
+    options.frameRate = { 30, 1 };
+    CHECK(Render(options) == 0);
+    CHECK(folder.Count() == 6);
+    pxvis::RenderOptions single = Options(folder.File("single.png"));
+    single.at = 7 + 5.1 / 30;
+    CHECK(Render(single) == 0);
+    CHECK(Content(folder.File("f-06.png")) == Content(single.output));
+    CHECK(Content(folder.File("f-01.png")) != Content(single.output));
+
+    CHECK(Render(options) == 1);
+    fs::remove(folder.File("f-01.png"));
+    std::ofstream(folder.File("f-03.png")) << "the user's own";
+    CHECK(Render(options) == 1);
+    CHECK(Content(folder.File("f-03.png")) == "the user's own");
+    CHECK(folder.Count() == 7);
+    options.replace = true;
+    CHECK(Render(options) == 0);
+    CHECK(Content(folder.File("f-03.png")).substr(1, 3) == "PNG");
+}
+
+TEST_CASE("A WebM file is made of a part of a song")
+{
+    const Folder folder;
+    const pxvis::RenderOptions options = Options(folder.File("a.WebM"));
+    CHECK(Render(options) == 0);
+    CHECK(Content(options.output).find("webm") < 64);
+    CHECK(folder.Count() == 1);
 }
 
 TEST_CASE("Scripts are found by file, folder or name, and a broken one among several is left out")

@@ -1,42 +1,20 @@
-#include "foundation/IOQImage.h"
-#include "foundation/OQSiblingModules.h"
-
-#include <doctest/doctest.h>
+#include "siblings/image/ImageTesting.h"
 
 #include <algorithm>
 #include <chrono>
 #include <cstring>
 #include <elf.h>
-#include <filesystem>
 #include <fstream>
 #include <gdk-pixbuf/gdk-pixbuf.h>
 #include <limits>
-#include <memory>
 #include <string>
 #include <thread>
 #include <vector>
-
-namespace fs = std::filesystem;
-using Image = std::unique_ptr<IOQImage>;
 
 namespace {
 
 constexpr int32_t kLeast = std::numeric_limits<int32_t>::min();
 constexpr int32_t kMost = std::numeric_limits<int32_t>::max();
-
-Image MakeImage(int32_t width, int32_t height)
-{
-    Image image(OQCreateImage());
-    REQUIRE(image);
-    REQUIRE(image->Create(width, height, 0, 0));
-    return image;
-}
-
-uint32_t PixelAt(IOQImage& image, int32_t x, int32_t y)
-{
-    const OQSize size = image.GetSize();
-    return image.GetBits()[(size.cy - 1 - y) * size.cx + x];
-}
 
 // The smallest rectangle round the pixels that aren't `ground`; all 0 if there are none.
 OQRect InkOf(IOQImage& image, uint32_t ground)
@@ -50,26 +28,6 @@ OQRect InkOf(IOQImage& image, uint32_t ground)
                     std::max(ink.bottom, y + 1) };
     return ink.right ? ink : OQRect {};
 }
-
-struct Folder
-{
-    fs::path path;
-
-    Folder()
-    {
-        std::string name = (fs::temp_directory_path() / "pxvis-test-XXXXXX").string();
-        path = mkdtemp(name.data());
-    }
-
-    ~Folder() { fs::remove_all(path); }
-
-    std::u16string Name(const char* name) const { return (path / name).u16string(); }
-
-    size_t Count() const
-    {
-        return static_cast<size_t>(std::distance(fs::directory_iterator(path), {}));
-    }
-};
 
 // The place of a virtual operation in the table of its class, by the Itanium C++ ABI.
 template <typename Method>
@@ -121,12 +79,13 @@ TEST_CASE("The module shows one symbol")
 TEST_CASE("Each operation keeps its slot, which modules built at other times rely on")
 {
     // The destructor takes the first two.
-    const long slots[]
-        = { SlotOf(&IOQImage::SetOption), SlotOf(&IOQImage::SetOption2), SlotOf(&IOQImage::Create),
-              SlotOf(&IOQImage::Clear), SlotOf(&IOQImage::GetBits), SlotOf(&IOQImage::GetSize),
-              SlotOf(&IOQImage::GetImageHandle), SlotOf(&IOQImage::GetBitmapInfo),
-              SlotOf(&IOQImage::FillRect), SlotOf(&IOQImage::DrawLine), SlotOf(&IOQImage::CopyRect),
-              SlotOf(&IOQImage::Blit), SlotOf(&IOQImage::DrawText), SlotOf(&IOQImage::SavePng) };
+    const long slots[] = { SlotOf(&IOQImage::SetOption), SlotOf(&IOQImage::SetOption2),
+        SlotOf(&IOQImage::Create), SlotOf(&IOQImage::Clear), SlotOf(&IOQImage::GetBits),
+        SlotOf(&IOQImage::GetSize), SlotOf(&IOQImage::GetImageHandle),
+        SlotOf(&IOQImage::GetBitmapInfo), SlotOf(&IOQImage::FillRect), SlotOf(&IOQImage::DrawLine),
+        SlotOf(&IOQImage::CopyRect), SlotOf(&IOQImage::Blit), SlotOf(&IOQImage::DrawText),
+        SlotOf(&IOQImage::SavePng), SlotOf(&IOQImage::Load), SlotOf(&IOQImage::LoadFromHost),
+        SlotOf(&IOQImage::IsValid), SlotOf(&IOQImage::DrawTo), SlotOf(&IOQImage::SaveJpeg) };
     for (size_t i = 0; i < std::size(slots); ++i)
         CHECK(slots[i] == static_cast<long>(i) + 2);
     CHECK(SlotOf(&IOQImageApp::Initialize) == 0);

@@ -1,4 +1,5 @@
 #include "apps/pxvis/AnalyzeCommand.h"
+#include "apps/pxvis/CheckCommand.h"
 #include "apps/pxvis/ErrorLine.h"
 #include "apps/pxvis/EvalCommand.h"
 #include "apps/pxvis/FramesCommand.h"
@@ -109,7 +110,9 @@ void AddRender(CLI::App& app, pxvis::RenderOptions& options, std::string& kernel
     CLI::App& command
         = *app.add_subcommand("render", "Turn a song into a video, or into a picture of it");
     command.add_option("AUDIO", options.song, "The song: any file that can be decoded")->required();
-    command.add_option("-o,--output", options.output, "*.mp4, or *.png for one picture")
+    command
+        .add_option("-o,--output", options.output,
+            "*.mp4, *.webm, *.png for one picture, or frame-%05d.png for all, numbered from 1")
         ->required();
     command.add_option("--script", options.script,
         "A script's file or name, or a folder of scripts [the shipped ones]");
@@ -146,7 +149,9 @@ void AddRender(CLI::App& app, pxvis::RenderOptions& options, std::string& kernel
                                      })
                         .description(""))
         ->type_name("LEVEL");
-    command.add_option("--audio", options.sound, "Sound: copy, aac, opus [aac]")
+    command
+        .add_option("--audio", options.sound,
+            "Sound: copy, aac, opus [aac; opus in *.webm, which takes no other]")
         ->transform(CLI::Transformer(std::map<std::string, pxvis::host::SoundCoding> {
                                          { "aac", pxvis::host::SoundCoding::Aac },
                                          { "opus", pxvis::host::SoundCoding::Opus },
@@ -189,6 +194,22 @@ void AddAnalyze(CLI::App& app, pxvis::AnalyzeOptions& options)
         ->check(NumberIn(0.0, 1e6));
 }
 
+void AddCheck(CLI::App& app, pxvis::CheckOptions& options)
+{
+    CLI::App& command = *app.add_subcommand(
+        "check", "Tell what is wrong with scripts that a loader passes over in silence");
+    command.footer(
+        "A finding a line, FILE:LINE:COLUMN: Component \"Row\": message; exit status 1 if there "
+        "is\n"
+        "any. \"character N\" counts in the row's text, from 1.\n"
+        "--json: an object a line, "
+        "{\"file\":text,\"line\":n,\"column\":n,\"component\":text|null,\n"
+        "\"row\":text|null,\"position\":n|null,\"message\":text}; position is that character.");
+    command.add_option("FILE", options.scripts, "Scripts: files, names, or folders of them")
+        ->required();
+    command.add_flag("--json", options.json, "Findings as JSON, an object a line");
+}
+
 int Run(int argc, char** argv)
 {
     CLI::App app("Music made visible: songs become moving pictures.", "pxvis");
@@ -199,9 +220,11 @@ int Run(int argc, char** argv)
     pxvis::RenderOptions render;
     pxvis::FramesOptions frames;
     pxvis::AnalyzeOptions analyze;
+    pxvis::CheckOptions check;
     AddRender(app, render, kernel);
     AddFrames(app, frames, kernel, threads);
     AddAnalyze(app, analyze);
+    AddCheck(app, check);
     std::string equation;
     bool batch = false;
     CLI::App& eval = *app.add_subcommand(
@@ -230,8 +253,12 @@ int Run(int argc, char** argv)
         return usageStatus;
     }
 
+    // A reader that goes away ends the commands that write for it, in silence; a render goes on.
+    std::signal(SIGPIPE, app.got_subcommand("render") ? SIG_IGN : SIG_DFL);
     if (app.got_subcommand("render"))
         return pxvis::RunRender(render, std::cerr);
+    if (app.got_subcommand("check"))
+        return pxvis::RunCheck(check, std::cout, std::cerr);
     if (eval.parsed())
         return batch ? pxvis::RunEvalBatch(std::cin, std::cout, std::cerr)
                      : pxvis::RunEval(equation, std::cout, std::cerr);
@@ -266,8 +293,6 @@ int main(int argc, char** argv)
 {
     OccupyStandardStreams();
     std::ios::sync_with_stdio(false);
-    // A reader that goes away is a failed write, not the end of the process.
-    std::signal(SIGPIPE, SIG_IGN);
     try {
         return Run(argc, argv);
     } catch (const std::bad_alloc&) {

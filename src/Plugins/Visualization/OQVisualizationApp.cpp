@@ -1,0 +1,40 @@
+#include "Plugins/Visualization/OQVisualizationApp.h"
+
+#include "foundation/OQSiblingModules.h"
+
+#include <cstdlib>
+
+namespace {
+
+OQVisualizationApp g_visualizationApp;
+
+}
+
+// The foundation's tables of characters are built by the compiler, so nothing else is to be set up.
+bool OQVisualizationApp::Startup()
+{
+    return !WantsSiblings() || LoadSiblings();
+}
+
+bool OQVisualizationApp::Shutdown()
+{
+    OQSiblingModules::Get().Unload();
+    return true;
+}
+
+// The other modules are loaded when they are first needed.
+bool OQVisualizationApp::LoadSiblings()
+{
+    return OQSiblingModules::Get().Tools() != nullptr;
+}
+
+bool OQVisualizationApp::Attach()
+{
+    static const bool attached = [] {
+        if (!g_visualizationApp.OnProcessEvent(nullptr, OQProcessAttach, nullptr))
+            return false;
+        std::atexit([] { g_visualizationApp.OnProcessEvent(nullptr, OQProcessDetach, nullptr); });
+        return true;
+    }();
+    return attached;
+}

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <iosfwd>
+#include <string>
+#include <vector>
+
+namespace pxvis {
+
+struct CheckOptions
+{
+    std::vector<std::string> scripts; // each as FindScripts takes it
+    bool json = false;
+};
+
+// The command "check": prints what loading a script passes over in silence, a finding a line,
+//   FILE:LINE:COLUMN: Component "Row": message
+// or, with json, an object a line,
+//   {"file":text,"line":number,"column":number,"component":text|null,"row":text|null,
+//    "position":number|null,"message":text}
+// where position counts the characters of the row's text from 1. Exit status 1 if there is any.
+int RunCheck(const CheckOptions& options, std::ostream& output, std::ostream& errors);
+
+}

@@ -1,0 +1,29 @@
+#pragma once
+
+#include "engine2d/CVisPropertyList.h"
+
+// What the text of a property row stands for.
+enum class CVisRowForm
+{
+    Text, // anything
+    Integer,
+    Choice, // an integer that means something only if it is a value of the map
+    Float,
+    Rectangle,
+    Point,
+    Color,
+    Gradient,
+    Font,
+    Equation,
+    EquationList, // separated by "|"
+};
+
+// A row that a piece reads, for checks and lists. Name and map live as long as the piece.
+struct CVisRowInfo
+{
+    const OQChar* name = nullptr;
+    CVisRowForm form = CVisRowForm::Text;
+    const CVisPresetMap* map = nullptr; // null: no presets
+};
+
+using CVisRowInfoList = OQArray<CVisRowInfo>;

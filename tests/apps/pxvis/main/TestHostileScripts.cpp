@@ -1,0 +1,295 @@
+#include "ChildProcess.h"
+
+#include <doctest/doctest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <sys/stat.h>
+#include <unistd.h>
+
+// Scripts from strangers, one for each thing that could go wrong, drawn by the program itself as a
+// process of its own: it may neither hang, crash, nor exhaust the machine.
+
+namespace fs = std::filesystem;
+
+namespace {
+
+const fs::path hostileFolder = fs::path(PXVIS_SOURCE_DIR) / "tests" / "data" / "hostile";
+const std::string program = PXVIS_BINARY_DIR "/bin/pxvis";
+
+#ifdef __SANITIZE_ADDRESS__
+constexpr double mostSeconds = 20;
+constexpr long mostKilobytes = 2 << 20;
+#else
+constexpr double mostSeconds = 1;
+constexpr long mostKilobytes = 1 << 20;
+#endif
+
+constexpr int width = 320;
+constexpr int height = 240;
+
+const std::string transform = "EB13A0B7-0B36-4bea-B95A-92ED8FEA86CD";
+const std::string spectrum = "B21F9002-EF2E-4d5b-9D40-F61B8F3B34D8";
+const std::string picture = "63B96C06-29A4-4de2-9A9D-9F3E08F8C014";
+
+// One loud record: level 120, a beat, no change; a saw tooth and a full spectrum.
+std::string LoudRecord()
+{
+    std::string record({ 120, 0, 0, 0, 1, 0, 0, 0, 0, 0, 0, 0 });
+    for (int i = 0; i < 2048; ++i)
+        record += static_cast<char>(i);
+    return record + std::string(4, '\0') + std::string(1024, '\xC8');
+}
+
+ChildResult DrawFrame(const fs::path& script)
+{
+    const ChildResult result = RunChild({ program, "frames", "--script", script.string(), "--size",
+                                            std::to_string(width) + "x" + std::to_string(height) },
+        LoudRecord());
+    CHECK(result.processorSeconds < mostSeconds);
+    CHECK(result.mostKilobytes < mostKilobytes);
+    return result;
+}
+
+// What isn't cut off is drawn: every script here has a Spectrum Analyzer that can be seen.
+void CheckDrawn(const fs::path& script)
+{
+    CAPTURE(script.string());
+    const ChildResult result = DrawFrame(script);
+    CHECK(result.status == 0);
+    CHECK(result.errors == "");
+    REQUIRE(result.output.size() == size_t { width } * height * 4);
+    size_t lit = 0;
+    for (size_t i = 0; i < result.output.size(); ++i)
+        lit += i % 4 != 3 && result.output[i] != 0;
+    CHECK(lit > 100);
+}
+
+// One line tells why, and no picture comes.
+void CheckRefused(const fs::path& script)
+{
+    CAPTURE(script.string());
+    const ChildResult result = DrawFrame(script);
+    CHECK(result.status == 1);
+    CHECK(result.output == "");
+    CHECK(result.errors.starts_with("pxvis: " + script.string() + ": "));
+    CHECK(std::count(result.errors.begin(), result.errors.end(), '\n') == 1);
+    CHECK(result.errors.size() < 1100);
+}
+
+std::string Repeat(const std::string& text, int count)
+{
+    std::string result;
+    result.reserve(text.size() * static_cast<size_t>(count));
+    for (int i = 0; i < count; ++i)
+        result += text;
+    return result;
+}
+
+std::string Row(const std::string& name, const std::string& value)
+{
+    return "<" + name + ">" + value + "</" + name + ">\n";
+}
+
+std::string Piece(const std::string& guid, const std::string& rows = {})
+{
+    return "<Component GUID=\"" + guid + "\"><Properties>" + rows + "</Properties></Component>\n";
+}
+
+std::string Layer(const std::string& rows, const std::string& content)
+{
+    return "<Layer><Properties>" + rows + "</Properties>" + content + "</Layer>\n";
+}
+
+std::string Script(const std::string& content)
+{
+    return "<PXV Version=\"1.0\">\n" + content + "</PXV>\n";
+}
+
+// Of a layer that covers nothing.
+const std::string add = Row("OutputMode", "2");
+
+// What is seen.
+const std::string bars = Piece(spectrum, Row("BarGravity", "2147483647") + Row("UpScale", "30"));
+
+// A folder with one script, gone at the end.
+class Folder
+{
+public:
+    Folder()
+    {
+        std::string name = (fs::temp_directory_path() / "pxvis-hostile-XXXXXX").string();
+        m_path = mkdtemp(name.data());
+    }
+
+    ~Folder() { fs::remove_all(m_path); }
+
+    Folder(const Folder&) = delete;
+    Folder& operator=(const Folder&) = delete;
+
+    fs::path operator/(const std::string& name) const { return m_path / name; }
+
+    fs::path Write(const std::string& name, const std::string& text) const
+    {
+        std::ofstream(m_path / name, std::ios::binary) << text;
+        return m_path / name;
+    }
+
+private:
+    fs::path m_path;
+};
+
+void CheckDrawn(const std::string& name, const std::string& text)
+{
+    const Folder folder;
+    CheckDrawn(folder.Write(name + ".pxv", text));
+}
+
+void CheckRefused(const std::string& name, const std::string& text)
+{
+    const Folder folder;
+    CheckRefused(folder.Write(name + ".pxv", text));
+}
+
+}
+
+TEST_CASE("The hostile scripts on file are drawn")
+{
+    int count = 0;
+    for (const fs::directory_entry& entry : fs::directory_iterator(hostileFolder)) {
+        if (!entry.is_regular_file())
+            continue;
+        CheckDrawn(entry.path());
+        ++count;
+    }
+    CHECK(count > 15);
+}
+
+TEST_CASE("Files on file that are no scripts are refused with one line")
+{
+    int count = 0;
+    for (const fs::directory_entry& entry : fs::directory_iterator(hostileFolder / "refused")) {
+        CheckRefused(entry.path());
+        ++count;
+    }
+    CHECK(count > 10);
+}
+
+TEST_CASE("Names that lead to no file of a script's size are refused without waiting")
+{
+    const Folder folder;
+    mkfifo((folder / "pipe.pxv").c_str(), 0600);
+    fs::create_symlink("loop.pxv", folder / "loop.pxv");
+    fs::create_symlink("/dev/zero", folder / "zero.pxv");
+    fs::create_directory(folder / "folder.pxv");
+    std::ofstream(folder / "sparse.pxv").close();
+    fs::resize_file(folder / "sparse.pxv", uintmax_t { 1 } << 40);
+    for (const char* name : { "pipe", "loop", "zero", "folder", "sparse" })
+        CheckRefused(folder / (std::string(name) + ".pxv"));
+    CheckRefused("/dev/zero");
+    CheckRefused("file-of-4-MiB-and-1", Script(bars) + std::string((4 << 20) + 1, ' '));
+    CheckDrawn("file-of-4-MiB", Script(bars) + std::string((4 << 20) - Script(bars).size(), ' '));
+}
+
+TEST_CASE("Nesting and numbers of pieces and rows are cut off")
+{
+    CheckDrawn("nesting-100000",
+        Script(Repeat("<Layer>", 100'000) + bars + Repeat("</Layer>", 100'000) + bars));
+    CheckDrawn("pieces-300000", Script(bars + Repeat("<Component/>", 300'000)));
+    CheckDrawn("layers-30000", Script(bars + Repeat(Layer(add, ""), 30'000)));
+    CheckDrawn("components-30000", Script(Repeat(Piece(spectrum), 30'000)));
+    CheckDrawn("rows-300000", Script(bars + Piece(picture, Repeat("<a>1</a>\n", 300'000))));
+    CheckDrawn("row-of-3-MiB", Script(bars + Piece(picture, Row("a", std::string(3 << 20, 'x')))));
+    CheckDrawn(
+        "row-name-of-1-MiB", Script(bars + Piece(picture, Row(std::string(1 << 20, 'x'), "1"))));
+}
+
+TEST_CASE("Gradients of too many cells take the standard colours")
+{
+    const auto gradient = [](int cells) {
+        return Row("Gradient",
+            "{" + std::to_string(cells) + ", 1} [[" + Repeat("0xFF0000,", cells) + "0xFF0000]]");
+    };
+    for (const int cells : { 65536, 65537, 300'000 })
+        CheckDrawn("gradient-cells-" + std::to_string(cells),
+            Script(Piece(spectrum, gradient(cells)) + bars));
+}
+
+TEST_CASE("Long, deep and many-named equations compile in time, or not at all")
+{
+    const auto script = [](const std::string& equation) {
+        return Script(bars
+            + Piece(transform, Row("DrawFrequency", "1") + Row("TransformEquation", equation)));
+    };
+    CheckDrawn("equation-terms-1000000", script("d=d" + Repeat("+1", 1'000'000)));
+    CheckDrawn("equation-parentheses-1000000", script("d=" + Repeat("(", 1'000'000)));
+    CheckDrawn("equation-signs-2000000", script("d=" + Repeat("-", 2'000'000) + "d"));
+    CheckDrawn("equation-stack-600", script("d=" + Repeat("1+(", 600) + "d" + Repeat(")", 600)));
+    CheckDrawn("equation-powers-300000", script("d=d" + Repeat("^1", 300'000)));
+    CheckDrawn("equation-statements-1000000", script(Repeat("d=d;", 700'000)));
+    std::string names;
+    for (int i = 0; i < 300'000; ++i)
+        names += "v" + std::to_string(i) + "=1;";
+    CheckDrawn("equation-variables-300000", script(names));
+    CheckDrawn("equation-name-3000000", script(std::string(3'000'000, 'a') + "=1"));
+}
+
+TEST_CASE("What a script may keep and compute has an end")
+{
+    // A large layer is shown in part; only its size costs.
+    const std::string large = add + Row("Rectangle", "0;0;20;20");
+    CheckDrawn("layers-of-30-megapixels-1000", Script(bars + Repeat(Layer(large, ""), 1000)));
+    CheckDrawn("layers-added-4000",
+        Script(bars + Repeat(Layer(add + Row("ClearEachFrame", "1"), ""), 4000)));
+    CheckDrawn(
+        "maps-4000", Script(bars + Repeat(Piece(transform, Row("DrawFrequency", "1")), 4000)));
+    CheckDrawn("map-of-large-layer",
+        Script(bars + Layer(large, Piece(transform, Row("DrawFrequency", "1")))));
+    CheckDrawn("work-of-on-equations",
+        Script(bars
+            + Repeat(Layer(add + Row("OnEquation", "on=1" + Repeat("^sin(1)", 100)), ""), 4000)));
+    CheckDrawn("work-of-bars",
+        Script(Repeat(Piece(spectrum, Row("BarWidth", "0.0001") + Row("Channels", "2")), 4000)));
+}
+
+TEST_CASE("Pictures that are no pictures are passed over")
+{
+    const Folder folder;
+    mkfifo((folder / "pipe.png").c_str(), 0600);
+    fs::create_symlink("loop.png", folder / "loop.png");
+    std::ofstream(folder / "sparse.png").close();
+    fs::resize_file(folder / "sparse.png", uintmax_t { 1 } << 40);
+    // The head of a picture of 50000 x 50000 pixels.
+    folder.Write("huge.png",
+        std::string("\x89PNG\r\n\x1a\n\0\0\0\x0DIHDR\0\0\xC3\x50\0\0\xC3\x50\x08\x06\0\0\0", 29)
+            + std::string(1 << 20, '\0'));
+    std::string pieces;
+    for (const char* name : { "pipe.png", "loop.png", "sparse.png", "huge.png" }) {
+        const std::string file = Row("ImageFile", (folder / name).string());
+        pieces += Piece(spectrum, Row("DrawSource", "1") + file) + Piece(picture, file);
+    }
+    CheckDrawn(folder.Write("image-files.pxv", Script(pieces + bars)));
+}
+
+TEST_CASE("Floods of XML are read in time")
+{
+    CheckDrawn(
+        "xml-attributes-500000", Script(bars + "<Component" + Repeat(" a=\"1\"", 500'000) + "/>"));
+    CheckDrawn(
+        "xml-entities-700000", Script(bars + Piece(picture, Row("a", Repeat("&amp;", 700'000)))));
+    CheckDrawn(
+        "xml-ampersands-4000000", Script(bars + Piece(picture, Row("a", Repeat("&", 4'000'000)))));
+    CheckDrawn("xml-cdata-200000",
+        Script(bars + Piece(picture, Row("a", Repeat("<![CDATA[x]]>", 200'000)))));
+    CheckDrawn("xml-comments-400000", Repeat("<!---->", 400'000) + Script(bars));
+    CheckDrawn("xml-line-ends-3000000", Script(bars + Repeat("\n", 3'000'000)));
+    CheckRefused("xml-deep-1000000", Repeat("<a>", 1'000'000));
+    CheckRefused("xml-end-tags-1000000", Script(bars) + Repeat("</a>", 1'000'000));
+    std::string names;
+    for (int i = 0; i < 300'000; ++i)
+        names += "<n" + std::to_string(i) + ">";
+    CheckRefused("xml-names-unclosed-300000", names);
+    CheckRefused("xml-doctype-4000000", "<!DOCTYPE " + Repeat("<", 4'000'000));
+    CheckRefused("xml-tag-of-4-MB", "<" + std::string(4'000'000, 'a') + ">");
+}

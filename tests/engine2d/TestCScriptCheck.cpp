@@ -1,0 +1,185 @@
+#include "engine2d/CGradientEx.h"
+#include "engine2d/CScriptCheck.h"
+#include "engine2d/VisLimits.h"
+
+#include <doctest/doctest.h>
+
+namespace {
+
+constexpr const char* transform
+    = "<Component GUID=\"EB13A0B7-0B36-4bea-B95A-92ED8FEA86CD\" Name=\"Transform\">";
+constexpr const char* spectrum
+    = "<Component GUID=\"B21F9002-EF2E-4d5b-9D40-F61B8F3B34D8\" Name=\"Spectrum Analyzer\">";
+constexpr const char* flush = "<Component GUID=\"36267E6D-70E1-435e-9E2A-428EEA2D3C7E\"/>";
+
+std::vector<CScriptFinding> CheckText(const std::string& text)
+{
+    return CScriptCheck().Check(OQString::FromUtf8(text));
+}
+
+std::vector<CScriptFinding> CheckBody(const std::string& body)
+{
+    return CheckText("<PXV Version=\"1.0\">" + body + "</PXV>");
+}
+
+// The one finding about a row of a Spectrum Analyzer or, with `component`, of another one.
+CScriptFinding CheckRow(
+    const std::string& row, const std::string& text, const char* component = spectrum)
+{
+    const auto findings = CheckBody(std::string(component) + "<Properties><" + row + ">" + text
+        + "</" + row + "></Properties></Component>" + flush);
+    if (findings.empty())
+        return {};
+    INFO(findings[0].message.ToUtf8());
+    CHECK(findings.size() == 1);
+    CHECK(findings[0].row.ToUtf8() == row);
+    return findings[0];
+}
+
+bool IsGood(const std::string& row, const std::string& text, const char* component = spectrum)
+{
+    return CheckRow(row, text, component).message.IsEmpty();
+}
+
+bool Tells(const CScriptFinding& finding, const OQChar* part)
+{
+    INFO(finding.message.ToUtf8());
+    return finding.message.Find(part) >= 0;
+}
+
+}
+
+TEST_CASE("A script that loads as it is meant has no findings")
+{
+    CHECK(CheckBody(flush).empty());
+    CHECK(CheckBody("<!-- words --><Layer><Properties><OnEquation>Beat On</OnEquation>"
+                    "<OutputMode>Add</OutputMode><ClearEachFrame>1</ClearEachFrame>"
+                    "<Rectangle>0;0;.5;1</Rectangle>"
+                    "<TransparentColor>0xFFFFFFFF</TransparentColor></Properties>"
+        + std::string(spectrum)
+        + "<Properties><Gradient>Yellow Metal</Gradient>"
+          "<PeakGravity>300</PeakGravity></Properties></Component></Layer>")
+              .empty());
+}
+
+TEST_CASE("A finding stands at the line and column of the file, and at the character of the row")
+{
+    const auto findings = CheckText("<PXV Version=\"1.0\">\r\n" + std::string(flush) + "\r\n"
+        + transform + "<Properties>\r\n  <ColorEquation>r=1;g=1&lt;2;\r\n</ColorEquation>\r\n"
+        + "</Properties></Component></PXV>");
+    REQUIRE(findings.size() == 1);
+    CHECK(findings[0].line == 4);
+    CHECK(findings[0].column == 18);
+    CHECK(findings[0].component == u"Transform");
+    CHECK(findings[0].row == u"ColorEquation");
+    CHECK(findings[0].position == 11); // of the decoded text
+    CHECK(Tells(CheckText("<PXV Version=\"1.0\">\n<Layer>\n</PXV>").at(0), u"not well formed"));
+    CHECK(CheckText("<PXV Version=\"1.0\">\n<Layer>\n</PXV>").at(0).line == 2);
+}
+
+TEST_CASE("Equations that do not compile are told with the reason, empty ones are none")
+{
+    CHECK(Tells(CheckRow("ScrollEquation", "x=1;\r\n", transform), u"after the last \";\""));
+    CHECK(IsGood("ScrollEquation", "", transform));
+    CHECK(Tells(CheckRow("OnEquation", "on=1;\n"), u"isn't drawn"));
+    CHECK(Tells(CheckRow("OnEquation", ""), u"isn't drawn"));
+    CHECK(Tells(CheckRow("OnEquation", "x=beat"), u"isn't drawn"));
+    CHECK(Tells(CheckRow("OnEquation", "beat on"), u"\"Beat On\""));
+}
+
+TEST_CASE("Values that count as something else are told")
+{
+    CHECK(IsGood("PeakGravity", " +12 "));
+    CHECK(Tells(CheckRow("PeakGravity", "1.5"), u"counts as 1"));
+    CHECK(Tells(CheckRow("PeakGravity", ""), u"counts as 0"));
+    CHECK(Tells(CheckRow("PeakGravity", "3000000000"), u"2147483647"));
+    CHECK(Tells(CheckRow("Mirrored", "2"), u"0 (No) 1 (Yes)"));
+    CHECK(IsGood("BarWidth", "-.5e-1"));
+    CHECK(Tells(CheckRow("BarWidth", "0,5"), u"decimal point"));
+    CHECK(Tells(CheckRow("BarWidth", "1e99"), u"out of range"));
+    CHECK(IsGood("MainRectangle", "0,0,1,.5"));
+    CHECK(Tells(CheckRow("MainRectangle", "0,0,1"), u"4 numbers"));
+    CHECK(Tells(CheckRow("MainRectangle", "0;0;a;1"), u"\"a\""));
+    CHECK(Tells(CheckRow("CenterPoint", "0;0", transform), u"2 numbers"));
+    CHECK(IsGood("PeakColor", "ff8000"));
+    CHECK(Tells(CheckRow("PeakColor", "#ff8000"), u"0x000000"));
+    CHECK(Tells(CheckRow("PeakColor", "0Xff"), u"0x000000"));
+}
+
+TEST_CASE("A gradient is told by its first fault, and the check agrees with the reading")
+{
+    const std::pair<const char*, const OQChar*> texts[] = {
+        { "red", u"size" },
+        { "{0, 1} [[0xFF0000]]", u"size" },
+        { "{300, 300} [[0xFF0000]]", u"at most 65536" },
+        { "{2, 1} [[0xFF0000]]", u"ends" },
+        { "{2, 2} [[0xFF0000,0]]", u"ends" },
+        { "{2, 1} [[0xFF0000, 0x00FF00]]", u"blank" },
+        { "{2, 1} [[0xFF0000,green]]", u"0xRRGGBB" },
+        { "{1, 1} [[0xFF0000,0x00FF00]]", u"more colours" },
+        { "{1, 1} [[0xFF0000][0x00FF00]]", u"more colours" },
+    };
+    CGradientEx standard;
+    standard.SetDefault();
+    for (const auto& [text, reason] : texts) {
+        const CScriptFinding finding = CheckRow("Gradient", text);
+        CHECK(Tells(finding, reason));
+        CGradientEx gradient;
+        gradient.SetText(OQString::FromUtf8(text));
+        CHECK((gradient.GetText() == standard.GetText()) == Tells(finding, u"default"));
+    }
+    CHECK(IsGood("Gradient", "{2, 1} [[0xFF0000,0x0000ff]]"));
+}
+
+TEST_CASE("Hidden and unknown elements are told")
+{
+    const auto one = [](const std::string& body) {
+        const auto findings = CheckBody(body + flush);
+        CHECK(findings.size() == 1);
+        return findings.empty() ? CScriptFinding() : findings[0];
+    };
+    CHECK(Tells(one(std::string("<Layer>") + flush + "<Properties/></Layer>"), u"in front of"));
+    CHECK(Tells(one(std::string("<Group><Layer>") + flush + "</Layer></Group>"), u"2 layers"));
+    CHECK(Tells(one("<layer/>"), u"case counts"));
+    CHECK(Tells(one("<Layer><Properties/><Properties/></Layer>"), u"second"));
+    CHECK(Tells(one("<Properties/>"), u"no rows"));
+    CHECK(Tells(one("<Component Name=\"Flush\"/>"), u"36267E6D-70E1-435e-9E2A-428EEA2D3C7E"));
+    CHECK(Tells(one("<Component GUID=\"eb13a0b7-0b36-4bea-b95a-92ed8fea86cd\"/>"), u"case counts"));
+    CHECK(Tells(one(std::string(transform) + flush + "</Component>"), u"skipped"));
+    CHECK(Tells(one("<Layer><Properties><Colour/></Properties></Layer>"), u"no row"));
+    CHECK(Tells(one("<Layer><Properties><OutputMode>1</OutputMode><OutputMode>2</OutputMode>"
+                    "</Properties></Layer>"),
+        u"last one"));
+    CHECK(Tells(
+        one("<Layer><Properties><Rectangle>0;1;1;1</Rectangle></Properties></Layer>"), u"no area"));
+    CHECK(Tells(CheckText("<pxv Version=\"1.0\"/>").at(0), u"\"PXV\""));
+    CHECK(Tells(CheckText("<PXV Version=\"2.0\"/>").at(0), u"\"2.0\""));
+    CHECK(Tells(CheckText("").at(0), u"Empty document"));
+    CHECK(Tells(CheckBody("").at(0), u"draws nothing"));
+    CHECK(Tells(CheckBody(std::string(transform) + "</Component>").at(0), u"no component paints"));
+}
+
+TEST_CASE("What is past a limit is told once, with the limit")
+{
+    const auto repeat = [](int count, const std::string& text) {
+        std::string all;
+        for (int i = 0; i < count; ++i)
+            all += text;
+        return all;
+    };
+    const auto nested = [&](int depth) {
+        return CheckBody(repeat(depth, "<Layer>") + flush + repeat(depth, "</Layer>"));
+    };
+    CHECK(nested(VisLimits::layerNesting - 1).empty());
+    CHECK(Tells(nested(VisLimits::layerNesting).at(0), u"no component"));
+    CHECK(Tells(nested(VisLimits::layerNesting).at(1), u"64 nested layers"));
+    CHECK(CheckBody(repeat(VisLimits::piecesPerScript, flush)).empty());
+    const auto findings = CheckBody(repeat(VisLimits::piecesPerScript + 9, flush));
+    REQUIRE(findings.size() == 1);
+    CHECK(Tells(findings[0], u"4096"));
+
+    // The findings themselves have one, too.
+    const auto many = CheckBody(flush + repeat(100000, "<x/>"));
+    CHECK(many.size() == CScriptCheck::mostFindings + 1);
+    CHECK(Tells(many.back(), u"99000 more"));
+}
