@@ -10,7 +10,6 @@
 // variable), the machine's /etc/xdg/pxvis/settings.xml, for which machine.xml beside the user's
 // stands in. $PXVIS_MACHINE_FOLDER takes the place of /etc/xdg/pxvis, so that tests and packages
 // leave the system alone. Looked up at the first use after a start.
-// FIXME: a portable program should keep its settings beside itself.
 class CSettings final : public IOQSettings
 {
 public:
