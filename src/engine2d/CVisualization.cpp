@@ -18,6 +18,36 @@ constexpr const OQChar* rootTag = u"PXV";
 constexpr const OQChar* formatVersion = u"1.0";
 constexpr int64_t dateCheckMs = 500;
 
+int32_t CountPieces(const CVisLayerPiece& piece)
+{
+    int32_t count = 0;
+    if (const CVisLayer* layer = piece.GetLayer()) {
+        for (int32_t i = 0; i < layer->GetPieceCount(); ++i)
+            count += 1 + CountPieces(*layer->GetPiece(i));
+    }
+    return count;
+}
+
+// Levels below the piece; 0 for a component or an empty layer.
+int32_t LevelsBelow(const CVisLayerPiece& piece)
+{
+    int32_t levels = 0;
+    if (const CVisLayer* layer = piece.GetLayer()) {
+        for (int32_t i = 0; i < layer->GetPieceCount(); ++i)
+            levels = std::max(levels, 1 + LevelsBelow(*layer->GetPiece(i)));
+    }
+    return levels;
+}
+
+// False for a place so deep that the script, once saved, would not be read back whole.
+bool FitsBelow(const CVisLayerPiece& parent, const CVisLayerPiece& piece)
+{
+    int32_t levels = 1 + LevelsBelow(piece);
+    for (const CVisLayerPiece* above = parent.GetParent(); above; above = above->GetParent())
+        ++levels;
+    return levels <= VisLimits::layerNesting;
+}
+
 }
 
 class CVisualization::Operation
@@ -95,7 +125,6 @@ int32_t CVisualization::SaveScript(const OQString& path)
     const Operation operation(*this);
     if (!path.IsEmpty())
         m_scriptPath = path;
-    m_scriptPath = OQDataRoots::Get().PathForSaving(m_scriptPath);
     m_scriptDocument.SetDocument({});
     m_scriptDocument.AddElem(rootTag);
     m_scriptDocument.SetAttrib(u"Version", formatVersion);
@@ -104,7 +133,9 @@ int32_t CVisualization::SaveScript(const OQString& path)
     const CVisLayer& root = *m_rootPiece.GetLayer();
     for (int32_t i = 0; i < root.GetPieceCount(); ++i)
         helper.WritePiece(*root.GetPiece(i));
-    OQFileSystem::WriteTextFile(m_scriptPath, m_scriptDocument.GetDoc());
+    const OQString target = OQDataRoots::Get().PathForSaving(m_scriptPath);
+    if (OQFileSystem::WriteTextFile(target, m_scriptDocument.GetDoc()))
+        m_scriptPath = target;
     return 0;
 }
 
@@ -179,6 +210,8 @@ int32_t CVisualization::AddPiece(int32_t type, CVisLayerPiece* where)
         parent = where;
     else if (where && where->GetType() == CVisLayerPiece::Type::Component && where->GetParent())
         parent = where->GetParent();
+    if (CountPieces(m_rootPiece) >= VisLimits::piecesPerScript)
+        return 0;
 
     auto piece = std::make_unique<CVisLayerPiece>(parent);
     if (type == newLayer) {
@@ -189,6 +222,8 @@ int32_t CVisualization::AddPiece(int32_t type, CVisLayerPiece* where)
             return 0;
         piece->MakeComponent(std::move(component));
     }
+    if (!FitsBelow(*parent, *piece))
+        return 0;
     CVisLayer& layer = *parent->GetLayer();
     piece->Resize(layer.GetPixelRect());
     layer.InsertPiece(layer.FindPiece(where) + 1, std::move(piece));
@@ -207,6 +242,8 @@ int32_t CVisualization::MovePiece(CVisLayerPiece* piece, int32_t direction)
     const int32_t neighbour = up ? index - 1 : index + 1;
     if (neighbour >= 0 && neighbour < layer.GetPieceCount()) {
         CVisLayer* inner = layer.GetPiece(neighbour)->GetLayer();
+        if (inner && !FitsBelow(*layer.GetPiece(neighbour), *piece))
+            return -1;
         if (inner)
             inner->InsertPiece(up ? inner->GetPieceCount() : 0, layer.TakePiece(index));
         else

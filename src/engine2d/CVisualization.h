@@ -51,11 +51,13 @@ public:
     int32_t Draw(const OQRect& rect, bool showFps);
 
     // `type` is a component's position in the registry, or newLayer. The new piece goes directly
-    // behind `where`, or to the front of the layer that `where` stands for. 1 if it was made.
+    // behind `where`, or to the front of the layer that `where` stands for. 1 if it was made; 0
+    // also past the limits of a script.
     static constexpr int32_t newLayer = -100;
     int32_t AddPiece(int32_t type, CVisLayerPiece* where);
 
-    // One step up (a direction under 1) or down, into and out of layers too. 1 if anything moved.
+    // One step up (a direction under 1) or down, into and out of layers too. 1 if anything moved;
+    // -1 if layers would be nested past the limit.
     int32_t MovePiece(CVisLayerPiece* piece, int32_t direction);
 
     // The root layer's images, to be read after Draw.

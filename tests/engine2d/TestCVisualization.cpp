@@ -2,6 +2,8 @@
 #include "engine2d/CVisComponent.h"
 #include "engine2d/CVisLayer.h"
 #include "engine2d/CVisualization.h"
+#include "engine2d/VisLimits.h"
+#include "host/TestFolder.h"
 
 #include <doctest/doctest.h>
 
@@ -38,6 +40,14 @@ std::string Saved(const std::string& script)
     REQUIRE(engine.LoadScript(PathOf(file)) == 0);
     engine.SaveScript({});
     return file.Read();
+}
+
+int CountOf(const std::string& text, const std::string& part)
+{
+    int count = 0;
+    for (size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1))
+        ++count;
+    return count;
 }
 
 CVisLayer& Root(CVisualization& engine)
@@ -138,7 +148,7 @@ TEST_CASE("What is no script leaves an empty engine and gives -1")
     }
     CHECK(engine.LoadScript(u"/nowhere/x.pxv") == -1);
     CHECK(owner.scriptsLoaded == 6);
-    CHECK(engine.SaveScript(u"/nowhere/x.pxv") == 0);
+    CHECK(engine.SaveScript(u"/proc/nowhere/x.pxv") == 0);
 }
 
 TEST_CASE("Hostile scripts are cut off at the limits on nesting and number of pieces")
@@ -295,6 +305,42 @@ TEST_CASE("Moving goes past components, into layers, and out of them before or b
     CHECK(transform->GetParent() == &engine.GetRootPiece());
 }
 
+TEST_CASE("Edits keep within what a save can bring back")
+{
+    const TestFile file("deep.pxv", "");
+    CVisualization engine(nullptr);
+    CVisLayerPiece* deepest = &engine.GetRootPiece();
+    int layers = 0;
+    while (engine.AddPiece(CVisualization::newLayer, deepest) == 1) {
+        deepest = deepest->GetLayer()->GetPiece(0);
+        ++layers;
+    }
+    CHECK(layers == VisLimits::layerNesting);
+    CHECK(engine.AddPiece(0, deepest) == 0);
+    CHECK(engine.AddPiece(0, deepest->GetParent()) == 1);
+
+    // A layer with a piece would need one level more than is there.
+    CVisLayerPiece* above = deepest->GetParent()->GetParent();
+    REQUIRE(engine.AddPiece(CVisualization::newLayer, above) == 1);
+    CVisLayerPiece* moved = above->GetLayer()->GetPiece(0);
+    REQUIRE(engine.AddPiece(0, moved) == 1);
+    CHECK(engine.MovePiece(moved, 1) == -1);
+    CHECK(Names(*above->GetLayer()) == "layer layer ");
+    CHECK(engine.MovePiece(moved->GetLayer()->GetPiece(0), -1) == 1);
+    CHECK(engine.MovePiece(moved, 1) == 1);
+
+    engine.SaveScript(PathOf(file));
+    const std::string saved = file.Read();
+    const std::string again = Saved(saved);
+    for (const char* tag : { "<Layer>", "<Component " })
+        CHECK(CountOf(again, tag) == CountOf(saved, tag));
+
+    engine.Reset();
+    for (int i = 0; i < VisLimits::piecesPerScript; ++i)
+        REQUIRE(engine.AddPiece(1, nullptr) == 1);
+    CHECK(engine.AddPiece(1, nullptr) == 0);
+}
+
 TEST_CASE("The registry finds types by their exact GUID and lists a category by name")
 {
     CComponentManager manager;
@@ -310,4 +356,22 @@ TEST_CASE("The registry finds types by their exact GUID and lists a category by 
     CHECK(indexes[3] == 0);
     manager.List(2, names, indexes);
     CHECK(names.GetCount() == 0);
+}
+
+TEST_CASE("A shipped script is saved as the user's, whose file it is from then on")
+{
+    const TestFolder folder;
+    setenv("XDG_DATA_HOME", folder.Path("").c_str(), 1);
+    const std::string name = "Visualizations/Vis Studio/Bright/Undertow.pxv";
+    const std::string shipped = PXVIS_SOURCE_DIR "/data/" + name;
+    const auto date = std::filesystem::last_write_time(shipped);
+    std::filesystem::create_directories(folder.Path("pxvis/Visualizations/Vis Studio/Bright"));
+    CVisualization engine(nullptr);
+    REQUIRE(engine.LoadScript(OQString::FromUtf8(shipped)) == 0);
+    engine.SaveScript({});
+    CHECK(std::filesystem::last_write_time(shipped) == date);
+    CHECK(folder.Read("pxvis/" + name).starts_with("<PXV "));
+    engine.Reset();
+    engine.SaveScript({});
+    CHECK(folder.Read("pxvis/" + name) == "<PXV Version=\"1.0\"/>\r\n");
 }
