@@ -17,6 +17,12 @@ namespace {
 constexpr int32_t layerPosition = -1; // beside the positions of the registry
 constexpr const OQChar* layerName = u"Layer";
 
+// The picture's size that the memory of a script is counted for.
+constexpr int32_t usualWidth = 1920;
+constexpr int32_t usualHeight = 1080;
+constexpr int64_t mostPixels
+    = std::max(VisLimits::keptPixels, VisLimits::keptPictures* usualWidth* usualHeight);
+
 // Category 0 reworks the picture; of those this one fills it with a colour.
 constexpr const OQChar* fillingComponent = u"Flush";
 
@@ -77,6 +83,8 @@ std::vector<CScriptFinding> CScriptCheck::Check(const OQString& text)
         AddXmlFault();
     } else if (FindRoot()) {
         const int32_t root = m_document.GetOffset();
+        m_size = { usualWidth, usualHeight };
+        m_keptPixels = CDibBuffer::PixelsOf(usualWidth, usualHeight);
         m_document.IntoElem();
         CheckPieces(u"PXV");
         m_document.OutOfElem();
@@ -222,6 +230,9 @@ void CScriptCheck::CheckStray(const OQString& around, bool behindProperties)
 
 void CScriptCheck::CheckLayer()
 {
+    const int32_t offset = m_document.GetOffset();
+    const OQSize around = m_size;
+    m_area = {};
     m_document.IntoElem();
     // Children are read from behind the properties on; without properties from the start.
     if (m_document.FindElem(u"Properties")) {
@@ -233,8 +244,26 @@ void CScriptCheck::CheckLayer()
             CheckStray(layerName, false);
         CheckProperties(layerName, RowsOf(layerPosition));
     }
+    const OQRect rect = PixelRect(m_area, around.cx, around.cy);
+    m_size = { rect.Width(), rect.Height() };
+    // What is in a layer that isn't drawn takes nothing.
+    if (!KeepPixels(offset, layerName, CDibBuffer::PixelsOf(m_size.cx, m_size.cy)))
+        m_size = {};
     CheckPieces(layerName);
+    m_size = around;
     m_document.OutOfElem();
+}
+
+bool CScriptCheck::KeepPixels(int32_t offset, const OQString& component, int64_t pixels)
+{
+    if (pixels <= mostPixels - m_keptPixels) {
+        m_keptPixels += std::max<int64_t>(pixels, 0);
+        return true;
+    }
+    Add(offset, component,
+        u"past " + LimitText(u" pixels that a script may keep in pictures and maps", mostPixels)
+            + u", counted for 1920x1080: it isn't drawn");
+    return false;
 }
 
 void CScriptCheck::CheckComponent()
@@ -263,6 +292,10 @@ void CScriptCheck::CheckComponent()
     CComponentManager::GetInfo(position, info);
     if (info.category != 0 || rows.name == fillingComponent)
         ++m_painterCount;
+
+    CVisComponent& component = *rows.piece->GetComponent();
+    component.SetRect({ 0, 0, m_size.cx, m_size.cy });
+    KeepPixels(m_document.GetOffset(), rows.name, component.KeptPixels());
 
     bool hasProperties = false;
     m_document.IntoElem();
@@ -334,9 +367,8 @@ void CScriptCheck::CheckRow(const OQString& component, const Rows& rows, const O
 
 void CScriptCheck::CheckArea(const OQString& text)
 {
-    VisFractionRect area;
-    TextToRect(ResolvePreset(text, RectanglePresets()), area);
-    if (area.right > area.left && area.bottom > area.top)
+    TextToRect(ResolvePreset(text, RectanglePresets()), m_area);
+    if (m_area.right > m_area.left && m_area.bottom > m_area.top)
         return;
     CScriptFinding finding;
     finding.component = layerName;

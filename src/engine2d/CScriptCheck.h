@@ -2,6 +2,7 @@
 
 #include "engine2d/CComponentManager.h"
 #include "engine2d/CVisRowInfo.h"
+#include "engine2d/VisPropertyText.h"
 #include "foundation/OQXmlDocument.h"
 
 #include <map>
@@ -49,6 +50,8 @@ private:
     void CheckProperties(const OQString& component, const Rows& rows);
     void CheckRow(const OQString& component, const Rows& rows, const OQString& name);
     void CheckArea(const OQString& text);
+    // False for a piece that the script's pictures leave no memory for.
+    bool KeepPixels(int32_t offset, const OQString& component, int64_t pixels);
     int32_t CountPiecesInside();
     const Rows& RowsOf(int32_t position);
 
@@ -61,6 +64,9 @@ private:
     std::vector<CScriptFinding> m_findings;
     size_t m_leftOut = 0; // findings
     int32_t m_nesting = 0;
+    OQSize m_size; // of the layer around, in a picture of the usual size
+    VisFractionRect m_area; // of the layer being read
+    int64_t m_keptPixels = 0;
     int32_t m_pieceCount = 0;
     int32_t m_painterCount = 0;
     int32_t m_componentCount = 0; // known ones

@@ -113,7 +113,7 @@ OQString NumbersFault(const CVisRowInfo& row, const OQString& text, OQChar separ
         return reason + u": the default stays" + PresetHint(row.map, text);
     }
     for (const OQString& part : parts) {
-        const OQString fault = FloatFault({ row.name, CVisRowForm::Float, nullptr }, part);
+        OQString fault = FloatFault({ row.name, CVisRowForm::Float, nullptr }, part);
         if (!fault.IsEmpty())
             return fault;
     }

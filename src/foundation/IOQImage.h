@@ -1,5 +1,6 @@
 #pragma once
 
+#include "foundation/IOQDllString.h"
 #include "foundation/OQChar.h"
 #include "foundation/OQGeometry.h"
 
@@ -116,6 +117,10 @@ public:
     // Lets go of what is kept between calls; it comes back on demand.
     virtual void Uninitialize() = 0;
     virtual IOQImage* CreateImage() = 0; // Empty; the caller owns it. Null without memory.
+
+    // The font families that text can be drawn with, sorted, an LF between two. False, and an empty
+    // text, without memory.
+    virtual bool ListFonts(IOQDllString& names) = 0;
 
 protected:
     ~IOQImageApp() = default;

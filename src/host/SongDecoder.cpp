@@ -14,6 +14,9 @@
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
+#include <iomanip>
+#include <locale>
+#include <sstream>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -98,6 +101,8 @@ struct SongDecoder::Pipeline
     StreamTrim trim;
     int64_t framesToDrop = 0;
     int64_t framesLeft = INT64_MAX;
+    int64_t framesRead = 0;
+    bool lengthIsTold = false; // info.durationSeconds is no estimate
 
     GstHolder<GstSample> sample; // being read
     size_t sampleOffset = 0;
@@ -189,6 +194,8 @@ void SongDecoder::Pipeline::TakeFormat()
     gint64 duration = 0;
     if (gst_element_query_duration(pipeline.get(), GST_FORMAT_TIME, &duration) && duration > 0)
         info.durationSeconds = static_cast<double>(duration) / GST_SECOND;
+    lengthIsTold = info.durationSeconds > 0
+        && (trim.inContainer || !trim.lengthIsGuessed || trim.mp3.isHeaderFrame);
     const GstHolder<GstPad> pad(gst_element_get_static_pad(converter, "sink"));
     const GstHolder<GstCaps> caps(gst_pad_get_current_caps(pad.get()));
     GstAudioInfo format;
@@ -205,6 +212,7 @@ void SongDecoder::Pipeline::TakeFormat()
         if (trim.mp3.length >= 0) {
             framesLeft = trim.mp3.length * SampleRate / info.sampleRate;
             info.durationSeconds = static_cast<double>(framesLeft) / SampleRate;
+            lengthIsTold = true;
         }
     }
 }
@@ -337,6 +345,7 @@ size_t SongDecoder::Pipeline::Read(float* interleaved, size_t frames)
             sample.reset();
     }
     framesLeft -= static_cast<int64_t>(done);
+    framesRead += static_cast<int64_t>(done);
     return done;
 }
 
@@ -378,6 +387,23 @@ size_t SongDecoder::Read(float* interleaved, size_t frames)
 std::string SongDecoder::Error() const
 {
     return m_pipeline->error;
+}
+
+std::string SongDecoder::Loss() const
+{
+    if (!m_pipeline->error.empty())
+        return m_pipeline->error;
+    // Encoders' run-up and filling are counted in by some files.
+    constexpr double tolerance = 0.25;
+    const double told = m_pipeline->info.durationSeconds;
+    const double missing = told - static_cast<double>(m_pipeline->framesRead) / SampleRate;
+    if (!m_pipeline->lengthIsTold || missing < tolerance)
+        return {};
+    std::ostringstream line;
+    line.imbue(std::locale::classic());
+    line << std::fixed << std::setprecision(1) << m_pipeline->path << ": " << missing << " of its "
+         << told << " seconds can't be decoded";
+    return line.str();
 }
 
 const SongInfo& SongDecoder::Info() const

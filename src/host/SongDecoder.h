@@ -29,6 +29,10 @@ public:
     std::string Error() const override;
     const SongInfo& Info() const;
 
+    // Once Read has come to the end: one line if a fault cut the song short, or samples are missing
+    // of the length that the file tells. Empty for a whole song.
+    std::string Loss() const;
+
 private:
     struct Pipeline;
 

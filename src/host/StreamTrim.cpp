@@ -39,6 +39,8 @@ void WatchParser(GstBin*, GstBin*, GstElement* element, void* data)
     const bool onlyTags = std::strcmp(name, "id3demux") == 0 || std::strcmp(name, "apedemux") == 0;
     if (HasClass(factory, "Demux") && !onlyTags)
         trim->inContainer = true;
+    if (HasClass(factory, "Parser") && std::strcmp(name, "flacparse") != 0)
+        trim->lengthIsGuessed = true;
     if (std::strcmp(name, "mpegaudioparse") != 0)
         return;
     const GstHolder<GstPad> pad(gst_element_get_static_pad(element, "src"));

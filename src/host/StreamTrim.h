@@ -11,6 +11,7 @@ namespace pxvis::host {
 struct StreamTrim
 {
     bool inContainer = false; // then the container tells
+    bool lengthIsGuessed = false; // from the bit rate of the first frames, without a container
     Mp3Trim mp3;
 };
 

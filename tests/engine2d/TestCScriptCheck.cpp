@@ -168,7 +168,10 @@ TEST_CASE("What is past a limit is told once, with the limit")
         return all;
     };
     const auto nested = [&](int depth) {
-        return CheckBody(repeat(depth, "<Layer>") + flush + repeat(depth, "</Layer>"));
+        // Ever smaller ones, so that they fit the memory.
+        const std::string layer
+            = "<Layer><Properties><Rectangle>0;0;.9;.9</Rectangle></Properties>";
+        return CheckBody(repeat(depth, layer) + flush + repeat(depth, "</Layer>"));
     };
     CHECK(nested(VisLimits::layerNesting - 1).empty());
     CHECK(Tells(nested(VisLimits::layerNesting).at(0), u"no component"));
@@ -177,6 +180,12 @@ TEST_CASE("What is past a limit is told once, with the limit")
     const auto findings = CheckBody(repeat(VisLimits::piecesPerScript + 9, flush));
     REQUIRE(findings.size() == 1);
     CHECK(Tells(findings[0], u"4096"));
+
+    const auto large = CheckBody("<Layer><Properties><Rectangle>0;0;9;9</Rectangle></Properties>"
+        + std::string(transform) + "</Component><Layer/></Layer>" + flush);
+    REQUIRE(large.size() == 1); // two images of 168 million pixels
+    CHECK(Tells(large[0], u"134217728 pixels"));
+    CHECK(large[0].component == u"Layer");
 
     // The findings themselves have one, too.
     const auto many = CheckBody(flush + repeat(100000, "<x/>"));

@@ -257,8 +257,16 @@ TEST_CASE("What is no song gives one clear line and never waits")
     CHECK(OpenError(folder.Path("live.m3u8")) == "not a music file that GStreamer knows");
 }
 
-TEST_CASE("Of a damaged song the rest is heard")
+TEST_CASE("Of a damaged song the rest is heard, and the loss told where the file tells its length")
 {
+    const auto loss = [](const std::string& path) {
+        std::string error;
+        const auto decoder = SongDecoder::Open(path, error);
+        REQUIRE_MESSAGE(decoder, error);
+        float block[2 * 1000];
+        while (decoder->Read(block, 1000) > 0) { }
+        return decoder->Loss();
+    };
     const TestFolder folder;
     for (const char* encoder : { Wav, Flac, Mp3, Vorbis }) {
         CAPTURE(encoder);
@@ -273,5 +281,8 @@ TEST_CASE("Of a damaged song the rest is heard")
         CHECK(cut > 44100);
         CHECK(cut < 5 * 44100);
         CHECK(Decode(folder.Path("hole"), error).size() / 2 > 44100);
+        CHECK(loss(folder.Path("song")).empty());
+        if (encoder == Flac)
+            CHECK(loss(folder.Path("cut")).find("seconds can't be decoded") != std::string::npos);
     }
 }

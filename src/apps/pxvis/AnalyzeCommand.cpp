@@ -12,6 +12,8 @@ namespace pxvis {
 
 int RunAnalyze(const AnalyzeOptions& options, std::ostream& output, std::ostream& errors)
 {
+    if (options.to >= 0 && options.to <= options.from)
+        return PrintUsageError(errors, "--to must lie behind --from");
     std::string error;
     const auto decoder = host::SongDecoder::Open(options.song, error);
     if (!decoder)
@@ -26,12 +28,18 @@ int RunAnalyze(const AnalyzeOptions& options, std::ostream& output, std::ostream
         ? INT64_MAX
         : static_cast<int64_t>(std::floor(options.to * host::SampleRate));
     host::AudioRecord record;
-    while (analyzer.Next(record) && analyzer.SamplePosition() < end) {
+    bool isAny = false;
+    while (analyzer.Next(record)) {
+        if (analyzer.SamplePosition() >= end)
+            return 0;
         if (!host::WriteAudioRecord(output, record))
             return PrintError(errors, "the records can't be written");
+        isAny = true;
     }
-    if (!decoder->Error().empty())
+    if (!isAny && !decoder->Error().empty())
         return PrintError(errors, decoder->Error());
+    if (isAny && !decoder->Loss().empty())
+        PrintWarning(errors, decoder->Loss());
     return 0;
 }
 

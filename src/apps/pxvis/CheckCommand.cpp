@@ -1,6 +1,7 @@
 #include "apps/pxvis/CheckCommand.h"
 
 #include "apps/pxvis/ErrorLine.h"
+#include "apps/pxvis/FontList.h"
 #include "apps/pxvis/JsonText.h"
 #include "apps/pxvis/ScriptSet.h"
 #include "apps/pxvis/ScriptText.h"
@@ -43,7 +44,8 @@ std::string HumanLine(const std::string& file, const CScriptFinding& finding)
 
 int RunCheck(const CheckOptions& options, std::ostream& output, std::ostream& errors)
 {
-    CScriptCheck check;
+    OQStringArray fonts;
+    CScriptCheck check(ListFonts(fonts) ? &fonts : nullptr);
     int status = 0;
     for (const std::string& name : options.scripts) {
         std::string error;

@@ -26,6 +26,11 @@ int PrintError(std::ostream& errors, const std::string& message)
     return 1;
 }
 
+void PrintWarning(std::ostream& errors, const std::string& message)
+{
+    PrintError(errors, "warning: " + message);
+}
+
 int PrintUsageError(std::ostream& errors, const std::string& message)
 {
     PrintError(errors, message);

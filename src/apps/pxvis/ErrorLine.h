@@ -13,6 +13,9 @@ std::string PrintableLine(const std::string& text);
 // failure.
 int PrintError(std::ostream& errors, const std::string& message);
 
+// The same for what is no failure.
+void PrintWarning(std::ostream& errors, const std::string& message);
+
 // The same for options that can't be meant.
 int PrintUsageError(std::ostream& errors, const std::string& message);
 

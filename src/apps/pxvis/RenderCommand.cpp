@@ -148,9 +148,11 @@ int RenderPicture(const RenderOptions& options, SongPlayback& playback, std::ost
             static_cast<uint64_t>(playback.StepCount()), static_cast<uint64_t>(last + 1));
     }
     progress.Clear();
-    return SavePicture(output.Of(playback.Picture()), options.output)
-        ? 0
-        : PrintError(errors, options.output + ": can't be written");
+    if (!SavePicture(output.Of(playback.Picture()), options.output))
+        return PrintError(errors, options.output + ": can't be written");
+    for (const std::string& warning : playback.Warnings())
+        PrintWarning(errors, warning);
+    return 0;
 }
 
 // Draws the part's pictures one after the other, until `add`, which takes each, gives false, or
@@ -177,8 +179,11 @@ uint64_t DrawPictures(const RenderOptions& options, SongPlayback& playback, cons
     return pictures;
 }
 
-int Finished(const RenderOptions& options, uint64_t pictures, std::ostream& errors)
+int Finished(const RenderOptions& options, const SongPlayback& playback, uint64_t pictures,
+    std::ostream& errors)
 {
+    for (const std::string& warning : playback.Warnings())
+        PrintWarning(errors, warning);
     if (!Interrupt::Requested())
         return 0;
     std::ostringstream place;
@@ -213,7 +218,8 @@ int RenderNumbered(const RenderOptions& options, const NumberedName& name, SongP
         fault = playback.Error();
     if (fault.empty() && pictures == 0)
         fault = options.song + ": holds no sound in that part";
-    return fault.empty() ? Finished(options, pictures, errors) : PrintError(errors, fault);
+    return fault.empty() ? Finished(options, playback, pictures, errors)
+                         : PrintError(errors, fault);
 }
 
 int RenderVideo(const RenderOptions& options, host::VideoContainer container,
@@ -257,7 +263,7 @@ int RenderVideo(const RenderOptions& options, host::VideoContainer container,
                                     : writer->Error());
     if (!writer->Finish())
         return PrintError(errors, writer->Error());
-    return Finished(options, pictures, errors);
+    return Finished(options, playback, pictures, errors);
 }
 
 // What is wrong with the options as such, whatever the song is; empty: nothing.

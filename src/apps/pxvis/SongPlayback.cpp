@@ -16,6 +16,14 @@ int64_t SamplesIn(double seconds)
     return static_cast<int64_t>(std::floor(std::min(seconds, 1e9) * host::SampleRate));
 }
 
+bool IsBlack(IOQImage& picture)
+{
+    const OQSize size = picture.GetSize();
+    const uint32_t* bits = picture.GetBits();
+    return std::all_of(bits, bits + int64_t { size.cx } * size.cy,
+        [](uint32_t pixel) { return (pixel & 0xFFFFFF) == 0; });
+}
+
 }
 
 // Hands the song on to the analysis, which hears ahead, and the part that is asked for to the sink
@@ -129,7 +137,10 @@ bool SongPlayback::NextStep()
         return false;
     host::AudioRecord record;
     if (!m_analyzer->Next(record)) {
-        m_error = m_decoder->Error();
+        if (StepCount() == 0)
+            m_error = m_decoder->Error();
+        else
+            m_loss = m_decoder->Loss();
         return false;
     }
     if (m_analyzer->SamplePosition() >= m_end)
@@ -138,7 +149,19 @@ bool SongPlayback::NextStep()
         m_error = "no memory for a picture of this size";
         return false;
     }
+    m_hasDrawn = m_hasDrawn || !IsBlack(Picture());
     return true;
+}
+
+std::vector<std::string> SongPlayback::Warnings() const
+{
+    std::vector<std::string> lines;
+    if (!m_loss.empty())
+        lines.push_back(m_loss);
+    if (!m_hasDrawn)
+        lines.push_back(m_scripts.size() == 1 ? m_scripts[0] + ": drew nothing; see pxvis check"
+                                              : "the scripts drew nothing; see pxvis check");
+    return lines;
 }
 
 }

@@ -42,6 +42,10 @@ public:
 
     const std::string& Error() const { return m_error; }
 
+    // What a person should know though all went on: of the song, if it came to its end, and of the
+    // scripts, if all their pictures are black. A line each.
+    std::vector<std::string> Warnings() const;
+
     const host::SongInfo& Info() const { return m_decoder->Info(); }
 
     // A file that is gone with the object; empty if there is none.
@@ -65,6 +69,8 @@ private:
     std::optional<host::SongAnalyzer> m_analyzer;
     std::unique_ptr<VisualSession> m_session;
     std::string m_error;
+    std::string m_loss; // of the song's end
+    bool m_hasDrawn = false; // anything but black
 };
 
 }

@@ -1,5 +1,7 @@
 #include "siblings/image/CImageApp.h"
 
+#include "foundation/IOQDllString.h"
+#include "foundation/OQString.h"
 #include "siblings/image/CImage.h"
 #include "siblings/image/ImageText.h"
 
@@ -15,6 +17,23 @@ void CImageApp::Uninitialize()
 IOQImage* CImageApp::CreateImage()
 {
     return new (std::nothrow) CImage;
+}
+
+bool CImageApp::ListFonts(IOQDllString& names)
+{
+    names.Clear();
+    try {
+        OQString list;
+        for (const std::string& family : pxvis::image::ImageText::Get().Families()) {
+            if (!list.IsEmpty())
+                list += u'\n';
+            list += OQString::FromUtf8(family);
+        }
+        names.SetText(list.GetText(), list.GetLength());
+        return true;
+    } catch (...) {
+        return false;
+    }
 }
 
 IOQImageApp* GetOQImageAppDLL()

@@ -8,6 +8,7 @@ public:
     void Initialize(const void* parameter) override;
     void Uninitialize() override;
     IOQImage* CreateImage() override;
+    bool ListFonts(IOQDllString& names) override;
 };
 
 // The module's one export. The object is the module's and lives as long as the process.

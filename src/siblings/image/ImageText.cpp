@@ -3,6 +3,7 @@
 #include "siblings/image/ImageDrawing.h"
 
 #include <algorithm>
+#include <memory>
 #include <pango/pangocairo.h>
 
 namespace pxvis::image {
@@ -109,6 +110,22 @@ void ImageText::Prepare()
 
     g_object_unref(context);
     g_object_unref(fontMap);
+}
+
+std::vector<std::string> ImageText::Families()
+{
+    const std::lock_guard lock(m_lock);
+    Prepare();
+    PangoFontFamily** families = nullptr;
+    int count = 0;
+    pango_font_map_list_families(
+        pango_context_get_font_map(pango_layout_get_context(m_layout)), &families, &count);
+    const std::unique_ptr<PangoFontFamily*, decltype(&g_free)> holder(families, &g_free);
+    std::vector<std::string> names;
+    for (int i = 0; i < count; ++i)
+        names.emplace_back(pango_font_family_get_name(families[i]));
+    std::sort(names.begin(), names.end());
+    return names;
 }
 
 void ImageText::Draw(

@@ -23,6 +23,9 @@ public:
     void Draw(const Pixels& target, const std::string& text, OQRect rect, uint32_t color,
         int32_t alignment);
 
+    // The names of the font families, sorted.
+    std::vector<std::string> Families();
+
     // Lets go of font map and layout; the next Draw makes new ones.
     void Release();
 

@@ -1,5 +1,6 @@
 #include "VisTesting.h"
 #include "apps/pxvis/RenderCommand.h"
+#include "host/SongFile.h"
 
 #include <doctest/doctest.h>
 
@@ -223,4 +224,32 @@ TEST_CASE("Scripts are found by file, folder or name, and a broken one among sev
     std::ostringstream errors;
     CHECK(pxvis::RunRender(options, errors) == 0);
     CHECK(errors.str().find("left out") != std::string::npos);
+}
+
+TEST_CASE("A script that draws nothing and a song that is cut short are told, and no failure")
+{
+    const Folder folder;
+    const TestFile nothing("nothing.pxv", "<PXV Version=\"1.0\"/>");
+    pxvis::RenderOptions options = Options(folder.File("%02d.png"));
+    options.script = nothing.Path();
+    options.to = 7.1;
+    std::ostringstream errors;
+    CHECK(pxvis::RunRender(options, errors) == 0);
+    CHECK(
+        errors.str() == "pxvis: warning: " + nothing.Path() + ": drew nothing; see pxvis check\n");
+
+    std::string error;
+    const std::vector<float> quiet(size_t { 2 } * 44100 * 3);
+    const std::string song = folder.File("song.flac");
+    REQUIRE_MESSAGE(WriteSongFile(song, quiet, "flacenc", nullptr, error), error);
+    fs::resize_file(song, fs::file_size(song) / 2);
+    options = Options(folder.File("a.mp4"));
+    options.song = song;
+    options.from = 0;
+    options.to = -1;
+    errors.str("");
+    CHECK(pxvis::RunRender(options, errors) == 0);
+    INFO(errors.str());
+    CHECK(errors.str().find("pxvis: warning: " + song + ": 1.") == 0);
+    CHECK(Content(options.output).substr(4, 4) == "ftyp");
 }

@@ -1,3 +1,5 @@
+#include "foundation/OQDllString.h"
+#include "foundation/OQStringArray.h"
 #include "siblings/image/ImageTesting.h"
 
 #include <algorithm>
@@ -91,6 +93,19 @@ TEST_CASE("Each operation keeps its slot, which modules built at other times rel
     CHECK(SlotOf(&IOQImageApp::Initialize) == 0);
     CHECK(SlotOf(&IOQImageApp::Uninitialize) == 1);
     CHECK(SlotOf(&IOQImageApp::CreateImage) == 2);
+    CHECK(SlotOf(&IOQImageApp::ListFonts) == 3);
+}
+
+TEST_CASE("The fonts are listed by name, each once, in order")
+{
+    OQString list;
+    OQDllString names(list);
+    REQUIRE(OQSiblingModules::Get().ImageApp()->ListFonts(names));
+    OQStringArray fonts;
+    list.Split(u'\n', fonts);
+    CHECK(list.Find(u"DejaVu Sans") >= 0);
+    for (int i = 1; i < fonts.GetCount(); ++i)
+        CHECK(fonts[i - 1].ToUtf8() < fonts[i].ToUtf8());
 }
 
 TEST_CASE("A picture is made black and transparent, and a refused one is empty")

@@ -3,6 +3,7 @@
 #include "apps/pxvis/ErrorLine.h"
 #include "apps/pxvis/EvalCommand.h"
 #include "apps/pxvis/FramesCommand.h"
+#include "apps/pxvis/ListCommand.h"
 #include "apps/pxvis/RenderCommand.h"
 
 #include <CLI/CLI.hpp>
@@ -210,6 +211,30 @@ void AddCheck(CLI::App& app, pxvis::CheckOptions& options)
     command.add_flag("--json", options.json, "Findings as JSON, an object a line");
 }
 
+void AddList(CLI::App& app, pxvis::ListOptions& options)
+{
+    CLI::App& command = *app.add_subcommand("list", "Tell what there is to render and to write");
+    command.footer(
+        "--json, an object a line:\n"
+        "scripts     {\"name\":text,\"path\":text}; the user's own hide shipped ones of their "
+        "names\n"
+        "components  "
+        "{\"name\":text,\"guid\":text|null,\"category\":\"layer\"|\"rework\"|\"paint\",\n"
+        "            \"rows\":[{\"name\":text,\"form\":text,\"default\":text,\"presets\":n}]}\n"
+        "presets     {\"component\":text,\"row\":text,\"name\":text,\"value\":text}\n"
+        "fonts       {\"name\":text}");
+    command.add_option("WHAT", options.what, "scripts, components, presets or fonts")
+        ->required()
+        ->check(CLI::IsMember({ "scripts", "components", "presets", "fonts" }).description(""));
+    CLI::Option* json = command.add_flag_callback(
+        "--json", [&options] { options.form = pxvis::ListForm::Json; }, "An object a line");
+    command
+        .add_flag_callback(
+            "--markdown", [&options] { options.form = pxvis::ListForm::Markdown; },
+            "As it stands in a document")
+        ->excludes(json);
+}
+
 int Run(int argc, char** argv)
 {
     CLI::App app("Music made visible: songs become moving pictures.", "pxvis");
@@ -221,10 +246,12 @@ int Run(int argc, char** argv)
     pxvis::FramesOptions frames;
     pxvis::AnalyzeOptions analyze;
     pxvis::CheckOptions check;
+    pxvis::ListOptions list;
     AddRender(app, render, kernel);
     AddFrames(app, frames, kernel, threads);
     AddAnalyze(app, analyze);
     AddCheck(app, check);
+    AddList(app, list);
     std::string equation;
     bool batch = false;
     CLI::App& eval = *app.add_subcommand(
@@ -259,6 +286,8 @@ int Run(int argc, char** argv)
         return pxvis::RunRender(render, std::cerr);
     if (app.got_subcommand("check"))
         return pxvis::RunCheck(check, std::cout, std::cerr);
+    if (app.got_subcommand("list"))
+        return pxvis::RunList(list, std::cout, std::cerr);
     if (eval.parsed())
         return batch ? pxvis::RunEvalBatch(std::cin, std::cout, std::cerr)
                      : pxvis::RunEval(equation, std::cout, std::cerr);
