@@ -3,7 +3,7 @@
 # says what is needed and goes on.
 
 PXVIS_PACKAGES="g++ cmake ninja-build pkg-config ccache
-    libkissfft-dev libcli11-dev libpango1.0-dev libgdk-pixbuf-2.0-dev
+    gettext libspdlog-dev libkissfft-dev libcli11-dev libpango1.0-dev libgdk-pixbuf-2.0-dev webp-pixbuf-loader
     libgstreamer1.0-dev libgstreamer-plugins-base1.0-dev
     gstreamer1.0-plugins-base gstreamer1.0-plugins-good gstreamer1.0-plugins-ugly gstreamer1.0-libav
     fonts-dejavu-core"

@@ -1,12 +1,13 @@
 #include "engine2d/CComponentManager.h"
 
 #include "engine2d/CVisComponent.h"
+#include "foundation/IOQTools.h"
+#include "foundation/OQFormat.h"
 #include "foundation/OQNumberText.h"
+#include "foundation/OQStringArraySort.h"
 
-#include <algorithm>
 #include <cstring>
 #include <iterator>
-#include <vector>
 
 namespace {
 
@@ -72,14 +73,12 @@ void CComponentManager::List(
 {
     names.Clear();
     indexes.Clear();
-    // FIXME: sort by the tools module's text comparison once that module is there.
-    std::vector<OQString> texts;
+    OQStringArray texts;
     for (int32_t i = 0; i < m_infos.GetCount(); ++i) {
         if (m_infos[i].category == category)
-            texts.push_back(OQString::FromNarrow(m_infos[i].name) + u"|" + OQIntToText(i));
+            texts.Add(OQFormat(u"%s|%d", { m_infos[i].name, i }));
     }
-    std::sort(texts.begin(), texts.end(),
-        [](const OQString& a, const OQString& b) { return a.CompareNoCase(b) < 0; });
+    OQStringArraySort(OQTextIgnoreCase).Sort(texts);
     for (const OQString& text : texts) {
         const int32_t bar = text.ReverseFind(u'|');
         names.Add(text.Left(bar));

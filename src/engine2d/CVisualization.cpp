@@ -125,7 +125,6 @@ int32_t CVisualization::SaveScript(const OQString& path)
     const Operation operation(*this);
     if (!path.IsEmpty())
         m_scriptPath = path;
-    m_scriptPath = OQDataRoots::Get().PathForSaving(m_scriptPath);
     m_scriptDocument.SetDocument({});
     m_scriptDocument.AddElem(rootTag);
     m_scriptDocument.SetAttrib(u"Version", formatVersion);
@@ -134,7 +133,9 @@ int32_t CVisualization::SaveScript(const OQString& path)
     const CVisLayer& root = *m_rootPiece.GetLayer();
     for (int32_t i = 0; i < root.GetPieceCount(); ++i)
         helper.WritePiece(*root.GetPiece(i));
-    OQFileSystem::WriteTextFile(m_scriptPath, m_scriptDocument.GetDoc());
+    const OQString target = OQDataRoots::Get().PathForSaving(m_scriptPath);
+    if (OQFileSystem::WriteTextFile(target, m_scriptDocument.GetDoc()))
+        m_scriptPath = target;
     return 0;
 }
 

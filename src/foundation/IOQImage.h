@@ -81,11 +81,11 @@ public:
     // can't be written, or if the path names something else than a file.
     virtual bool SavePng(const OQChar* path, bool opaque) const = 0;
 
-    // Reads a picture file of any kind that the system's decoders know, turned upright, its first
-    // frame. Below 1 or above 16384 in a side, more than 64 * 2^20 pixels or 64 MiB are refused
-    // before memory is taken, as is anything but a regular file. The picture is stretched to
-    // |width| x |height|; a side given as 0 keeps its own. False, and an empty image, on failure.
-    // The others are 0, -1, 1 and four times 0.
+    // Reads a PNG, JPEG, GIF, BMP, TIFF, ICO or, where the system has its decoder, WebP file,
+    // turned upright, its first frame. Below 1 or above 16384 in a side, more than 64 * 2^20 pixels
+    // or 64 MiB are refused before memory is taken, as is anything but a regular file, and a file
+    // that is cut off. The picture is stretched to |width| x |height|; a side given as 0 keeps its
+    // own. False, and an empty image, on failure. The others are 0, -1, 1 and four times 0.
     virtual bool Load(const OQChar* path, int32_t width, int32_t height, int32_t reserved1,
         int32_t reserved2, int32_t reserved3, int32_t reserved4, int32_t reserved5,
         int32_t reserved6, int32_t reserved7)

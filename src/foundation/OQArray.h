@@ -5,8 +5,6 @@
 #include <initializer_list>
 #include <memory>
 
-// FIXME: OQQSort, which sorts on two threads, comes with the threads.
-//
 // Indexes out of range: Insert clips its position, Remove clips its run; operator[] must be given a
 // valid one. Memory that can't be had throws std::bad_alloc and leaves the array as it was.
 template <class T, class Arg = const T&, bool HasLifetime = !std::is_trivially_copyable_v<T>>

@@ -45,7 +45,7 @@ OQString FreeBackupName(const OQString& path)
     if (dot <= name)
         dot = path.GetLength();
     for (int number = 1; number <= mostBackups; ++number) {
-        const OQString backup = path.Left(dot) + u"~" + OQIntToText(number) + path.Mid(dot);
+        OQString backup = path.Left(dot) + u"~" + OQIntToText(number) + path.Mid(dot);
         if (!OQFileSystem::FileExists(backup) && !pxvis::os::FolderExists(backup.ToUtf8()))
             return backup;
     }
@@ -93,7 +93,6 @@ OQString WithoutSlash(OQString path)
     return path;
 }
 
-// Empty without the tools module.
 OQString LanguageName()
 {
     OQString language;
@@ -102,7 +101,7 @@ OQString LanguageName()
         OQDllString text(language);
         translator->GetLanguage(text);
     }
-    return language;
+    return language.IsEmpty() ? OQString(u"English") : language;
 }
 
 // A name below a folder: neither absolute nor with a step up.

@@ -49,8 +49,8 @@ public:
     // With all in it. Links go, what they lead to stays. A folder that isn't there is deleted.
     static bool DeleteDirectory(const OQString& path);
 
-    // Copies all files and folders in `from` into `to`, over what is there; links and what is
-    // neither are left out. Goes on after a failure.
+    // Copies all files and folders in `from` into `to`, over what is there; links are left out, and
+    // anything else is a failure. Goes on after one.
     static bool CopyDirectory(const OQString& from, const OQString& to);
 
     // The path of a data file, the user's own one first. A name "image:Logo" stands for a picture

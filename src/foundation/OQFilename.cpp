@@ -69,7 +69,7 @@ OQString DecodePercent(const OQString& url)
 
 OQString EncodePercent(const OQString& path)
 {
-    constexpr std::string_view plain = "/:-._~";
+    constexpr std::string_view plain = "/-._~"; // without ":", which would make a drive
     constexpr const char* digits = "0123456789ABCDEF";
     std::string encoded;
     for (const char byte : path.ToUtf8()) {
@@ -91,19 +91,20 @@ OQString PathOfUrl(const OQString& url)
     OQString path = url.Mid(static_cast<int>(std::u16string_view(FileScheme).size()));
     if (path.StartsWithNoCase(LocalHost))
         path = path.Mid(static_cast<int>(std::u16string_view(LocalHost).size()) - 1);
+    if (StartsWithDrive(path.Mid(1).View()))
+        return DecodePercent(path.Mid(1));
     const bool hasHost = !path.IsEmpty() && Separators.find(path[0]) == std::u16string_view::npos
         && !StartsWithDrive(path.View());
-    path = DecodePercent(path);
-    if (hasHost)
-        return u"//" + path;
-    return StartsWithDrive(path.Mid(1).View()) ? path.Mid(1) : path;
+    return hasHost ? u"//" + DecodePercent(path) : DecodePercent(path);
 }
 
 OQString UrlOfPath(const OQString& path)
 {
     if (path.StartsWith(u"/"))
         return FileScheme + EncodePercent(path);
-    return StartsWithDrive(path.View()) ? FileScheme + (LocalHost + EncodePercent(path)) : path;
+    if (!StartsWithDrive(path.View()))
+        return path;
+    return FileScheme + (LocalHost + path.Left(2)) + EncodePercent(path.Mid(2));
 }
 
 void AppendItem(OQString& text, const OQString& name, const OQString& value)

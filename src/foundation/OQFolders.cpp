@@ -57,7 +57,7 @@ OQProcessFolders OQProcessFolders::From(const std::string& portableFolder,
     folders.module = FolderFrom(places.siblings);
     folders.install = FolderFrom(folders.portable ? portableFolder : places.data);
     folders.applicationData
-        = folders.portable ? folders.install + u"Application Data/" : FolderFrom(dataHome);
+        = FolderFrom(folders.portable ? pxvis::os::PortableUserFolder(portableFolder) : dataHome);
     if (!folders.applicationData.IsEmpty())
         folders.data = folders.applicationData + u"pxvis/";
     return folders;
@@ -65,8 +65,8 @@ OQProcessFolders OQProcessFolders::From(const std::string& portableFolder,
 
 OQProcessFolders OQProcessFolders::Get()
 {
-    return From(
-        pxvis::os::PortableFolder(), pxvis::os::UserDataHome(), pxvis::os::GetInstallPlaces());
+    return From(pxvis::os::PortableFolder(), pxvis::os::UserFolder("XDG_DATA_HOME", ".local/share"),
+        pxvis::os::GetInstallPlaces());
 }
 
 OQString OQFolders::GetInstallFolder()
@@ -82,7 +82,9 @@ OQString OQFolders::GetModuleFolder()
 OQString OQFolders::GetDataFolder()
 {
     const OQProcessFolders folders = OQProcessFolders::Get();
-    return folders.data.IsEmpty() ? folders.install + u"Data/" : folders.data;
+    if (folders.data.IsEmpty() && !folders.install.IsEmpty())
+        return folders.install + u"Data/";
+    return folders.data;
 }
 
 OQString OQFolders::GetAppDataFolder()
@@ -93,16 +95,18 @@ OQString OQFolders::GetAppDataFolder()
         OQDllString text(folder);
         theme->GetDataFolder(text);
     }
-    if (folder.IsEmpty())
-        folder = OQProcessFolders::Get().applicationData + u"Tarnwick/Generic";
+    const OQString own = OQProcessFolders::Get().applicationData;
+    if (folder.IsEmpty() && !own.IsEmpty())
+        folder = own + u"Tarnwick/Generic";
     return WithSlash(folder);
 }
 
 OQString OQFolders::GetTempLocation()
 {
     OQString folder = ChosenTempLocation();
-    if (folder.IsEmpty()) {
-        folder = GetAppDataFolder() + u"Temp";
+    const OQString own = GetAppDataFolder();
+    if (folder.IsEmpty() && !own.IsEmpty()) {
+        folder = own + u"Temp";
         OQFileSystem::MakeDirectoryTree(folder);
     }
     return WithSlash(folder);

@@ -25,7 +25,8 @@ struct OQProcessFolders
         const pxvis::os::InstallPlaces& places);
 };
 
-// The folders as the rest of the system asks for them, each with "/" at its end. Any thread.
+// The folders as the rest of the system asks for them, each with "/" at its end, or empty where
+// there is none, as for a user without a home. Any thread.
 class OQFolders
 {
 public:

@@ -164,5 +164,10 @@ private:
 
 OQString OQFormat(const OQChar* format, std::initializer_list<OQFormatArgument> arguments)
 {
-    return Formatter(arguments.begin(), arguments.size()).Run(format ? format : u"");
+    return OQFormat(format, arguments.begin(), arguments.size());
+}
+
+OQString OQFormat(const OQChar* format, const OQFormatArgument* arguments, size_t count)
+{
+    return Formatter(arguments, count).Run(format ? format : u"");
 }

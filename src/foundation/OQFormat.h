@@ -3,6 +3,7 @@
 #include "foundation/OQString.h"
 
 #include <concepts>
+#include <cstddef>
 #include <cstdint>
 #include <initializer_list>
 
@@ -66,3 +67,4 @@ struct OQFormatArgument
 // c f. Any other character stands for itself. Each but "%%" takes the next argument; one that is
 // missing or of another kind counts as no text, or as 0.
 OQString OQFormat(const OQChar* format, std::initializer_list<OQFormatArgument> arguments);
+OQString OQFormat(const OQChar* format, const OQFormatArgument* arguments, size_t count);

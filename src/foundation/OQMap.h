@@ -244,6 +244,6 @@ public:
 
     bool Equal(const OQString& key, const OQString& stored) const override
     {
-        return key.GetLength() == stored.GetLength() && key.CompareNoCase(stored) == 0;
+        return key.GetLength() == stored.GetLength() && key.StartsWithNoCase(stored);
     }
 };

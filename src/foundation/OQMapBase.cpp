@@ -7,6 +7,20 @@
 #include <new>
 #include <utility>
 
+namespace {
+
+OQMapNode* Reversed(OQMapNode* chain)
+{
+    OQMapNode* reversed = nullptr;
+    while (chain) {
+        OQMapNode* next = std::exchange(chain->next, reversed);
+        reversed = std::exchange(chain, next);
+    }
+    return reversed;
+}
+
+}
+
 uint32_t OQHashText(std::u16string_view text)
 {
     uint32_t hash = 0;
@@ -36,12 +50,13 @@ void OQMapBase::GrowForOne()
         throw std::bad_alloc();
     OQMapNode** const oldBuckets = std::exchange(m_buckets, buckets);
     const uint32_t oldCount = std::exchange(m_bucketCount, static_cast<uint32_t>(bucketCount));
-    m_count = 0;
-    for (uint32_t bucket = 0; bucket < oldCount; ++bucket) {
-        for (OQMapNode* node = oldBuckets[bucket]; node;) {
-            OQMapNode* next = std::exchange(node->next, nullptr);
-            LinkAtEnd(node, BucketOf(node));
-            node = next;
+    // From the last node to the first, each to the front of its chain: the order stays, and no
+    // chain is walked to its end.
+    for (uint32_t bucket = oldCount; bucket-- > 0;) {
+        for (OQMapNode* node = Reversed(oldBuckets[bucket]); node;) {
+            OQMapNode*& front = m_buckets[BucketOf(node)];
+            OQMapNode* next = std::exchange(node->next, front);
+            front = std::exchange(node, next);
         }
     }
     std::free(oldBuckets);
@@ -50,8 +65,9 @@ void OQMapBase::GrowForOne()
 void OQMapBase::LinkAtEnd(OQMapNode* node, uint32_t bucket)
 {
     OQMapNode** link = &m_buckets[bucket];
-    while (*link)
-        link = &(*link)->next;
+    m_newestChain = 1;
+    for (; *link; link = &(*link)->next)
+        ++m_newestChain;
     *link = node;
     ++m_count;
 }
@@ -81,4 +97,5 @@ void OQMapBase::SwapEntries(OQMapBase& other) noexcept
     std::swap(m_bucketCount, other.m_bucketCount);
     std::swap(m_pool, other.m_pool);
     std::swap(m_buckets, other.m_buckets);
+    std::swap(m_newestChain, other.m_newestChain);
 }

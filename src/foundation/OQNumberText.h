@@ -33,7 +33,7 @@ enum OQNumberFlags : uint32_t
     OQNumberPadBlanks = 32, // blanks in front for missing digits, not zeros
 };
 
-// base: 2 to 36, others count as 10. A sign or a prefix is no digit.
+// base: 2 to 36, others count as 10. `minimumDigits`: 256 at most. A sign or a prefix is no digit.
 void OQAppendNumber(
     OQString& text, int64_t value, int minimumDigits = 1, int base = 10, uint32_t flags = 0);
 

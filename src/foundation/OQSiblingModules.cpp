@@ -2,6 +2,7 @@
 
 #include "foundation/IOQImage.h"
 #include "foundation/IOQTools.h"
+#include "foundation/OQFormat.h"
 #include "os/InstallPlaces.h"
 
 #include <utility>
@@ -95,6 +96,17 @@ std::string OQSiblingModules::ToolsFailure()
 {
     const std::lock_guard lock(m_lock);
     return m_tools.failure;
+}
+
+OQString OQSiblingModules::ToolsFailureText()
+{
+    const std::lock_guard lock(m_lock);
+    if (m_tools.failure.empty())
+        return {};
+    return OQFormat(u"The following module has failed to load:\r\n%s\r\n\r\n"
+                    u"It has reported the following error:\r\n\r\n%s\r\n\r\n"
+                    u"Please reinstall the latest version of the program.",
+        { OQString::FromUtf8(PathOf(m_tools.setup.name)), u"Failed to load OQTools" });
 }
 
 void OQSiblingModules::Unload()

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "foundation/OQString.h"
 #include "os/DynamicLibrary.h"
 
 #include <mutex>
@@ -39,6 +40,10 @@ public:
     // Why the operation above gave null; empty otherwise.
     std::string ImageFailure();
     std::string ToolsFailure();
+
+    // What the user is told, under the title "Critical Error", if the tools could not be loaded;
+    // empty otherwise. To show it is the caller's.
+    OQString ToolsFailureText();
 
     // Ends all modules: the tools prepare, the image module goes, the tools go last. A later demand
     // loads them again. Whatever they made must be gone before.

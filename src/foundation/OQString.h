@@ -12,7 +12,6 @@ class OQStringArray;
 // Copies are O(1). Strings that share a text may be used by different threads; one OQString object
 // isn't safe for a reader and a writer at once. Positions and lengths count units; those outside
 // the text are clipped to it. Memory that can't be had throws std::bad_alloc.
-// FIXME: DecodeHtmlEntities comes with the pages.
 class OQString
 {
 public:

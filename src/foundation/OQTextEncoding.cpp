@@ -231,3 +231,9 @@ OQString OQString::FromNarrow(const char* text)
     result.m_text = OQStringGlobals::Get().CreateFromNarrow(text);
     return result;
 }
+
+void OQAppendCharacter(OQString& text, uint32_t character)
+{
+    OQChar units[2];
+    text.Append({ units, static_cast<size_t>(PutUtf16(units, character)) });
+}

@@ -2,6 +2,7 @@
 
 #include "foundation/OQString.h"
 
+#include <cstdint>
 #include <string_view>
 
 enum class OQTextEncoding
@@ -20,3 +21,6 @@ OQTextEncoding OQDetectEncoding(std::string_view bytes, int& markLength);
 // U+FFFD, and a UTF-32 unit that 16 bits can't hold "?".
 OQString OQBytesToText(std::string_view bytes);
 OQString OQBytesToText(std::string_view bytes, OQTextEncoding encoding);
+
+// One unit or two. The character is at most 0x10FFFF.
+void OQAppendCharacter(OQString& text, uint32_t character);

@@ -80,8 +80,14 @@ bool OQXmlDocument::HasFault() const
 void OQXmlDocument::ResetPos()
 {
     m_parent = 0;
-    m_element = 0;
+    MoveTo(0);
+}
+
+void OQXmlDocument::MoveTo(int element)
+{
+    m_element = element;
     m_child = 0;
+    m_nodeEnd = 0;
 }
 
 bool OQXmlDocument::SameName(std::u16string_view a, std::u16string_view b) const
@@ -143,11 +149,10 @@ int OQXmlDocument::NextNamed(int parent, int after, const OQChar* name) const
 
 bool OQXmlDocument::FindElem(const OQChar* name)
 {
-    const int found = NextNamed(m_parent, m_element, name);
+    const int found = NextNamed(m_parent, m_nodeEnd != 0 ? m_nodePrevious : m_element, name);
     if (found == 0)
         return false;
-    m_element = found;
-    m_child = 0;
+    MoveTo(found);
     return true;
 }
 
@@ -165,8 +170,7 @@ bool OQXmlDocument::IntoElem()
     if (m_element == 0)
         return false;
     m_parent = m_element;
-    m_element = m_child;
-    m_child = 0;
+    MoveTo(m_child);
     return true;
 }
 
@@ -174,9 +178,10 @@ bool OQXmlDocument::OutOfElem()
 {
     if (m_parent == 0)
         return false;
-    m_child = m_element;
-    m_element = m_parent;
-    m_parent = m_elements[m_parent].parent;
+    const int child = m_element;
+    MoveTo(m_parent);
+    m_child = child;
+    m_parent = m_elements[m_element].parent;
     return true;
 }
 
@@ -240,8 +245,7 @@ bool OQXmlDocument::AddElem(const OQChar* name, const OQChar* text, uint32_t fla
         return AddChildElem(name, text, flags);
     if (!IsTagName(name))
         return false;
-    m_element = Insert(m_parent, m_element, name, text, flags);
-    m_child = 0;
+    MoveTo(Insert(m_parent, m_element, name, text, flags));
     return true;
 }
 

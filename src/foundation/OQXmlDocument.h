@@ -29,9 +29,9 @@ enum OQXmlEscapeFlags : uint32_t
 // text, writing edits it. Faults of a text don't stop the reading; GetError tells the first.
 //
 // There is a current position: an element, the parent in which FindElem looks, and a child in the
-// element. After a failure it stays where it was. One thread at a time; memory that can't be had
-// throws std::bad_alloc.
-// FIXME: positions at comments, texts and the like, and GetNodeName for them.
+// element. After FindNode there may be a text, comment or the like in the element's place; all that
+// works on the current element then finds none. After a failure the position stays where it was.
+// One thread at a time; memory that can't be had throws std::bad_alloc.
 class OQXmlDocument
 {
 public:
@@ -59,7 +59,10 @@ public:
     // Moves to the next element of that name among the siblings, from the first if there is no
     // current one; null: of any name.
     bool FindElem(const OQChar* name = nullptr);
-    // The same for the child.
+    // Moves to the next node of the parent, be it an element, a text, white space, a CDATA section,
+    // a comment, a processing instruction or a doctype.
+    bool FindNode();
+    // The same as FindElem for the child.
     bool FindChildElem(const OQChar* name = nullptr);
 
     // The current element becomes the parent, its current child the element.
@@ -83,6 +86,14 @@ public:
 
     // Of the current element; empty without one.
     OQString GetTagName() const;
+    // Of the current node: "#text", also for white space, "#cdata-section", "#comment", what a
+    // processing instruction is for, the root that a doctype names, or the name of an element.
+    // Empty without one.
+    OQString GetNodeName() const;
+
+    // Elements from the root to the current one, both counted, 65535 at most; 0 without one.
+    int GetLevel() const { return static_cast<int>(m_elements[m_element].Level()); }
+
     // The text directly in the element, CDATA sections included, with entities decoded. White space
     // alone counts as text only in an element without children.
     OQString GetData() const;
@@ -125,6 +136,8 @@ private:
 
     bool IsSelfClosed(int element) const;
 
+    void MoveTo(int element);
+
     int Insert(int parent, int before, const OQChar* name, const OQChar* text, uint32_t flags);
     void MakeRoomForChildren(int parent, uint32_t flags);
     void GiveEndTag(int element, const OQString& content);
@@ -140,4 +153,8 @@ private:
     int m_parent = 0;
     int m_element = 0;
     int m_child = 0;
+    // A node that isn't an element: its place in the text, and the element in front of it.
+    int m_nodeStart = 0;
+    int m_nodeEnd = 0; // 0: there is none
+    int m_nodePrevious = 0;
 };

@@ -81,8 +81,10 @@ void OQXmlElementTable::Link(int index, int parent, int before)
     OQXmlElement& element = (*this)[index];
     OQXmlElement& owner = (*this)[parent];
     element.parent = parent;
+    element.SetLevelBelow(owner);
     if (owner.firstChild == 0) {
         owner.firstChild = index;
+        element.flags |= OQXmlElement::FirstSibling;
         element.previous = index;
         element.next = 0;
         return;
@@ -120,7 +122,14 @@ void OQXmlElementTable::MoveChildren(int from, int to)
     }
     (*this)[lastBefore].next = first;
     (*this)[first].previous = lastBefore;
+    (*this)[first].flags &= ~uint32_t { OQXmlElement::FirstSibling };
     (*this)[(*this)[to].firstChild].previous = last;
+}
+
+void OQXmlElementTable::SetLevels()
+{
+    for (int index = NextBelow(0, 0); index != 0; index = NextBelow(index, 0))
+        (*this)[index].SetLevelBelow((*this)[(*this)[index].parent]);
 }
 
 int OQXmlElementTable::NextBelow(int index, int top) const

@@ -11,6 +11,8 @@ struct OQXmlElement
 {
     enum : uint32_t
     {
+        LevelMask = 0xFFFF, // 1 for the root; the greatest one also stands for all below it
+        FirstSibling = 0x80000,
         NoEndTag = 0x100000, // written as an empty element, or never ended
         FaultInContent = 0x200000,
         IllFormed = 0x800000, // of the document
@@ -31,6 +33,14 @@ struct OQXmlElement
     int32_t previous; // sibling; the first one's is the last child
 
     int End() const { return start + length; }
+
+    uint32_t Level() const { return flags & LevelMask; }
+
+    void SetLevelBelow(const OQXmlElement& owner)
+    {
+        flags
+            = (flags & ~uint32_t { LevelMask }) | std::min<uint32_t>(owner.Level() + 1, LevelMask);
+    }
 
     void SetStartTagLength(int tagLength)
     {
@@ -76,8 +86,10 @@ public:
     // Behind `before`, or as the last child if that is 0.
     void Link(int index, int parent, int before);
 
-    // Hands the children of `from` to `to`, behind those that it has.
+    // Hands the children of `from` to `to`, behind those that it has. Levels stay, till they are
+    // all set anew.
     void MoveChildren(int from, int to);
+    void SetLevels();
 
     int LastChild(int parent) const;
 

@@ -1,7 +1,8 @@
 #include "foundation/OQCharacters.h"
-#include "foundation/OQNumberText.h"
+#include "foundation/OQTextEncoding.h"
 #include "foundation/OQXmlDocument.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace {
@@ -20,36 +21,63 @@ constexpr Entity entities[] = {
     { u"quot;", u'"' },
 };
 
-OQString EscapedControl(OQChar character, uint32_t flags)
+// What a character is written as; empty: as it stands. No memory is taken for it, as a text may
+// hold millions.
+class EscapedCharacter
 {
-    if ((flags & OQXmlReplaceControls) && character != 1)
-        return u"?";
-    return u"&#x" + OQHexToText(character) + u";";
-}
+public:
+    EscapedCharacter(OQChar character, uint32_t flags) { Choose(character, flags); }
 
-// What the character is written as; empty: as it stands.
-OQString EscapedCharacter(OQChar character, uint32_t flags)
-{
-    switch (character) {
-    case u'&':
-        return u"&amp;";
-    case u'<':
-        return u"&lt;";
-    case u'>':
-        return u"&gt;";
-    case u'"':
-        return flags & OQXmlEscapeQuote ? u"&quot;" : u"";
-    case u'\'':
-        return flags & OQXmlEscapeApostrophe ? u"&apos;" : u"";
-    case u'\t':
-    case u'\n':
-    case u'\r':
-        return {};
-    default:
-        return character < 32 && (flags & OQXmlEscapeControls) ? EscapedControl(character, flags)
-                                                               : OQString();
+    bool IsEmpty() const { return m_text.empty(); }
+
+    std::u16string_view View() const { return m_text; }
+
+private:
+    void Choose(OQChar character, uint32_t flags)
+    {
+        switch (character) {
+        case u'&':
+            m_text = u"&amp;";
+            break;
+        case u'<':
+            m_text = u"&lt;";
+            break;
+        case u'>':
+            m_text = u"&gt;";
+            break;
+        case u'"':
+            m_text = flags & OQXmlEscapeQuote ? u"&quot;" : u"";
+            break;
+        case u'\'':
+            m_text = flags & OQXmlEscapeApostrophe ? u"&apos;" : u"";
+            break;
+        case u'\t':
+        case u'\n':
+        case u'\r':
+            break;
+        default:
+            if (character < 32 && (flags & OQXmlEscapeControls))
+                ChooseControl(character, flags);
+        }
     }
-}
+
+    void ChooseControl(OQChar character, uint32_t flags)
+    {
+        if ((flags & OQXmlReplaceControls) && character != 1) {
+            m_text = u"?";
+            return;
+        }
+        OQChar* end = std::copy_n(u"&#x", 3, m_number);
+        if (character >= 16)
+            *end++ = u'1';
+        *end++ = u"0123456789ABCDEF"[character & 15];
+        *end++ = u';';
+        m_text = { m_number, end };
+    }
+
+    OQChar m_number[8];
+    std::u16string_view m_text;
+};
 
 struct Reference
 {
@@ -101,11 +129,11 @@ OQString OQXmlDocument::Escape(const OQString& text, uint32_t escapeFlags)
     for (size_t i = 0; i < view.size(); ++i) {
         if (view[i] > u'>') // nothing above it is ever written otherwise
             continue;
-        const OQString escaped = EscapedCharacter(view[i], escapeFlags);
+        const EscapedCharacter escaped(view[i], escapeFlags);
         if (escaped.IsEmpty())
             continue;
         result.Append(view.substr(copied, i - copied));
-        result += escaped;
+        result.Append(escaped.View());
         copied = i + 1;
     }
     if (copied == 0)
@@ -126,12 +154,7 @@ OQString OQXmlDocument::Unescape(const OQString& text)
             behind += reference.length;
             result.Append(view.substr(copied, at - copied));
             copied = behind;
-            if (reference.character >= 0x10000) {
-                result += static_cast<OQChar>(0xD7C0 + (reference.character >> 10));
-                result += static_cast<OQChar>(0xDC00 + (reference.character & 0x3FF));
-            } else {
-                result += static_cast<OQChar>(reference.character);
-            }
+            OQAppendCharacter(result, reference.character);
         }
         at = view.find(u'&', behind);
     }

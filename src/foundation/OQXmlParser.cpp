@@ -4,6 +4,7 @@
 #include "foundation/OQNumberText.h"
 
 #include <algorithm>
+#include <climits>
 
 namespace {
 
@@ -42,10 +43,19 @@ void OQXmlParser::Report(const OQString& message)
     m_table[CurrentElement()].flags |= OQXmlElement::FaultInContent;
 }
 
+// Only the first of a million faults is put into words.
+void OQXmlParser::ReportIncorrect(const OQXmlToken& token)
+{
+    if (m_message.IsEmpty())
+        Report(
+            u"Incorrect " + OQString(token.faultName) + u" at offset " + OQIntToText(token.start));
+    m_table[CurrentElement()].flags |= OQXmlElement::FaultInContent;
+}
+
 void OQXmlParser::ReportNotEnded(int element)
 {
     if (!m_message.IsEmpty())
-        return; // the names of a million open elements needn't be put into words
+        return;
     const OQXmlElement& record = m_table[element];
     const std::u16string_view tag = m_text.substr(static_cast<size_t>(record.start));
     Report(u"Element '" + ToString(OQXmlTagName(tag)) + u"' at offset " + OQIntToText(record.start)
@@ -69,8 +79,7 @@ OQString OQXmlParser::Parse()
             break;
         }
         if (token.fault == OQXmlTokenFault::Incorrect)
-            Report(u"Incorrect " + OQString(token.faultName) + u" at offset "
-                + OQIntToText(token.start));
+            ReportIncorrect(token);
         else if (token.kind == OQXmlTokenKind::StartTag)
             ReadStartTag(token);
         else if (token.kind == OQXmlTokenKind::EndTag)
@@ -80,6 +89,8 @@ OQString OQXmlParser::Parse()
         ReportNotEnded(CurrentElement());
         CloseInner(0, 0);
     }
+    if (!m_message.IsEmpty())
+        m_table.SetLevels(); // children may have moved
     const int root = m_table[0].firstChild;
     if (root == 0)
         Report(u"No root element");
@@ -103,6 +114,9 @@ void OQXmlParser::ReadStartTag(const OQXmlToken& token)
     }
     const auto name = m_names.try_emplace(OQXmlTagName(tag), -1).first;
     const int outerSameName = std::exchange(name->second, m_open.GetCount());
+    // Doubled: a text of nothing but start tags would be copied again and again otherwise.
+    if (m_open.GetCount() == m_open.GetCapacity())
+        m_open.SetGrowthStep(2 * std::clamp(m_open.GetCount(), 32, INT_MAX / 4));
     m_open.Add({ index, outerSameName, name });
 }
 

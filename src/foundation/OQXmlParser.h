@@ -39,6 +39,7 @@ private:
     int FindOpenElement(std::u16string_view tag) const;
     void CloseInner(int stackPlace, int newParent);
     void Report(const OQString& message);
+    void ReportIncorrect(const OQXmlToken& token);
     void ReportNotEnded(int element);
 
     int CurrentElement() const { return m_open.IsEmpty() ? 0 : m_open.Last().element; }

@@ -5,6 +5,7 @@
 #include <climits>
 #include <cstdint>
 #include <cstdio>
+#include <ctime>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -78,16 +79,25 @@ std::string FolderOf(const std::string& path)
     return slash == 0 ? "/" : path.substr(0, slash);
 }
 
-// A new file in the folder; its name is hidden and never one of ours.
-int CreateTemporary(const std::string& folder, std::string& path)
+int CreateNew(const std::string& path, unsigned mode)
 {
+    return ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, mode);
+}
+
+// A new file in the folder; its name is hidden and never one of ours.
+int CreateTemporary(const std::string& folder, const WriteOptions& options, std::string& path)
+{
+    if (!options.temporary.empty()) {
+        path = folder + "/" + options.temporary;
+        ::unlink(path.c_str());
+        return CreateNew(path, options.mode);
+    }
     static std::atomic<unsigned> counter { 0 };
     constexpr int attempts = 1000; // files that crashes left behind
     for (int i = 0; i < attempts; ++i) {
         path = folder + "/.pxvis-" + std::to_string(::getpid()) + "-"
             + std::to_string(counter.fetch_add(1)) + ".tmp";
-        const int descriptor
-            = ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666);
+        const int descriptor = CreateNew(path, options.mode);
         if (descriptor >= 0 || errno != EEXIST)
             return descriptor;
     }
@@ -137,6 +147,11 @@ void SyncFolder(const std::string& folder)
     const Descriptor descriptor(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (descriptor.IsOpen())
         ::fsync(descriptor.Get());
+}
+
+int64_t Nanoseconds(const timespec& time)
+{
+    return int64_t { time.tv_sec } * 1'000'000'000 + time.tv_nsec;
 }
 
 // May `path` be replaced? `old` becomes the state of the file that is there, or stays as it is.
@@ -221,7 +236,7 @@ FileError ReadFile(const std::string& path, size_t maximumSize, std::string& byt
     return FileError::None;
 }
 
-FileError WriteFile(const std::string& path, std::string_view bytes)
+FileError WriteFile(const std::string& path, std::string_view bytes, const WriteOptions& options)
 {
     if (!IsUsable(path))
         return FileError::NotFound;
@@ -235,7 +250,7 @@ FileError WriteFile(const std::string& path, std::string_view bytes)
         return error;
     const std::string folder = FolderOf(target);
     std::string temporary;
-    Descriptor file(CreateTemporary(folder, temporary));
+    Descriptor file(CreateTemporary(folder, options, temporary));
     if (!file.IsOpen())
         return ErrorOf(errno);
     const bool written = (old.st_nlink == 0 || TakeOver(file.Get(), old))
@@ -269,7 +284,7 @@ FileError CopyFile(const std::string& from, const std::string& to)
         return FileError::NotRegular;
     const std::string folder = FolderOf(to);
     std::string temporary;
-    Descriptor copy(CreateTemporary(folder, temporary));
+    Descriptor copy(CreateTemporary(folder, {}, temporary));
     if (!copy.IsOpen())
         return ErrorOf(errno);
     const bool copied = CopyAll(source.Get(), copy.Get())
@@ -340,6 +355,26 @@ std::string ResolveLinks(std::string path)
         path = link.front() == '/' ? std::string(link) : FolderOf(path) + "/" + std::string(link);
     }
     return path;
+}
+
+bool FileStamp::IsSettled() const
+{
+    constexpr int64_t slowestTick = 50 * 1000 * 1000;
+    timespec now {};
+    ::clock_gettime(CLOCK_REALTIME, &now);
+    return size < 0 || Nanoseconds(now) - changed > slowestTick;
+}
+
+FileStamp StampOf(const std::string& path)
+{
+    struct stat status
+    {
+    };
+
+    if (!IsUsable(path) || ::stat(path.c_str(), &status) != 0)
+        return {};
+    return { status.st_dev, status.st_ino, status.st_size, Nanoseconds(status.st_mtim),
+        Nanoseconds(status.st_ctim) };
 }
 
 double LastWriteTime(const std::string& path)

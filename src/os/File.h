@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -29,7 +30,36 @@ FileError ReadFile(const std::string& path, size_t maximumSize, std::string& byt
 // reach the disk, and then take the name. Permissions, group and, as far as the system allows it,
 // owner of a file that was there stay, links are followed, and one that may not be written is left
 // alone.
-FileError WriteFile(const std::string& path, std::string_view bytes);
+//
+// Writers who take turns by a lock give `temporary`, the name of the new file until then: what a
+// killed one left behind is then used up by the next. `mode`: permissions of a file that wasn't
+// there, less the process's mask.
+struct WriteOptions
+{
+    std::string temporary; // without a folder; empty: a name that nobody has
+    unsigned mode = 0666;
+};
+
+FileError WriteFile(
+    const std::string& path, std::string_view bytes, const WriteOptions& options = {});
+
+// What tells one state of a file from another.
+struct FileStamp
+{
+    uint64_t device = 0;
+    uint64_t number = 0;
+    int64_t size = -1; // bytes; -1: there is no file
+    int64_t written = 0; // nanoseconds since 1970
+    int64_t changed = 0; // the same, permissions and names included
+
+    bool operator==(const FileStamp&) const = default;
+
+    // False while a later change might still get the same stamp, since the system's clock for files
+    // ticks slowly and numbers of deleted files are given out anew.
+    bool IsSettled() const;
+};
+
+FileStamp StampOf(const std::string& path);
 
 // A copy of a regular file's bytes and permissions under another name, in place of the file or link
 // that had it. A link is not followed on either side. As whole or absent as with WriteFile.

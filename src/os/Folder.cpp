@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <compare>
 #include <dirent.h>
 #include <fcntl.h>
 #include <memory>
@@ -133,6 +132,21 @@ bool MakeFolder(const std::string& path)
     if (!IsUsable(path))
         return false;
     return ::mkdir(path.c_str(), 0777) == 0 || (errno == EEXIST && FolderExists(path));
+}
+
+bool MakeFolders(const std::string& path, unsigned mode)
+{
+    if (!IsUsable(path) || path.front() != '/')
+        return false;
+    if (FolderExists(path))
+        return true;
+    for (size_t slash = path.find('/', 1); slash != std::string::npos;
+         slash = path.find('/', slash + 1)) {
+        const std::string above = path.substr(0, slash);
+        if (::mkdir(above.c_str(), mode) != 0 && !FolderExists(above))
+            return false;
+    }
+    return ::mkdir(path.c_str(), mode) == 0 || (errno == EEXIST && FolderExists(path));
 }
 
 bool ListFolder(

@@ -15,6 +15,10 @@ bool FolderExists(const std::string& path);
 // True as well if the folder is there already. Its parent must be there.
 bool MakeFolder(const std::string& path);
 
+// Makes the folder and those above it that are missing, each with `mode` less the process's mask.
+// True as well if it was there. The path must be absolute.
+bool MakeFolders(const std::string& path, unsigned mode);
+
 struct FolderEntry
 {
     std::string name;
@@ -33,7 +37,10 @@ struct FolderIdentity
     uint64_t device = 0;
     uint64_t number = 0;
 
-    auto operator<=>(const FolderIdentity&) const = default;
+    bool operator<(const FolderIdentity& other) const
+    {
+        return device != other.device ? device < other.device : number < other.number;
+    }
 };
 
 FolderIdentity IdentifyFolder(const std::string& path);

@@ -4,20 +4,49 @@
 #include "os/ModulePath.h"
 
 #include <cstdlib>
+#include <pwd.h>
+#include <unistd.h>
+#include <vector>
 
 namespace pxvis::os {
 
-std::string UserDataHome()
+namespace {
+
+// Services run without HOME.
+std::string HomeFolder()
 {
-    if (const char* data = std::getenv("XDG_DATA_HOME"); data && *data == '/') {
-        std::string folder = data;
-        while (folder.size() > 1 && folder.back() == '/')
-            folder.pop_back();
-        return folder;
+    const std::string home = EnvironmentValue("HOME");
+    if (!home.empty())
+        return home;
+    std::vector<char> buffer(16 * 1024);
+    passwd entry {};
+    passwd* found = nullptr;
+    const int failed = ::getpwuid_r(::geteuid(), &entry, buffer.data(), buffer.size(), &found);
+    return failed == 0 && found && found->pw_dir ? found->pw_dir : "";
+}
+
+void CutSlashes(std::string& path)
+{
+    while (path.size() > 1 && path.back() == '/')
+        path.pop_back();
+}
+
+}
+
+std::string UserFolder(const char* variable, const char* belowHome)
+{
+    if (!PortableFolder().empty())
+        return PortableUserFolder(PortableFolder());
+    std::string folder = EnvironmentValue(variable);
+    if (folder.empty() || folder.front() != '/') {
+        folder = HomeFolder();
+        if (folder.empty() || folder.front() != '/')
+            return {};
+        CutSlashes(folder);
+        folder += std::string("/") + belowHome;
     }
-    if (const char* home = std::getenv("HOME"); home && *home == '/')
-        return std::string(home) + "/.local/share";
-    return {};
+    CutSlashes(folder);
+    return folder;
 }
 
 const std::string& PortableFolder()
@@ -27,6 +56,17 @@ const std::string& PortableFolder()
         return !folder.empty() && FileExists(folder + "/Portable.dat") ? folder : std::string();
     }();
     return portable;
+}
+
+std::string PortableUserFolder(const std::string& portableFolder)
+{
+    return portableFolder + "/Application Data";
+}
+
+std::string EnvironmentValue(const char* variable)
+{
+    const char* value = ::secure_getenv(variable);
+    return value ? value : "";
 }
 
 }

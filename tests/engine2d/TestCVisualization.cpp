@@ -3,6 +3,7 @@
 #include "engine2d/CVisLayer.h"
 #include "engine2d/CVisualization.h"
 #include "engine2d/VisLimits.h"
+#include "host/TestFolder.h"
 
 #include <doctest/doctest.h>
 
@@ -147,7 +148,7 @@ TEST_CASE("What is no script leaves an empty engine and gives -1")
     }
     CHECK(engine.LoadScript(u"/nowhere/x.pxv") == -1);
     CHECK(owner.scriptsLoaded == 6);
-    CHECK(engine.SaveScript(u"/nowhere/x.pxv") == 0);
+    CHECK(engine.SaveScript(u"/proc/nowhere/x.pxv") == 0);
 }
 
 TEST_CASE("Hostile scripts are cut off at the limits on nesting and number of pieces")
@@ -355,4 +356,22 @@ TEST_CASE("The registry finds types by their exact GUID and lists a category by 
     CHECK(indexes[3] == 0);
     manager.List(2, names, indexes);
     CHECK(names.GetCount() == 0);
+}
+
+TEST_CASE("A shipped script is saved as the user's, whose file it is from then on")
+{
+    const TestFolder folder;
+    setenv("XDG_DATA_HOME", folder.Path("").c_str(), 1);
+    const std::string name = "Visualizations/Vis Studio/Bright/Undertow.pxv";
+    const std::string shipped = PXVIS_SOURCE_DIR "/data/" + name;
+    const auto date = std::filesystem::last_write_time(shipped);
+    std::filesystem::create_directories(folder.Path("pxvis/Visualizations/Vis Studio/Bright"));
+    CVisualization engine(nullptr);
+    REQUIRE(engine.LoadScript(OQString::FromUtf8(shipped)) == 0);
+    engine.SaveScript({});
+    CHECK(std::filesystem::last_write_time(shipped) == date);
+    CHECK(folder.Read("pxvis/" + name).starts_with("<PXV "));
+    engine.Reset();
+    engine.SaveScript({});
+    CHECK(folder.Read("pxvis/" + name) == "<PXV Version=\"1.0\"/>\r\n");
 }

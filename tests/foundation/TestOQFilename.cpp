@@ -96,6 +96,7 @@ TEST_CASE("Paths go from every form to every other one")
             u"file:///M/%C3%9C%20100%25/a%23b%3F.mp3" },
         { u"/\U0001F3B5~", u"\\\U0001F3B5~", u"/\U0001F3B5~", u"file:///%F0%9F%8E%B5~" },
         { u"C:/M/a.mp3", u"C:\\M\\a.mp3", u"C:/M/a.mp3", u"file://localhost/C:/M/a.mp3" },
+        { u"/C:/a", u"\\C:\\a", u"/C:/a", u"file:///C%3A/a" },
         { u"//server/a", u"\\\\server\\a", u"//server/a", u"file:////server/a" },
         { u"a/b c", u"a\\b c", u"a/b c", u"a/b c" },
         { u"http://h/a b", u"http://h/a b", u"http://h/a b", u"http://h/a b" }

@@ -60,3 +60,16 @@ TEST_CASE("Threads that ask at once get one interface and it works again after a
     CHECK(image->Create(2, 2, 0, 0));
     CHECK(modules.ImageApp() != nullptr);
 }
+
+TEST_CASE("Tools that do not load leave the words for the user")
+{
+    OQSiblingModules modules({ .name = "OQNothing.so" }, { .name = "/no/OQTools.so" });
+    CHECK(modules.ToolsFailureText().IsEmpty());
+    CHECK(modules.Tools() == nullptr);
+    CHECK(modules.ToolsFailureText()
+        == u"The following module has failed to load:\r\n/no/OQTools.so\r\n\r\nIt has reported the "
+           u"following error:\r\n\r\nFailed to load OQTools\r\n\r\nPlease reinstall the latest "
+           u"version of the program.");
+    modules.Unload();
+    CHECK(modules.ToolsFailureText().IsEmpty());
+}

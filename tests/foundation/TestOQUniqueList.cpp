@@ -17,6 +17,18 @@ struct Counted
     int& live;
 };
 
+// Can't be copied, as if there were no memory.
+struct NoMemoryKey
+{
+    NoMemoryKey() = default;
+
+    NoMemoryKey(const NoMemoryKey&) { throw std::bad_alloc(); }
+
+    explicit operator uint32_t() const { return 0; }
+
+    bool operator==(const NoMemoryKey&) const = default;
+};
+
 }
 
 TEST_CASE("Sets hold each item once, texts without regard to case or by their hash alone")
@@ -50,6 +62,9 @@ TEST_CASE("Owning maps delete what is removed, replaced or left")
         numbers.ClearAll();
         CHECK(live == 1);
         numbers.Set(1, new Counted(live));
+        OQOwnedPtrMap<NoMemoryKey, Counted> full;
+        CHECK_THROWS_AS(full.Set(NoMemoryKey(), new Counted(live)), std::bad_alloc);
+        CHECK(live == 2);
     }
     CHECK(live == 0);
 }

@@ -7,7 +7,7 @@
 #include "os/File.h"
 #include "siblings/image/ImageDecoder.h"
 #include "siblings/image/ImageDrawing.h"
-#include "siblings/image/ImagePng.h"
+#include "siblings/image/ImageSaving.h"
 #include "siblings/image/ImageText.h"
 
 #include <algorithm>
@@ -199,22 +199,32 @@ bool CImage::LoadBytes(std::string_view bytes, int32_t width, int32_t height)
 {
     const int64_t askedWidth = std::abs(int64_t { width });
     const int64_t askedHeight = std::abs(int64_t { height });
-    if (askedWidth > pxvis::image::kMaxSide || askedHeight > pxvis::image::kMaxSide)
+    if (!pxvis::image::IsAllowedSize(
+            std::max<int64_t>(askedWidth, 1), std::max<int64_t>(askedHeight, 1)))
         return false;
-    const pxvis::image::Pixbuf pixbuf = pxvis::image::Decode(bytes, 0);
+    const bool keepsSide = askedWidth == 0 || askedHeight == 0;
+    pxvis::image::Pixbuf pixbuf = pxvis::image::Decode(
+        bytes, keepsSide ? 0 : static_cast<int32_t>(std::max(askedWidth, askedHeight)));
     if (!pixbuf)
         return false;
-    const auto own = pxvis::image::SizeOfUpright(pixbuf.get());
-    CImage decoded;
-    if (!decoded.Create(own.width, own.height, 0, 0))
+    const OQSize own = pxvis::image::SizeOfUpright(pixbuf.get());
+    const OQSize asked { askedWidth ? static_cast<int32_t>(askedWidth) : own.cx,
+        askedHeight ? static_cast<int32_t>(askedHeight) : own.cy };
+    CImage upright;
+    CImage& decoded = asked == own ? *this : upright;
+    if (!decoded.Create(own.cx, own.cy, 0, 0))
         return false;
     pxvis::image::CopyUpright(decoded.View(), pixbuf.get());
-    const auto newWidth = static_cast<int32_t>(askedWidth ? askedWidth : own.width);
-    const auto newHeight = static_cast<int32_t>(askedHeight ? askedHeight : own.height);
-    // FIXME: average when shrinking, and premultiplied.
-    if (!Create(newWidth, newHeight, 0, 0))
+    pixbuf.reset();
+    if (asked == own)
+        return true;
+    CImage stretched;
+    if (!stretched.Create(asked.cx, asked.cy, 0, 0))
         return false;
-    return decoded.Blit(View().top, newWidth, newHeight, -m_info.strideBytes);
+    pxvis::image::ImageStretch().Store(stretched.View(), upright.View());
+    m_bits = std::move(stretched.m_bits);
+    m_info = stretched.m_info;
+    return true;
 }
 
 bool CImage::IsValid() const
@@ -222,13 +232,37 @@ bool CImage::IsValid() const
     return m_bits != nullptr;
 }
 
-// FIXME: drawing to another image and JPEG.
-bool CImage::DrawTo(IOQImage&, const OQRect&, bool) const
+bool CImage::DrawTo(IOQImage& target, const OQRect& rect, bool keepShape) const
 {
-    return false;
+    uint32_t* bits = target.GetBits();
+    const OQSize size = target.GetSize();
+    if (!m_bits || !bits)
+        return false;
+    if (pxvis::image::IsEmpty(rect))
+        return true;
+    try {
+        CImage copy; // when the picture is drawn on itself
+        if (bits == m_bits.get()) {
+            if (!copy.Create(m_info.width, m_info.height, 0, 0))
+                return false;
+            pxvis::image::CopyRect(copy.View(), View(), pxvis::image::Bounds(View()), 0, 0);
+        }
+        const Pixels source = copy.IsValid() ? copy.View() : View();
+        m_stretch.Blend(ViewOf(bits, size.cx, size.cy), source,
+            pxvis::image::PlacementIn(rect, source, keepShape));
+        return true;
+    } catch (...) {
+        return false;
+    }
 }
 
-bool CImage::SaveJpeg(const OQChar*, int32_t, int32_t) const
+bool CImage::SaveJpeg(const OQChar* path, int32_t quality, int32_t) const
 {
-    return false;
+    if (!m_bits || !path)
+        return false;
+    try {
+        return pxvis::image::SaveJpeg(View(), Utf8(path), quality);
+    } catch (...) {
+        return false;
+    }
 }

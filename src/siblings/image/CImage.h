@@ -1,6 +1,7 @@
 #pragma once
 
 #include "foundation/IOQImage.h"
+#include "siblings/image/ImageStretch.h"
 #include "siblings/image/Pixels.h"
 
 #include <memory>
@@ -49,4 +50,5 @@ private:
 
     std::unique_ptr<uint32_t[], FreeBits> m_bits;
     OQBitmapInfo m_info;
+    mutable pxvis::image::ImageStretch m_stretch; // kept between frames
 };

@@ -1,88 +1,98 @@
 #include "siblings/image/ImageDecoder.h"
 
 #include "kernels/PixelsFromBytes.h"
+#include "siblings/image/PictureFile.h"
 
-#include <cstdlib>
+#include <algorithm>
 
 namespace pxvis::image {
 
 namespace {
-
-// The name of the decoder for a file that starts so; null for all others.
-const char* FormatOf(std::string_view bytes)
-{
-    using namespace std::string_view_literals;
-
-    constexpr struct
-    {
-        std::string_view signature;
-        const char* name;
-    } formats[] = {
-        { "\x89PNG\r\n\x1A\n"sv, "png" },
-        { "\xFF\xD8\xFF"sv, "jpeg" },
-        { "GIF87a"sv, "gif" },
-        { "GIF89a"sv, "gif" },
-        { "BM"sv, "bmp" },
-        { "II*\0"sv, "tiff" },
-        { "MM\0*"sv, "tiff" },
-        { "\0\0\1\0"sv, "ico" },
-    };
-
-    for (const auto& format : formats)
-        if (bytes.starts_with(format.signature))
-            return format.name;
-    if (bytes.starts_with("RIFF") && bytes.substr(4).substr(4).starts_with("WEBP"))
-        return "webp";
-    return nullptr;
-}
 
 struct ReleaseLoader
 {
     void operator()(GdkPixbufLoader* loader) const { g_object_unref(loader); }
 };
 
-// The decoder tells the size before it takes memory, and gives up when asked for no pixels.
-void OnSizeKnown(GdkPixbufLoader* loader, gint width, gint height, gpointer)
+// Pixels that a decoder may go over, all scans of the picture together: a few seconds.
+constexpr int64_t kMaxPixelScans = int64_t { 1 } << 30;
+
+struct Demand
 {
-    if (!IsAllowedSize(width, height))
+    int64_t scans;
+    int32_t enough;
+    bool mayReduce;
+};
+
+// The decoder tells the size before it takes memory, and gives up when it is asked for no pixels.
+void OnSizeKnown(GdkPixbufLoader* loader, gint width, gint height, gpointer data)
+{
+    const auto& demand = *static_cast<const Demand*>(data);
+    if (!IsAllowedSize(width, height)
+        || int64_t { width } * height * demand.scans > kMaxPixelScans) {
         gdk_pixbuf_loader_set_size(loader, 0, 0);
+        return;
+    }
+    if (!demand.mayReduce)
+        return;
+    // The sizes, rounded up, that the decoder of JPEG knows to make without all of the work.
+    for (const int32_t by : { 8, 4, 2 }) {
+        const int32_t reducedWidth = (width + by - 1) / by;
+        const int32_t reducedHeight = (height + by - 1) / by;
+        if (std::min(reducedWidth, reducedHeight) >= demand.enough) {
+            gdk_pixbuf_loader_set_size(loader, reducedWidth, reducedHeight);
+            return;
+        }
+    }
 }
 
-}
-
-Pixbuf Decode(std::string_view bytes, int32_t)
+bool Write(GdkPixbufLoader* loader, std::string_view bytes)
 {
-    const char* format = FormatOf(bytes);
-    if (!format)
-        return nullptr;
-    const std::unique_ptr<GdkPixbufLoader, ReleaseLoader> loader(
-        gdk_pixbuf_loader_new_with_type(format, nullptr));
-    if (!loader)
-        return nullptr;
-    g_signal_connect(loader.get(), "size-prepared", G_CALLBACK(&OnSizeKnown), nullptr);
-    bool good = gdk_pixbuf_loader_write(
-        loader.get(), reinterpret_cast<const guchar*>(bytes.data()), bytes.size(), nullptr);
-    good = gdk_pixbuf_loader_close(loader.get(), nullptr) && good;
-    GdkPixbuf* pixbuf = good ? gdk_pixbuf_loader_get_pixbuf(loader.get()) : nullptr;
-    if (!pixbuf || !IsAllowedSize(gdk_pixbuf_get_width(pixbuf), gdk_pixbuf_get_height(pixbuf))
-        || gdk_pixbuf_get_bits_per_sample(pixbuf) != 8
-        || gdk_pixbuf_get_n_channels(pixbuf) != (gdk_pixbuf_get_has_alpha(pixbuf) ? 4 : 3))
-        return nullptr;
-    return Pixbuf(GDK_PIXBUF(g_object_ref(pixbuf)));
+    return bytes.empty()
+        || gdk_pixbuf_loader_write(
+            loader, reinterpret_cast<const guchar*>(bytes.data()), bytes.size(), nullptr);
 }
 
-// The number that Exif gives the picture's orientation: 1 is upright, 5 to 8 lie on their side.
-static int Orientation(GdkPixbuf* pixbuf)
+bool IsUsual(GdkPixbuf* pixbuf)
+{
+    return IsAllowedSize(gdk_pixbuf_get_width(pixbuf), gdk_pixbuf_get_height(pixbuf))
+        && gdk_pixbuf_get_bits_per_sample(pixbuf) == 8
+        && gdk_pixbuf_get_n_channels(pixbuf) == (gdk_pixbuf_get_has_alpha(pixbuf) ? 4 : 3);
+}
+
+// 1 is upright, 5 to 8 lie on their side, numbered as Exif does.
+int Orientation(GdkPixbuf* pixbuf)
 {
     const gchar* text = gdk_pixbuf_get_option(pixbuf, "orientation");
     return text && text[0] >= '1' && text[0] <= '8' && !text[1] ? text[0] - '0' : 1;
 }
 
-UprightSize SizeOfUpright(GdkPixbuf* pixbuf)
+}
+
+Pixbuf Decode(std::string_view bytes, int32_t enough)
+{
+    PictureFile file;
+    if (!Examine(bytes, file))
+        return nullptr;
+    const std::unique_ptr<GdkPixbufLoader, ReleaseLoader> loader(
+        gdk_pixbuf_loader_new_with_type(file.decoder, nullptr));
+    if (!loader)
+        return nullptr;
+    Demand demand { file.scans, enough, enough > 0 && std::string_view(file.decoder) == "jpeg" };
+    g_signal_connect(loader.get(), "size-prepared", G_CALLBACK(&OnSizeKnown), &demand);
+    bool good = Write(loader.get(), file.head);
+    for (size_t i = 0; good && i < file.parts.size(); ++i)
+        good = Write(loader.get(), file.parts[i]);
+    good = gdk_pixbuf_loader_close(loader.get(), nullptr) && good;
+    GdkPixbuf* pixbuf = good ? gdk_pixbuf_loader_get_pixbuf(loader.get()) : nullptr;
+    return Pixbuf(pixbuf && IsUsual(pixbuf) ? GDK_PIXBUF(g_object_ref(pixbuf)) : nullptr);
+}
+
+OQSize SizeOfUpright(GdkPixbuf* pixbuf)
 {
     const int32_t width = gdk_pixbuf_get_width(pixbuf);
     const int32_t height = gdk_pixbuf_get_height(pixbuf);
-    return Orientation(pixbuf) < 5 ? UprightSize { width, height } : UprightSize { height, width };
+    return Orientation(pixbuf) < 5 ? OQSize { width, height } : OQSize { height, width };
 }
 
 void CopyUpright(const Pixels& target, GdkPixbuf* pixbuf)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "foundation/OQGeometry.h"
 #include "siblings/image/Pixels.h"
 
 #include <gdk-pixbuf/gdk-pixbuf.h>
@@ -17,22 +18,16 @@ struct ReleasePixbuf
 
 using Pixbuf = std::unique_ptr<GdkPixbuf, ReleasePixbuf>;
 
-// Decodes a picture file, its first frame: 8 bits a channel, three or four channels, not yet turned
-// by its orientation. Null if it is damaged, of a kind that isn't a plain bitmap, or not of an
-// allowed size. Pictures come from strangers, so no decoder is asked that the first bytes don't
-// name, and drawings that may lead to other files are none of them. A JPEG may come out at half, a
-// quarter or an eighth of its size where that is still at least `enough` in both sides; 0 asks for
-// all of it. Any thread.
+// Decodes a picture file, its first frame: 8 bits a channel, three or four channels, not yet
+// turned. Null if it is damaged, of an unknown kind, not of an allowed size, or would take too
+// long. A JPEG may come out at half, a quarter or an eighth of its size where both sides are still
+// at least `enough`; 0 asks for all of it. Any thread. May throw std::bad_alloc.
 Pixbuf Decode(std::string_view bytes, int32_t enough);
 
-// The picture's pixels, upright, top row first to `target`, which has the size that Upright gave.
-struct UprightSize
-{
-    int32_t width;
-    int32_t height;
-};
+// Some pictures lie on their side or are mirrored, and say so.
+OQSize SizeOfUpright(GdkPixbuf* pixbuf);
 
-UprightSize SizeOfUpright(GdkPixbuf* pixbuf);
+// Into a picture of that size.
 void CopyUpright(const Pixels& target, GdkPixbuf* pixbuf);
 
 }

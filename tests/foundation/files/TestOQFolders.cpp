@@ -51,6 +51,9 @@ TEST_CASE("The user's folders follow the environment, the theme goes before them
     setenv("HOME", "", 1);
     CHECK(OQFolders::GetDataFolder() == OQFolders::GetInstallFolder() + u"Data/");
     CHECK(OQDataRoots::Get().user.IsEmpty());
+    tools.dataFolder.clear();
+    CHECK(OQFolders::GetAppDataFolder().IsEmpty());
+    CHECK(OQFolders::GetTempLocation().IsEmpty());
 }
 
 TEST_CASE("Temporary files lie where the user says, or else with the product's own")

@@ -1,0 +1,264 @@
+#include "siblings/image/PictureFile.h"
+
+#include "siblings/image/Pixels.h"
+
+#include <algorithm>
+#include <cstdlib>
+
+namespace pxvis::image {
+
+namespace {
+
+// Reads numbers of a file; past its end all bytes are 0.
+class Bytes
+{
+public:
+    explicit Bytes(std::string_view bytes)
+        : m_bytes(bytes)
+    {
+    }
+
+    size_t Size() const { return m_bytes.size(); }
+
+    uint32_t Byte(size_t at) const
+    {
+        return at < m_bytes.size() ? static_cast<unsigned char>(m_bytes[at]) : 0;
+    }
+
+    uint32_t Little16(size_t at) const { return Byte(at) | Byte(at + 1) << 8; }
+
+    uint32_t Little24(size_t at) const { return Little16(at) | Byte(at + 2) << 16; }
+
+    uint32_t Little32(size_t at) const { return Little16(at) | Little16(at + 2) << 16; }
+
+    uint32_t Big32(size_t at) const
+    {
+        return Byte(at) << 24 | Byte(at + 1) << 16 | Byte(at + 2) << 8 | Byte(at + 3);
+    }
+
+private:
+    std::string_view m_bytes;
+};
+
+void AddPart(PictureFile& file, std::string_view part)
+{
+    if (!file.parts.empty() && file.parts.back().data() + file.parts.back().size() == part.data())
+        file.parts.back()
+            = std::string_view(file.parts.back().data(), file.parts.back().size() + part.size());
+    else
+        file.parts.push_back(part);
+}
+
+void AppendLittle(std::string& text, uint32_t value, int count)
+{
+    for (int i = 0; i < count; ++i)
+        text.push_back(static_cast<char>(value >> 8 * i & 0xFF));
+}
+
+bool TakeAll(std::string_view bytes, PictureFile& file)
+{
+    AddPart(file, bytes);
+    return true;
+}
+
+bool ExaminePng(std::string_view bytes, PictureFile& file)
+{
+    constexpr size_t signature = 8;
+    constexpr size_t frame = 12; // of a chunk: length, name, checksum
+    AddPart(file, bytes.substr(0, signature));
+    const Bytes numbers(bytes);
+    for (size_t at = signature; bytes.size() - at >= frame;) {
+        const size_t length = frame + size_t { numbers.Big32(at) };
+        if (length > bytes.size() - at)
+            return false;
+        const std::string_view name = bytes.substr(at + 4, 4);
+        if (name == "IHDR" || name == "PLTE" || name == "tRNS" || name == "IDAT" || name == "IEND")
+            AddPart(file, bytes.substr(at, length));
+        if (name == "IEND")
+            return true;
+        at += length;
+    }
+    return false;
+}
+
+// A progressive picture is gone over once a scan, and a scan may be a few bytes. Its marker can't
+// be in a scan's data; elsewhere it is counted in vain at times. Behind the last one the picture's
+// end must come.
+bool ExamineJpeg(std::string_view bytes, PictureFile& file)
+{
+    file.scans = 0;
+    size_t last = 0;
+    for (size_t at = bytes.find("\xFF\xDA"); at != std::string_view::npos;
+         at = bytes.find("\xFF\xDA", at + 2)) {
+        ++file.scans;
+        last = at;
+    }
+    return file.scans > 0 && bytes.find("\xFF\xD9", last) != std::string_view::npos
+        && TakeAll(bytes, file);
+}
+
+// Past the blocks that start there, each with its length in front, and the empty one; 0 if the file
+// ends before.
+size_t EndOfGifBlocks(const Bytes& bytes, size_t at)
+{
+    while (at < bytes.Size() && bytes.Byte(at) != 0)
+        at += bytes.Byte(at) + 1;
+    return at < bytes.Size() ? at + 1 : 0;
+}
+
+size_t GifColors(uint32_t flags)
+{
+    return flags & 0x80 ? size_t { 3 } << (1 + (flags & 7)) : 0;
+}
+
+bool ExamineGif(std::string_view bytes, PictureFile& file)
+{
+    const Bytes numbers(bytes);
+    for (size_t at = 13 + GifColors(numbers.Byte(10)); at != 0;) {
+        if (numbers.Byte(at) == '!') {
+            at = EndOfGifBlocks(numbers, at + 2);
+            continue;
+        }
+        if (numbers.Byte(at) != ',' || numbers.Little16(at + 5) == 0
+            || numbers.Little16(at + 7) == 0)
+            return false;
+        const size_t end = EndOfGifBlocks(numbers, at + 11 + GifColors(numbers.Byte(at + 9)));
+        // A frame that reaches beyond the picture makes it larger: the decoder expects none.
+        const uint32_t width
+            = std::max(numbers.Little16(6), numbers.Little16(at + 1) + numbers.Little16(at + 5));
+        const uint32_t height
+            = std::max(numbers.Little16(8), numbers.Little16(at + 3) + numbers.Little16(at + 7));
+        if (end == 0 || !IsAllowedSize(width, height))
+            return false;
+        file.head = bytes.substr(0, 6);
+        AppendLittle(file.head, width, 2);
+        AppendLittle(file.head, height, 2);
+        AddPart(file, bytes.substr(file.head.size(), end - file.head.size()));
+        AddPart(file, ";");
+        return true;
+    }
+    return false;
+}
+
+bool ExamineBmp(std::string_view bytes, PictureFile& file)
+{
+    const Bytes numbers(bytes);
+    constexpr uint32_t newHeader = 40;
+    if (numbers.Little32(14) < newHeader) // the old one has 16-bit sizes and nothing packed
+        return TakeAll(bytes, file);
+    const auto width = static_cast<int32_t>(numbers.Little32(18));
+    const int64_t height = std::abs(int64_t { static_cast<int32_t>(numbers.Little32(22)) });
+    const int64_t bits = numbers.Little16(28);
+    const uint32_t packing = numbers.Little32(30);
+    if (!IsAllowedSize(width, height))
+        return false;
+    const int64_t needed = numbers.Little32(10) + (width * bits + 31) / 32 * 4 * height;
+    const bool isPacked = packing == 1 || packing == 2;
+    return (isPacked || static_cast<int64_t>(bytes.size()) >= needed) && TakeAll(bytes, file);
+}
+
+// A list of pictures, of which the decoder takes one.
+bool ExamineIco(std::string_view bytes, PictureFile& file)
+{
+    const Bytes numbers(bytes);
+    const uint32_t count = numbers.Little16(4);
+    for (uint32_t i = 0; i < count; ++i) {
+        const size_t entry = 6 + size_t { 16 } * i;
+        if (uint64_t { numbers.Little32(entry + 8) } + numbers.Little32(entry + 12) > bytes.size())
+            return false;
+    }
+    return TakeAll(bytes, file);
+}
+
+// The first frame of an animation as a picture of its own: the decoder would make room for the
+// whole, and tell its troubles on standard error.
+bool TakeWebpFrame(std::string_view frame, PictureFile& file)
+{
+    constexpr size_t header = 16;
+    constexpr uint32_t hasAlpha = 0x10;
+    if (frame.size() < header)
+        return false;
+    const Bytes numbers(frame);
+    const uint32_t width = numbers.Little24(6); // one less than it is, as the height
+    const uint32_t height = numbers.Little24(9);
+    if (!IsAllowedSize(int64_t { width } + 1, int64_t { height } + 1))
+        return false;
+    const std::string_view picture = frame.substr(header);
+    file.head = "RIFF";
+    AppendLittle(file.head, static_cast<uint32_t>(4 + 18 + picture.size()), 4);
+    file.head += "WEBPVP8X";
+    AppendLittle(file.head, 10, 4);
+    AppendLittle(file.head, hasAlpha, 4);
+    AppendLittle(file.head, width, 3);
+    AppendLittle(file.head, height, 3);
+    file.head += picture; // in one piece, as the decoder wants it
+    return true;
+}
+
+bool ExamineWebp(std::string_view bytes, PictureFile& file)
+{
+    constexpr uint32_t isAnimation = 2;
+    const Bytes numbers(bytes);
+    if (bytes.size() < size_t { numbers.Little32(4) } + 8)
+        return false;
+    const std::string_view kind = bytes.substr(12, 4);
+    if (kind == "VP8 ")
+        return IsAllowedSize(numbers.Little16(26) & 0x3FFF, numbers.Little16(28) & 0x3FFF)
+            && TakeAll(bytes, file);
+    if (kind == "VP8L") {
+        const uint32_t sizes = numbers.Little32(21);
+        return IsAllowedSize((sizes & 0x3FFF) + 1, (sizes >> 14 & 0x3FFF) + 1)
+            && TakeAll(bytes, file);
+    }
+    if (kind != "VP8X"
+        || !IsAllowedSize(
+            int64_t { numbers.Little24(24) } + 1, int64_t { numbers.Little24(27) } + 1))
+        return false;
+    if (!(numbers.Byte(20) & isAnimation))
+        return TakeAll(bytes, file);
+    constexpr size_t chunkHeader = 8;
+    for (size_t at = 12; at + chunkHeader <= bytes.size();) {
+        const size_t length = numbers.Little32(at + 4);
+        if (length > bytes.size() - at - chunkHeader)
+            return false;
+        if (bytes.substr(at, 4) == "ANMF")
+            return TakeWebpFrame(bytes.substr(at + chunkHeader, length), file);
+        at += chunkHeader + length + length % 2;
+    }
+    return false;
+}
+
+}
+
+bool Examine(std::string_view bytes, PictureFile& file)
+{
+    using namespace std::string_view_literals;
+
+    constexpr struct
+    {
+        std::string_view signature;
+        const char* decoder;
+        bool (*examine)(std::string_view bytes, PictureFile& file);
+    } formats[] = {
+        { "\x89PNG\r\n\x1A\n"sv, "png", &ExaminePng },
+        { "\xFF\xD8\xFF"sv, "jpeg", &ExamineJpeg },
+        { "GIF87a"sv, "gif", &ExamineGif },
+        { "GIF89a"sv, "gif", &ExamineGif },
+        { "BM"sv, "bmp", &ExamineBmp },
+        { "II*\0"sv, "tiff", &TakeAll },
+        { "MM\0*"sv, "tiff", &TakeAll },
+        { "\0\0\1\0"sv, "ico", &ExamineIco },
+        { "RIFF"sv, "webp", &ExamineWebp },
+    };
+
+    file = {};
+    for (const auto& format : formats) {
+        if (bytes.starts_with(format.signature)) {
+            file.decoder = format.decoder;
+            return format.examine(bytes, file);
+        }
+    }
+    return false;
+}
+
+}

@@ -1,0 +1,112 @@
+#include "siblings/tools/CLog.h"
+
+#include "foundation/OQFormat.h"
+#include "foundation/OQNumberText.h"
+#include "os/UserFolders.h"
+#include "siblings/tools/LogOutput.h"
+
+#include <algorithm>
+#include <string_view>
+
+using pxvis::os::EnvironmentValue;
+using pxvis::tools::LogOutput;
+
+namespace {
+
+constexpr int kMaxLine = 8192; // characters
+
+int32_t LevelFrom(std::string_view text, int32_t fallback)
+{
+    constexpr std::string_view names[] = { "off", "error", "warning", "info", "debug" };
+    for (int32_t level = 0; level <= OQLogDebug; ++level) {
+        if (text == names[level] || text == std::to_string(level))
+            return level;
+    }
+    return fallback;
+}
+
+// Control characters would make several lines of one or reach a terminal, and those that turn the
+// direction of writing would show another text than the one that stands there.
+bool IsHarmful(OQChar character)
+{
+    return character < 32 || (character >= 127 && character < 160)
+        || (character >= 0x2028 && character <= 0x202E)
+        || (character >= 0x2066 && character <= 0x2069);
+}
+
+std::string Harmless(const OQString& text)
+{
+    OQString line;
+    for (const OQChar character : text.View().substr(0, kMaxLine)) {
+        if (!IsHarmful(character)) {
+            line += character;
+            continue;
+        }
+        line += u"\\x";
+        OQAppendUnsigned(line, character, 2, 16);
+    }
+    if (text.GetLength() > kMaxLine)
+        line += u"...";
+    return line.ToUtf8();
+}
+
+}
+
+CLog::CLog() = default;
+CLog::~CLog() = default;
+
+void CLog::Open(int32_t level)
+{
+    const int32_t fileLevel
+        = LevelFrom(EnvironmentValue("PXVIS_LOG_LEVEL"), std::clamp<int32_t>(level, 0, OQLogDebug));
+    constexpr std::string_view standardError = "stderr";
+    const std::string target = EnvironmentValue("PXVIS_LOG");
+    int32_t errorLevel = 0;
+    if (target == standardError)
+        errorLevel = fileLevel;
+    else if (target.starts_with("stderr:"))
+        errorLevel
+            = LevelFrom(std::string_view(target).substr(standardError.size() + 1), fileLevel);
+    const std::lock_guard lock(m_lock);
+    m_fileLevel = fileLevel;
+    m_errorLevel = errorLevel;
+}
+
+void CLog::Write(int32_t level, const OQChar* scope, const OQChar* text,
+    const OQFormatArgument* arguments, int32_t count)
+{
+    level = std::max<int32_t>(level, OQLogError);
+    const bool toFile = level <= m_fileLevel;
+    const bool toError = level <= m_errorLevel;
+    if (!toFile && !toError)
+        return;
+    try {
+        const OQString line = OQString(scope) + u": "
+            + OQFormat(text, arguments, arguments && count > 0 ? static_cast<size_t>(count) : 0);
+        const std::string harmless = Harmless(line);
+        const std::lock_guard lock(m_lock);
+        if (!m_isOpen) {
+            m_isOpen = true; // a folder that refuses once isn't asked again for every line
+            const std::string state = pxvis::os::UserFolder("XDG_STATE_HOME", ".local/state");
+            m_output = std::make_unique<LogOutput>(state.empty() ? state : state + "/pxvis");
+        }
+        if (m_output)
+            m_output->Write(level, harmless, toFile, toError);
+    } catch (...) {
+        // A log that fails is no reason for anything else to fail.
+    }
+}
+
+void CLog::Flush()
+{
+    const std::lock_guard lock(m_lock);
+    if (m_output)
+        m_output->Flush();
+}
+
+void CLog::Close()
+{
+    const std::lock_guard lock(m_lock);
+    m_output.reset();
+    m_isOpen = false;
+}

@@ -1,0 +1,116 @@
+#include "apps/pxvis/main/Program.h"
+#include "apps/pxvis/main/VideoEvents.h"
+#include "host/TestFolder.h"
+
+#include <doctest/doctest.h>
+
+#include <csignal>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+const std::string song = PXVIS_SOURCE_DIR "/data/demo/pxvis-demo.opus";
+
+std::vector<std::string> Render(const std::string& output, const char* size)
+{
+    return { "render", song, "-o", output, "--size", size };
+}
+
+void WaitForFile(Program& program, const std::string& path)
+{
+    for (int i = 0; i < 2000 && program.IsRunning() && access(path.c_str(), F_OK) != 0; ++i)
+        usleep(10000);
+    usleep(500000);
+    REQUIRE(program.IsRunning());
+}
+
+}
+
+TEST_CASE("The first Ctrl-C ends a render with a whole file, and says where")
+{
+    for (const std::string kind : { "mp4", "webm" }) {
+        const TestFolder folder;
+        const TestFolder messages;
+        const std::string video = folder.Path("out." + kind);
+        Program render(Render(video, "320x180"), messages.Path("errors"));
+        WaitForFile(render, video + ".part");
+        render.Signal(SIGINT);
+        CHECK(render.Wait(60) == 130);
+        CHECK(folder.Names() == "out." + kind + " ");
+        CHECK(messages.Read("errors").find("pxvis: stopped at ") == 0);
+        CHECK(messages.Read("errors").find('\n') == messages.Read("errors").size() - 1);
+        const VideoEvents events(video);
+        CHECK(events.fault == "");
+        CHECK(events.pictures > 0);
+        CHECK(std::abs(events.soundEnd - static_cast<double>(events.pictures) / 60) < 0.03);
+    }
+}
+
+TEST_CASE("Numbered pictures that Ctrl-C leaves are whole")
+{
+    const TestFolder folder;
+    const TestFolder messages;
+    Program render(Render(folder.Path("%04d.png"), "320x180"), messages.Path("errors"));
+    WaitForFile(render, folder.Path("0003.png"));
+    render.Signal(SIGINT);
+    CHECK(render.Wait(60) == 130);
+    for (const auto& file : std::filesystem::directory_iterator(folder.Path("."))) {
+        const std::string bytes = folder.Read(file.path().filename());
+        CHECK(file.path().extension() == ".png");
+        CHECK(bytes.find("IEND") == bytes.size() - 8);
+    }
+}
+
+TEST_CASE("The second Ctrl-C leaves nothing")
+{
+    const TestFolder folder;
+    const TestFolder messages;
+    const std::string video = folder.Path("out.mp4");
+    Program render(Render(video, "1920x1080"), messages.Path("errors"));
+    WaitForFile(render, video + ".part");
+    render.Signal(SIGINT);
+    usleep(20000); // two at once count as one
+    render.Signal(SIGINT);
+    CHECK(render.Wait(60) == 130);
+    CHECK(folder.Names().empty());
+}
+
+TEST_CASE("What a killed render left is in nobody's way")
+{
+    const TestFolder folder;
+    const TestFolder messages;
+    const std::string video = folder.Path("out.mp4");
+    auto options = Render(video, "64x36");
+    {
+        Program render(options, messages.Path("errors"));
+        WaitForFile(render, video + ".part");
+        Program second(options, messages.Path("errors2"));
+        CHECK(second.Wait(60) == 1);
+        CHECK(
+            messages.Read("errors2").find("being written by another process") != std::string::npos);
+        render.Signal(SIGKILL);
+        CHECK(render.Wait(60) == -SIGKILL);
+    }
+    CHECK(folder.Names() == "out.mp4.part ");
+    options.insert(options.end(), { "--to", "0.5" });
+    Program render(options, messages.Path("errors"));
+    CHECK(render.Wait(60) == 0);
+    CHECK(folder.Names() == "out.mp4 ");
+}
+
+TEST_CASE("A reader that goes away ends what is written for it, in silence")
+{
+    const TestFolder folder;
+    const std::string pipe = folder.Path("pipe");
+    REQUIRE(mkfifo(pipe.c_str(), 0600) == 0);
+    const int reader = open(pipe.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    Program analyze({ "analyze", song }, folder.Path("errors"), pipe);
+    char byte = 0;
+    for (int i = 0; i < 2000 && analyze.IsRunning() && read(reader, &byte, 1) != 1; ++i)
+        usleep(10000);
+    close(reader);
+    CHECK(analyze.Wait(60) == -SIGPIPE);
+    CHECK(folder.Read("errors").empty());
+}

@@ -1,0 +1,104 @@
+#include "siblings/image/ImageTesting.h"
+
+#include <limits>
+#include <vector>
+
+namespace {
+
+constexpr int32_t kLeast = std::numeric_limits<int32_t>::min();
+constexpr int32_t kMost = std::numeric_limits<int32_t>::max();
+
+// Where the target isn't its ground any more; all 0 if it is everywhere.
+OQRect Touched(IOQImage& image, uint32_t ground)
+{
+    const OQSize size = image.GetSize();
+    OQRect touched { size.cx, size.cy, 0, 0 };
+    for (int32_t y = 0; y < size.cy; ++y)
+        for (int32_t x = 0; x < size.cx; ++x)
+            if (PixelAt(image, x, y) != ground)
+                touched = { std::min(touched.left, x), std::min(touched.top, y),
+                    std::max(touched.right, x + 1), std::max(touched.bottom, y + 1) };
+    return touched.right ? touched : OQRect {};
+}
+
+}
+
+TEST_CASE("A picture fills its rectangle, or keeps its shape in the middle of it, and is clipped")
+{
+    const struct
+    {
+        OQRect rect;
+        bool keepShape;
+        OQRect touched;
+    } cases[] = {
+        { { 0, 0, 40, 30 }, false, { 0, 0, 40, 30 } },
+        { { 3, 4, 23, 14 }, true, { 3, 4, 23, 14 } },
+        { { 0, 0, 40, 30 }, true, { 0, 5, 40, 25 } },
+        { { 0, 0, 38, 10 }, true, { 9, 0, 29, 10 } },
+        { { 10, 10, 11, 30 }, true, { 10, 19, 11, 20 } }, // never less than a pixel
+        { { -20, -10, 20, 10 }, false, { 0, 0, 20, 10 } },
+        { { 30, 20, 5000, 4000 }, false, { 30, 20, 40, 30 } },
+        { { kLeast, kLeast, kMost, kMost }, false, { 0, 0, 40, 30 } },
+        { { kLeast, kLeast, kMost, kMost }, true, { 0, 0, 40, 30 } },
+        { { 40, 0, 60, 30 }, false, {} },
+        { { kMost - 1, kMost - 1, kMost, kMost }, true, {} },
+        { { 5, 5, 5, 9 }, false, {} },
+        { { 9, 0, 5, 9 }, true, {} },
+    };
+
+    Image picture = MakeImage(20, 10);
+    picture->Clear(0x0000FF, 255);
+    for (const auto& c : cases) {
+        Image target = MakeImage(40, 30);
+        CHECK(picture->DrawTo(*target, c.rect, c.keepShape));
+        CHECK(Touched(*target, 0) == c.touched);
+        if (c.touched.right)
+            CHECK(PixelAt(*target, c.touched.left, c.touched.top) == 0x00FF0000);
+    }
+    Image empty(OQCreateImage());
+    CHECK_FALSE(picture->DrawTo(*empty, { 0, 0, 9, 9 }, false));
+    CHECK_FALSE(empty->DrawTo(*picture, { 0, 0, 9, 9 }, false));
+}
+
+TEST_CASE("A clipped drawing is part of the whole one, in whichever order they are drawn")
+{
+    Image picture = MakeImage(7, 5);
+    for (uint32_t i = 0; i < 35; ++i)
+        picture->GetBits()[i] = 0xFF000000 | i * 0x070503;
+    for (const OQRect rect : { OQRect { 0, 0, 50, 33 }, OQRect { 0, 0, 4, 3 } }) {
+        Image whole = MakeImage(60, 40);
+        picture->DrawTo(*whole, rect, false);
+        Image part = MakeImage(20, 20);
+        const OQRect moved { rect.left - 2, rect.top - 1, rect.right - 2, rect.bottom - 1 };
+        for (int again = 0; again < 2; ++again)
+            picture->DrawTo(*part, moved, false);
+        for (int32_t y = 0; y < 20; ++y)
+            for (int32_t x = 0; x < 20; ++x)
+                REQUIRE(PixelAt(*part, x, y) == PixelAt(*whole, x + 2, y + 1));
+    }
+}
+
+TEST_CASE("Alpha lets the target through, whose own alpha stays")
+{
+    Image picture = MakeImage(3, 1);
+    SetPixel(*picture, 0, 0, 0xFFFFFFFF);
+    SetPixel(*picture, 1, 0, 0x80FFFFFF);
+    SetPixel(*picture, 2, 0, 0x00FFFFFF);
+    Image target = MakeImage(3, 1);
+    target->Clear(0x000040, 0x33); // red
+    CHECK(picture->DrawTo(*target, { 0, 0, 3, 1 }, true));
+    CHECK(PixelAt(*target, 0, 0) == 0x33FFFFFF);
+    CHECK(PixelAt(*target, 1, 0) == 0x33A08080); // (255 * 128 + 64 * 127) / 255 = 159.9
+    CHECK(PixelAt(*target, 2, 0) == 0x33400000);
+
+    // New pixels show at the next drawing, and a picture may be drawn on itself.
+    picture->Clear(0xFFFFFF, 255);
+    CHECK(picture->DrawTo(*target, { 0, 0, 3, 1 }, true));
+    CHECK(PixelAt(*target, 2, 0) == 0x33FFFFFF);
+    Image self = MakeImage(4, 1);
+    self->Clear(0, 255);
+    SetPixel(*self, 0, 0, 0xFF00FF00);
+    CHECK(self->DrawTo(*self, { 2, 0, 6, 1 }, false));
+    CHECK(PixelAt(*self, 2, 0) == 0xFF00FF00);
+    CHECK(PixelAt(*self, 3, 0) == 0xFF000000);
+}

@@ -1,0 +1,92 @@
+#pragma once
+
+#include "foundation/IOQTools.h"
+#include "foundation/OQDllString.h"
+#include "foundation/OQSiblingModules.h"
+#include "host/TestFolder.h"
+
+#include <doctest/doctest.h>
+
+#include <cstdlib>
+#include <memory>
+#include <string>
+#include <utility>
+
+// The module, started with all of the user's and the machine's folders in one folder of the test.
+class TestTools
+{
+public:
+    explicit TestTools(std::string module = PXVIS_BINARY_DIR "/bin/OQTools.so")
+        : m_modules({}, { .name = std::move(module) })
+    {
+        setenv("XDG_CONFIG_HOME", folder.Path("config").c_str(), 1);
+        setenv("XDG_STATE_HOME", folder.Path("state").c_str(), 1);
+        setenv("XDG_DATA_HOME", folder.Path("data").c_str(), 1);
+        setenv("PXVIS_MACHINE_FOLDER", folder.Path("machine").c_str(), 1);
+    }
+
+    // From here on the environment is what it was at the first call.
+    IOQTools* operator->()
+    {
+        IOQTools* tools = m_modules.Tools();
+        REQUIRE_MESSAGE(tools, m_modules.ToolsFailure());
+        return tools;
+    }
+
+    void Restart()
+    {
+        m_modules.Unload();
+        m_modules.Tools();
+    }
+
+    std::unique_ptr<IOQSettingsKey> Key(
+        const OQChar* path, bool create = true, int32_t scope = OQSettingsUser)
+    {
+        return std::unique_ptr<IOQSettingsKey>(
+            (*this)->GetSettings(1)->OpenKey(path, scope, create));
+    }
+
+    TestFolder folder;
+
+private:
+    OQSiblingModules m_modules;
+};
+
+// A variable of the environment for the length of a test; null: none.
+class TestVariable
+{
+public:
+    TestVariable(const char* name, const char* value)
+        : m_name(name)
+    {
+        const char* before = std::getenv(name);
+        m_wasSet = before;
+        m_before = before ? before : "";
+        value ? setenv(name, value, 1) : unsetenv(name);
+    }
+
+    ~TestVariable() { m_wasSet ? setenv(m_name, m_before.c_str(), 1) : unsetenv(m_name); }
+
+    TestVariable(const TestVariable&) = delete;
+    TestVariable& operator=(const TestVariable&) = delete;
+
+private:
+    const char* m_name;
+    bool m_wasSet = false;
+    std::string m_before;
+};
+
+// What an operation puts into a text.
+template <class Operation>
+std::string TextOf(Operation operation)
+{
+    OQString text;
+    OQDllString crossing(text);
+    operation(crossing);
+    return text.ToUtf8();
+}
+
+inline std::string ValueOf(const IOQSettingsKey& key, const OQChar* name)
+{
+    return TextOf([&](IOQDllString& text) { key.GetString(name, u"(none)", text); });
+}
