@@ -65,9 +65,8 @@ void OQMapBase::GrowForOne()
 void OQMapBase::LinkAtEnd(OQMapNode* node, uint32_t bucket)
 {
     OQMapNode** link = &m_buckets[bucket];
-    m_newestChain = 1;
-    for (; *link; link = &(*link)->next)
-        ++m_newestChain;
+    while (*link)
+        link = &(*link)->next;
     *link = node;
     ++m_count;
 }
@@ -97,5 +96,4 @@ void OQMapBase::SwapEntries(OQMapBase& other) noexcept
     std::swap(m_bucketCount, other.m_bucketCount);
     std::swap(m_pool, other.m_pool);
     std::swap(m_buckets, other.m_buckets);
-    std::swap(m_newestChain, other.m_newestChain);
 }

@@ -33,13 +33,6 @@ public:
 
     int GetBucketCount() const { return static_cast<int>(m_bucketCount); }
 
-    // Entries in the chain that the last new one went to the end of. Chains of more than a few
-    // entries are the work of someone who knows the hash: who fills a map from a stranger's file
-    // stops reading above MaximumStrangersChain, since the time goes with the square of the length.
-    int GetNewestChainLength() const { return static_cast<int>(m_newestChain); }
-
-    static constexpr int MaximumStrangersChain = 256;
-
 protected:
     // With a pool, which must outlive the map, nodes come from it and stay there till it ends.
     explicit OQMapBase(CBlockDataContainer* pool)
@@ -60,5 +53,4 @@ protected:
     uint32_t m_bucketCount = 0;
     CBlockDataContainer* m_pool;
     OQMapNode** m_buckets = nullptr;
-    uint32_t m_newestChain = 0;
 };

@@ -15,7 +15,7 @@ namespace {
 // Services run without HOME.
 std::string HomeFolder()
 {
-    const std::string home = EnvironmentValue("HOME");
+    std::string home = EnvironmentValue("HOME");
     if (!home.empty())
         return home;
     std::vector<char> buffer(16 * 1024);

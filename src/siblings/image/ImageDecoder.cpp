@@ -15,7 +15,7 @@ struct ReleaseLoader
 };
 
 // Pixels that a decoder may go over, all scans of the picture together: a few seconds.
-constexpr int64_t kMaxPixelScans = int64_t { 1 } << 30;
+constexpr int64_t kMaxPixelScans = int64_t { 1 } << 28;
 
 struct Demand
 {

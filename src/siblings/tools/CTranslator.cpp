@@ -15,12 +15,13 @@ void CTranslator::Load() const
     m_language = nullptr;
     const std::string& folder = pxvis::os::GetInstallPlaces().locale;
     for (const std::string& language : UserLanguages()) {
+        std::string catalogue = folder + "/";
+        catalogue.append(language).append("/LC_MESSAGES/pxvis.mo");
         // The user's best language is theirs even if only a lesser one has a catalogue.
         if (!m_language)
             m_language = EnglishNameOf(language);
         const bool isEnglish = language == "en" || language.starts_with("en_");
-        if (isEnglish || folder.empty()
-            || m_catalogue.LoadFile(folder + "/" + language + "/LC_MESSAGES/pxvis.mo"))
+        if (isEnglish || folder.empty() || m_catalogue.LoadFile(catalogue))
             break;
     }
     if (!m_language)

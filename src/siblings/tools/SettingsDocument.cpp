@@ -59,6 +59,7 @@ bool SettingsDocument::Load(const OQString& text)
             OQPropertyMap values;
             document.IntoElem();
             values.LoadItems(document);
+            isWhole = isWhole && !document.FindElem(); // left out, or no item
             document.OutOfElem();
             values.Remove(OQString());
             key->values.Merge(values);

@@ -18,7 +18,7 @@ class SettingsDocument
 {
 public:
     static constexpr int kMaxPath = 1024; // characters
-    static constexpr int kMaxKeys = 4096;
+    static constexpr int kMaxKeys = 1024;
 
     struct Key
     {

@@ -48,7 +48,7 @@ TEST_CASE("The user's folders follow the environment, the theme goes before them
     setenv("XDG_DATA_HOME", "not/absolute", 1);
     setenv("HOME", "/home/b", 1);
     CHECK(OQFolders::GetDataFolder() == u"/home/b/.local/share/pxvis/");
-    setenv("HOME", "", 1);
+    setenv("HOME", "not/absolute", 1);
     CHECK(OQFolders::GetDataFolder() == OQFolders::GetInstallFolder() + u"Data/");
     CHECK(OQDataRoots::Get().user.IsEmpty());
     tools.dataFolder.clear();

@@ -3,6 +3,7 @@
 #include <sys/stat.h>
 
 #include <filesystem>
+#include <random>
 #include <set>
 
 namespace fs = std::filesystem;
@@ -203,6 +204,27 @@ TEST_CASE("Copies of damaged files are few, and reading alone makes none")
     tools.folder.Write(kUserFile, whole + "<9");
     CHECK(tools.Key(u"K", false)->GetInt(u"a", 0) == 1);
     CHECK(tools.folder.Read(kUserFile) == whole + "<9");
+}
+
+TEST_CASE("Whatever stands in the file, a value that is set afterwards is there")
+{
+    TestTools tools;
+    for (const OQChar* path : { u"Plugins\\Display", u"Plugins", u"Log" })
+        tools.Key(path)->SetString(u"text", u"<a> & \"b\"");
+    const std::string whole = tools.folder.Read(kUserFile);
+    const std::string marks = "<>/=\"'&;! \\[]?-x";
+    std::mt19937 random(7);
+    for (int round = 0; round < 40; ++round) {
+        std::string broken = whole;
+        for (unsigned changes = 1 + random() % 5; changes > 0; --changes)
+            broken[random() % broken.size()]
+                = round % 2 ? marks[random() % marks.size()] : static_cast<char>(random());
+        broken.resize(random() % 3 ? broken.size() : random() % broken.size());
+        tools.folder.Write(kUserFile, broken);
+        CHECK(tools.Key(u"Log")->SetInt(u"Level", round));
+        tools.Restart();
+        CHECK(tools.Key(u"Log", false)->GetInt(u"Level", -1) == round);
+    }
 }
 
 TEST_CASE("A file that can't be a settings file gives the defaults and is left alone")

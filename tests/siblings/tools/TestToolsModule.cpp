@@ -1,4 +1,3 @@
-#include "foundation/OQCharacters.h"
 #include "os/DynamicLibrary.h"
 #include "siblings/tools/ToolsTesting.h"
 

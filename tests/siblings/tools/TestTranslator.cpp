@@ -1,3 +1,5 @@
+#include "engine2d/CComponentManager.h"
+#include "foundation/OQTranslate.h"
 #include "siblings/tools/ToolsTesting.h"
 
 #include <filesystem>
@@ -146,14 +148,26 @@ TEST_CASE("The language is the one that the environment asks for first")
     }
 }
 
+TEST_CASE("The process's tools translate what the user sees")
+{
+    const TestLocale locale({ "de", nullptr, nullptr, nullptr });
+    OQSiblingModules::Get().Unload();
+    CHECK(OQTranslated(u"Cycle All") == u"Alle abwechseln");
+    CHECK(OQTranslated(nullptr).IsEmpty());
+    OQSiblingModules::Get().Unload();
+}
+
 TEST_CASE("Each language has all texts, with the places for values in their order")
 {
     const auto texts = ReadCatalogue("pxvis.pot");
-    CHECK(texts.size() > 20);
+    VISUALIZATION_COMPONENT_INFO_EX info;
+    for (int32_t i = 0; CComponentManager::GetInfo(i, info) == 0; ++i)
+        CHECK_MESSAGE(texts.count(info.name) == 1, info.name);
     for (const char* name : { "de.po", "ja.po" }) {
         const auto messages = ReadCatalogue(name);
         CHECK(messages.size() == texts.size());
-        for (const auto& [text, unused] : texts) {
+        for (const auto& entry : texts) {
+            const std::string& text = entry.first;
             CAPTURE(name);
             CAPTURE(text);
             const auto message = messages.find(text);
