@@ -6,12 +6,39 @@
 #include <cstring>
 #include <fstream>
 #include <pxvis/IVisAudioData.h>
+#include <pxvis/SysString.h>
 #include <string>
 #include <unistd.h>
 
 namespace {
 
 constexpr OQRect picture { 0, 0, 64, 48 };
+
+// In TMPDIR, which is best in memory: every run writes three files.
+std::string FilePath(const char* ending)
+{
+    const char* folder = std::getenv("TMPDIR");
+    return std::string(folder ? folder : "/tmp") + "/fuzz-" + std::to_string(getpid()) + ending;
+}
+
+void WriteFile(const std::string& path, std::string_view bytes)
+{
+    std::ofstream(path, std::ios::binary).write(bytes.data(), std::ssize(bytes));
+}
+
+// A picture of 2 x 2 pixels.
+const OQString& CoverPath()
+{
+    static const OQString path = [] {
+        constexpr char picture[]
+            = "BM\x46\0\0\0\0\0\0\0\x36\0\0\0\x28\0\0\0\2\0\0\0\2\0\0\0\1\0\x18\0\0\0\0\0"
+              "\x10\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0"
+              "\xFF\0\0\0\xFF\0\0\0\0\0\xFF\xFF\xFF\xFF\0";
+        WriteFile(FilePath(".bmp"), { picture, sizeof picture });
+        return OQString::FromUtf8(FilePath(".bmp"));
+    }();
+    return path;
+}
 
 // A sweep and a ramp, with a beat and an impact in the second frame.
 class FuzzAudio final : public IVisAudioData
@@ -44,7 +71,10 @@ public:
 
     const void* GetPlayInfo() override { return nullptr; }
 
-    char16_t* GetTrackField(int32_t) override { return nullptr; }
+    char16_t* GetTrackField(int32_t which) override
+    {
+        return SysAllocString(which == VisTrackFieldCoverFile ? CoverPath().GetText() : u"text");
+    }
 
     char16_t* ExpandText(const char16_t*) override { return nullptr; }
 
@@ -61,22 +91,10 @@ public:
     IVisAudioData* GetAudioData() override { return new FuzzAudio; }
 };
 
-// In TMPDIR, which is best in memory: every run writes three files.
-std::string FilePath()
-{
-    const char* folder = std::getenv("TMPDIR");
-    return std::string(folder ? folder : "/tmp") + "/fuzz-" + std::to_string(getpid()) + ".pxv";
-}
-
 std::string ReadFile(const std::string& path)
 {
     std::ifstream file(path, std::ios::binary);
     return { std::istreambuf_iterator<char>(file), {} };
-}
-
-void WriteFile(const std::string& path, std::string_view bytes)
-{
-    std::ofstream(path, std::ios::binary).write(bytes.data(), std::ssize(bytes));
 }
 
 OQString Saved(CVisualization& engine, const std::string& path)
@@ -134,7 +152,7 @@ void Edit(CVisualization& engine, std::string_view bytes)
 // Any bytes load or are refused; what loads is drawn, and a save of it loads and saves as itself.
 int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
-    static const std::string path = FilePath();
+    static const std::string path = FilePath(".pxv");
     const std::string_view bytes { reinterpret_cast<const char*>(data), size };
     WriteFile(path, bytes);
 

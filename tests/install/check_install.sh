@@ -26,6 +26,9 @@ prefix=$work/stage/usr
 modules=$prefix/$(value_of CMAKE_INSTALL_LIBDIR)/pxvis
 [ -f "$prefix/include/pxvis/IVisAudioData.h" ] || fail "the headers are missing"
 [ -n "$(find "$prefix" -path '*/doc/*/LICENSES/*')" ] || fail "the licences are missing"
+[ -f "$modules/OQTools.so" ] || fail "the tools module is missing"
+[ -n "$(find "$prefix" -path '*/de/LC_MESSAGES/pxvis.mo')" ] || fail "the translations are missing"
+[ -n "$(find "$prefix" -name pxvis.1)" ] || fail "the manual page is missing"
 # Sanitizers put paths of their own into programs.
 if ! grep -q '^PXVIS_SANITIZE:STRING=.' "$build/CMakeCache.txt"; then
     leaks=$(grep -rlF -e "$source" -e "$build" "$work/stage" || true)
