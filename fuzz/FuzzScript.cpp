@@ -12,7 +12,10 @@
 
 namespace {
 
-constexpr OQRect picture { 0, 0, 64, 48 };
+constexpr OQRect picture { 0, 0, 32, 24 };
+
+// A small part of what a Draw may cost: past it all is left out, as past the greater one.
+constexpr int64_t workOfDraw = int64_t { 1 } << 22;
 
 // In TMPDIR, which is best in memory: every run writes three files.
 std::string FilePath(const char* ending)
@@ -156,13 +159,15 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     const std::string_view bytes { reinterpret_cast<const char*>(data), size };
     WriteFile(path, bytes);
 
-    OQEngineContext context { .virtualClock = true, .virtualNanoseconds = 1'000'000'000'000 };
+    OQEngineContext context {
+        .virtualClock = true, .virtualNanoseconds = 1'000'000'000'000, .workLeft = workOfDraw
+    };
     FuzzOwner owner;
     CVisualization engine(&owner);
     engine.SetEngineContext(&context);
     const bool loaded = engine.LoadScript(OQString::FromUtf8(path)) == 0;
-    for (int frame = 0; frame < 3; ++frame) {
-        FUZZ_CHECK(engine.Draw(picture, frame == 1) == 0);
+    for (int frame = 0; frame < 2; ++frame) {
+        FUZZ_CHECK(engine.Draw(picture, false) == 0);
         context.virtualNanoseconds += 16'666'667;
     }
     FUZZ_CHECK(engine.GetBuffer().GetBits(0));

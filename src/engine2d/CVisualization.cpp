@@ -170,10 +170,12 @@ int32_t CVisualization::Draw(const OQRect& rect, bool showFps)
 void CVisualization::DrawRootLayer(const OQRect& rect)
 {
     int64_t& workLeft = OQCurrentEngineContext().workLeft;
-    workLeft = std::max(
-        VisLimits::workAtLeast, VisLimits::workPerPixel * m_size.Width() * m_size.Height());
+    const int64_t workBefore = workLeft;
+    workLeft = std::min(workBefore,
+        std::max(
+            VisLimits::workAtLeast, VisLimits::workPerPixel * m_size.Width() * m_size.Height()));
     m_rootPiece.GetLayer()->Draw(*m_audioData, rect);
-    workLeft = std::numeric_limits<int64_t>::max();
+    workLeft = workBefore;
 }
 
 void CVisualization::CheckScriptDate()

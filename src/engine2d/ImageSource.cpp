@@ -1,7 +1,9 @@
 #include "engine2d/ImageSource.h"
 
 #include "engine2d/VisAudio.h"
+#include "engine2d/VisLimits.h"
 #include "foundation/OQDataRoots.h"
+#include "foundation/OQEngineContext.h"
 #include "foundation/OQFileSystem.h"
 #include "foundation/OQSiblingModules.h"
 
@@ -67,7 +69,7 @@ std::unique_ptr<IOQImage> LoadImageSource(
     if (!picture)
         return nullptr;
     picture->SetOption(0);
-    if (!picture->Load(path.GetText(), width, height, 0, -1, 1, 0, 0, 0, 0))
-        return nullptr;
-    return picture;
+    const bool loaded = picture->Load(path.GetText(), width, height, 0, -1, 1, 0, 0, 0, 0);
+    OQSpendWork(VisLimits::picturePixelWork * picture->GetLoadedPixels());
+    return loaded ? std::move(picture) : nullptr;
 }

@@ -33,7 +33,8 @@ constexpr int64_t workAtLeast = int64_t { 1 } << 27;
 
 // What things cost in that unit, beside the equations, which tell it themselves.
 constexpr int64_t compileCharacterWork = 200;
-constexpr int64_t pictureLoadWork = int64_t { 1 } << 26;
+constexpr int64_t pictureLoadWork = int64_t { 1 } << 20; // and more by size, once it is known
+constexpr int64_t picturePixelWork = 12;
 constexpr int64_t mapEntryWork = 100;
 constexpr int64_t transformPixelWork = 16;
 constexpr int64_t mergePixelWork = 4;

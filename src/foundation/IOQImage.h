@@ -106,6 +106,10 @@ public:
     // As SavePng, as JPEG without alpha. quality: 1 to 100, others are brought into it. The last
     // one is -1.
     virtual bool SaveJpeg(const OQChar* path, int32_t quality, int32_t reserved) const = 0;
+
+    // What the last Load cost, whether it went well or not, as pixels that a decoder went over;
+    // bytes that were only looked at count as a quarter of one.
+    virtual int64_t GetLoadedPixels() const = 0;
 };
 
 // The image module's interface, given by its one export, extern "C" IOQImageApp*

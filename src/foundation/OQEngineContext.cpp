@@ -70,3 +70,9 @@ bool OQTakeWork(int64_t work)
     left -= work;
     return true;
 }
+
+void OQSpendWork(int64_t work)
+{
+    int64_t& left = OQCurrentEngineContext().workLeft;
+    left = work < left ? left - work : 0;
+}

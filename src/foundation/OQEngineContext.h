@@ -16,7 +16,8 @@ struct OQEngineContext
         = false; // rand and randn of the equations seed the generator at their first use
 
     // What the running operation may still cost, in units of about a nanosecond. Counted, not
-    // measured, so that the same input is cut off at the same place everywhere.
+    // measured, so that the same input is cut off at the same place everywhere. Set from outside it
+    // bounds each operation further.
     int64_t workLeft = std::numeric_limits<int64_t>::max();
 };
 
@@ -52,3 +53,6 @@ void OQSeedRandForEquations();
 // Takes so much from what the running operation may still cost. False, with nothing taken, if less
 // is left: then the caller leaves undone what it would have done.
 bool OQTakeWork(int64_t work);
+
+// For work whose cost shows only when it is done: what is left becomes 0 if it was more than that.
+void OQSpendWork(int64_t work);

@@ -171,6 +171,7 @@ bool CImage::Load(const OQChar* path, int32_t width, int32_t height, int32_t, in
     int32_t, int32_t, int32_t, int32_t)
 {
     Create(0, 0, 0, 0);
+    m_loadedPixels = 0;
     if (!path)
         return false;
     try {
@@ -184,6 +185,7 @@ bool CImage::Load(const OQChar* path, int32_t width, int32_t height, int32_t, in
 bool CImage::LoadFromHost(const void* value, int32_t width, int32_t height)
 {
     Create(0, 0, 0, 0);
+    m_loadedPixels = 0;
     const auto* picture = static_cast<const HostPicture*>(value);
     if (!picture || !picture->bytes || picture->size > pxvis::image::kMaxFileBytes)
         return false;
@@ -203,8 +205,9 @@ bool CImage::LoadBytes(std::string_view bytes, int32_t width, int32_t height)
             std::max<int64_t>(askedWidth, 1), std::max<int64_t>(askedHeight, 1)))
         return false;
     const bool keepsSide = askedWidth == 0 || askedHeight == 0;
-    pxvis::image::Pixbuf pixbuf = pxvis::image::Decode(
-        bytes, keepsSide ? 0 : static_cast<int32_t>(std::max(askedWidth, askedHeight)));
+    m_loadedPixels = static_cast<int64_t>(bytes.size() / 4);
+    pxvis::image::Pixbuf pixbuf = pxvis::image::Decode(bytes,
+        keepsSide ? 0 : static_cast<int32_t>(std::max(askedWidth, askedHeight)), m_loadedPixels);
     if (!pixbuf)
         return false;
     const OQSize own = pxvis::image::SizeOfUpright(pixbuf.get());
@@ -265,4 +268,9 @@ bool CImage::SaveJpeg(const OQChar* path, int32_t quality, int32_t) const
     } catch (...) {
         return false;
     }
+}
+
+int64_t CImage::GetLoadedPixels() const
+{
+    return m_loadedPixels;
 }

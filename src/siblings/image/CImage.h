@@ -36,6 +36,7 @@ public:
     bool IsValid() const override;
     bool DrawTo(IOQImage& target, const OQRect& rect, bool keepShape) const override;
     bool SaveJpeg(const OQChar* path, int32_t quality, int32_t reserved) const override;
+    int64_t GetLoadedPixels() const override;
 
 private:
     struct FreeBits
@@ -50,5 +51,6 @@ private:
 
     std::unique_ptr<uint32_t[], FreeBits> m_bits;
     OQBitmapInfo m_info;
+    int64_t m_loadedPixels = 0;
     mutable pxvis::image::ImageStretch m_stretch; // kept between frames
 };

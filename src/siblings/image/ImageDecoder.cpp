@@ -22,6 +22,7 @@ struct Demand
     int64_t scans;
     int32_t enough;
     bool mayReduce;
+    int64_t& pixels;
 };
 
 // The decoder tells the size before it takes memory, and gives up when it is asked for no pixels.
@@ -33,6 +34,7 @@ void OnSizeKnown(GdkPixbufLoader* loader, gint width, gint height, gpointer data
         gdk_pixbuf_loader_set_size(loader, 0, 0);
         return;
     }
+    demand.pixels += int64_t { width } * height * demand.scans;
     if (!demand.mayReduce)
         return;
     // The sizes, rounded up, that the decoder of JPEG knows to make without all of the work.
@@ -69,7 +71,7 @@ int Orientation(GdkPixbuf* pixbuf)
 
 }
 
-Pixbuf Decode(std::string_view bytes, int32_t enough)
+Pixbuf Decode(std::string_view bytes, int32_t enough, int64_t& pixels)
 {
     PictureFile file;
     if (!Examine(bytes, file))
@@ -78,7 +80,8 @@ Pixbuf Decode(std::string_view bytes, int32_t enough)
         gdk_pixbuf_loader_new_with_type(file.decoder, nullptr));
     if (!loader)
         return nullptr;
-    Demand demand { file.scans, enough, enough > 0 && std::string_view(file.decoder) == "jpeg" };
+    Demand demand { file.scans, enough, enough > 0 && std::string_view(file.decoder) == "jpeg",
+        pixels };
     g_signal_connect(loader.get(), "size-prepared", G_CALLBACK(&OnSizeKnown), &demand);
     bool good = Write(loader.get(), file.head);
     for (size_t i = 0; good && i < file.parts.size(); ++i)
