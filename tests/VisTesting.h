@@ -1,5 +1,6 @@
 #pragma once
 
+#include "TestFile.h"
 #include "engine2d/CDibBuffer.h"
 #include "engine2d/IVisualization2DOwner.h"
 
@@ -7,10 +8,7 @@
 #include <pxvis/SysString.h>
 
 #include <cstdint>
-#include <filesystem>
-#include <fstream>
 #include <string>
-#include <unistd.h>
 
 // Audio that a test sets as it likes.
 struct TestAudio final : IVisAudioData
@@ -72,34 +70,3 @@ inline void FillBuffer(IVisBuffer& buffer, uint32_t pixel, int32_t offset = 0)
     for (int32_t i = 0; i < size.cx * size.cy; ++i)
         buffer.GetBits(offset)[i] = pixel;
 }
-
-// A file of the test's own, gone at the end.
-class TestFile
-{
-public:
-    TestFile(const std::string& name, const std::string& text)
-        : m_path((std::filesystem::temp_directory_path() / (std::to_string(getpid()) + "-" + name))
-                     .string())
-    {
-        Write(text);
-    }
-
-    ~TestFile()
-    {
-        std::error_code ignored;
-        std::filesystem::remove(m_path, ignored);
-    }
-
-    void Write(const std::string& text) const { std::ofstream(m_path, std::ios::binary) << text; }
-
-    std::string Read() const
-    {
-        std::ifstream file(m_path, std::ios::binary);
-        return { std::istreambuf_iterator<char>(file), {} };
-    }
-
-    const std::string& Path() const { return m_path; }
-
-private:
-    std::string m_path;
-};

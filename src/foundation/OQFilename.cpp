@@ -3,7 +3,7 @@
 #include "foundation/OQCharacters.h"
 #include "foundation/OQFileSystem.h"
 #include "foundation/OQXmlDocument.h"
-#include "os/FileSize.h"
+#include "os/File.h"
 
 #include <algorithm>
 

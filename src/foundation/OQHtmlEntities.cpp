@@ -1,6 +1,6 @@
 #include "foundation/OQHtmlEntities.h"
 
-#include "foundation/OQCharacters.h"
+#include "foundation/OQNumberText.h"
 #include "foundation/OQTextEncoding.h"
 
 #include <algorithm>
@@ -61,19 +61,11 @@ uint32_t CharacterOfName(std::u16string_view name)
     return 0;
 }
 
-// The text behind "#". 0 for none, and for what is half a character.
-uint32_t CharacterOfNumber(std::u16string_view digits)
+// The text behind "#", of 2 to 5 digits. 0 for none, and for what is half a character.
+uint32_t CharacterOfNumber(std::u16string_view text)
 {
-    const bool hexadecimal = digits.starts_with(u'x');
-    digits.remove_prefix(hexadecimal ? 1 : 0);
-    if (digits.size() < 2 || digits.size() > 5)
-        return 0;
-    uint32_t value = 0;
-    for (const OQChar digit : digits) {
-        if (hexadecimal ? OQHexDigitValue(digit) < 0 : !OQIsDigit(digit))
-            return 0;
-        value = value * (hexadecimal ? 16 : 10) + static_cast<uint32_t>(OQHexDigitValue(digit));
-    }
+    const size_t digits = text.size() - text.starts_with(u'x');
+    const uint32_t value = digits >= 2 && digits <= 5 ? OQReferenceToUInt(text) : 0;
     return value >= 0xD800 && value < 0xE000 ? 0 : value;
 }
 

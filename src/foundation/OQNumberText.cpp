@@ -210,6 +210,21 @@ uint32_t OQHexTextToUInt(const OQChar* text, int* consumed)
     return negative ? 0 - value : value;
 }
 
+uint32_t OQReferenceToUInt(std::u16string_view text)
+{
+    constexpr size_t maximumLength = 7; // fits
+    if (text.size() > maximumLength)
+        return 0;
+    const bool hexadecimal = text.starts_with(u'x');
+    uint32_t value = 0;
+    for (const OQChar digit : text.substr(hexadecimal)) {
+        if (hexadecimal ? OQHexDigitValue(digit) < 0 : !OQIsDigit(digit))
+            return 0;
+        value = value * (hexadecimal ? 16 : 10) + static_cast<uint32_t>(OQHexDigitValue(digit));
+    }
+    return value;
+}
+
 double OQTextToDouble(const OQChar* text, int length, int* consumed)
 {
     const OQChar* const end = text ? text + std::max(length, 0) : text;

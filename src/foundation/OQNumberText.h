@@ -16,6 +16,10 @@ int64_t OQTextToInt64(const OQChar* text);
 // `consumed`: characters read, 0 without a digit.
 uint32_t OQHexTextToUInt(const OQChar* text, int* consumed = nullptr);
 
+// What stands between the "&#" and the ";" of a character's reference: decimal digits, or "x" and
+// hexadecimal ones. 0 for another text, and for one of more than 7 characters.
+uint32_t OQReferenceToUInt(std::u16string_view text);
+
 // The decimal number at the start of the text: a sign, digits, ".", digits, "e", and an exponent of
 // the same form, whose fraction is cut off. Every part may be missing, and no white space is
 // skipped. Whole part and fraction are collected modulo 2^64, the value is whole + fraction / 10^n,

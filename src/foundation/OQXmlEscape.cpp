@@ -1,4 +1,4 @@
-#include "foundation/OQCharacters.h"
+#include "foundation/OQNumberText.h"
 #include "foundation/OQTextEncoding.h"
 #include "foundation/OQXmlDocument.h"
 
@@ -92,13 +92,7 @@ Reference ReadNumber(std::u16string_view text)
     const size_t end = text.substr(0, maximumLength + 1).find(u';');
     if (end == std::u16string_view::npos)
         return {};
-    const bool hexadecimal = text[0] == u'x';
-    uint32_t value = 0;
-    for (const OQChar character : text.substr(hexadecimal, end - hexadecimal)) {
-        if (hexadecimal ? OQHexDigitValue(character) < 0 : !OQIsDigit(character))
-            return {};
-        value = value * (hexadecimal ? 16 : 10) + static_cast<uint32_t>(OQHexDigitValue(character));
-    }
+    const uint32_t value = OQReferenceToUInt(text.substr(0, end));
     if (value > 0x10FFFF)
         return {};
     return { value, end + 1 };

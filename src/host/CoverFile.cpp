@@ -1,10 +1,13 @@
 #include "host/CoverFile.h"
 
+#include "os/Descriptor.h"
+#include "os/Folder.h"
+#include "os/UserFolders.h"
+
 #include <cstdlib>
 #include <fcntl.h>
 #include <filesystem>
 #include <string_view>
-#include <sys/stat.h>
 #include <unistd.h>
 
 namespace pxvis::host {
@@ -13,11 +16,8 @@ namespace {
 
 std::string CacheFolder()
 {
-    const char* cache = std::getenv("XDG_CACHE_HOME");
-    if (cache && cache[0] == '/')
-        return std::string(cache) + "/pxvis";
-    const char* home = std::getenv("HOME");
-    return home && home[0] == '/' ? std::string(home) + "/.cache/pxvis" : std::string();
+    const std::string cache = os::UserFolder("XDG_CACHE_HOME", ".cache");
+    return cache.empty() ? cache : cache + "/pxvis";
 }
 
 // Loaders judge by the content; the ending is for people and for strict loaders.
@@ -31,17 +31,6 @@ std::string_view Ending(const std::string& type)
     return "";
 }
 
-bool WriteAll(int file, const std::vector<unsigned char>& bytes)
-{
-    for (size_t done = 0; done < bytes.size();) {
-        const ssize_t written = write(file, bytes.data() + done, bytes.size() - done);
-        if (written <= 0)
-            return false;
-        done += static_cast<size_t>(written);
-    }
-    return true;
-}
-
 // The path of the new file, empty if it could not be made and filled.
 std::string WriteCover(const std::string& folder, const TrackTags& tags)
 {
@@ -49,11 +38,11 @@ std::string WriteCover(const std::string& folder, const TrackTags& tags)
     if (!ending.empty())
         ending[0] = '.';
     std::string path = folder + "/cover-XXXXXX" + ending;
-    const int file = mkostemps(path.data(), static_cast<int>(ending.size()), O_CLOEXEC);
-    if (file < 0)
+    os::Descriptor file(mkostemps(path.data(), static_cast<int>(ending.size()), O_CLOEXEC));
+    if (!file.IsOpen())
         return {};
-    const bool written = WriteAll(file, tags.cover);
-    if (close(file) == 0 && written)
+    if (file.Write({ reinterpret_cast<const char*>(tags.cover.data()), tags.cover.size() })
+        && file.Close())
         return path;
     unlink(path.c_str());
     return {};
@@ -66,12 +55,9 @@ CoverFile::CoverFile(const TrackTags& tags)
     if (tags.cover.empty())
         return;
     const std::string cache = CacheFolder();
-    std::error_code ignored;
-    if (!cache.empty()) {
-        std::filesystem::create_directories(std::filesystem::path(cache).parent_path(), ignored);
-        mkdir(cache.c_str(), 0700);
+    if (os::MakeFolders(cache, 0700))
         m_path = WriteCover(cache, tags);
-    }
+    std::error_code ignored;
     if (m_path.empty())
         m_path = WriteCover(std::filesystem::temp_directory_path(ignored), tags);
 }

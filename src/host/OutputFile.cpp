@@ -1,5 +1,8 @@
 #include "host/OutputFile.h"
 
+#include "os/Folder.h"
+#include "os/Path.h"
+
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
@@ -41,19 +44,11 @@ static bool MayTake(const std::string& path, bool replace, const char* advice, s
     return false;
 }
 
-static std::string FolderOf(const std::string& path)
-{
-    const size_t slash = path.rfind('/');
-    if (slash == std::string::npos)
-        return ".";
-    return slash == 0 ? "/" : path.substr(0, slash);
-}
-
-static bool IsSameFile(const std::string& path, int descriptor)
+static bool IsSameFile(const std::string& path, const os::Descriptor& file)
 {
     struct stat named = {};
     struct stat held = {};
-    return lstat(path.c_str(), &named) == 0 && fstat(descriptor, &held) == 0
+    return lstat(path.c_str(), &named) == 0 && fstat(file.Get(), &held) == 0
         && named.st_dev == held.st_dev && named.st_ino == held.st_ino;
 }
 
@@ -66,29 +61,29 @@ static bool IsUnfinishedOurs(const std::string& partPath)
         && (status.st_mode & S_ISVTX) && status.st_uid == geteuid();
 }
 
-static void MarkUnfinished(int descriptor, bool unfinished)
+static void MarkUnfinished(const os::Descriptor& file, bool unfinished)
 {
     struct stat status = {};
-    if (fstat(descriptor, &status) != 0)
+    if (fstat(file.Get(), &status) != 0)
         return;
     const mode_t permissions = status.st_mode & 0777;
     // Where this can't be done, a leftover waits for --force.
-    static_cast<void>(fchmod(descriptor, unfinished ? permissions | S_ISVTX : permissions));
+    static_cast<void>(fchmod(file.Get(), unfinished ? permissions | S_ISVTX : permissions));
 }
 
 // False while another writer holds the file. The old content goes with its name, never by
 // truncation: it may have a second name.
 static bool RemoveLeftover(const std::string& partPath)
 {
-    const int descriptor = open(partPath.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK);
-    if (descriptor < 0) {
+    const os::Descriptor file(
+        open(partPath.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
+    if (!file.IsOpen()) {
         unlink(partPath.c_str());
         return true;
     }
-    const bool busy = flock(descriptor, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
-    if (!busy && IsSameFile(partPath, descriptor))
+    const bool busy = flock(file.Get(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
+    if (!busy && IsSameFile(partPath, file))
         unlink(partPath.c_str());
-    close(descriptor);
     return !busy;
 }
 
@@ -96,7 +91,7 @@ std::unique_ptr<OutputFile> OutputFile::Open(
     const std::string& path, bool replace, std::string& error)
 {
     error.clear();
-    if (path.empty() || path.back() == '/' || path.find('\0') != std::string::npos) {
+    if (!os::IsUsablePath(path) || path.back() == '/') {
         error = "\"" + path + "\": is not the name of a file";
         return nullptr;
     }
@@ -112,23 +107,23 @@ std::unique_ptr<OutputFile> OutputFile::Open(
         error = path + ": is being written by another process";
         return nullptr;
     }
-    const int descriptor
-        = open(partPath.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, 0666);
-    if (descriptor < 0) {
+    os::Descriptor file(
+        open(partPath.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, 0666));
+    if (!file.IsOpen()) {
         error = errno == EEXIST ? partPath + ": " + leftover : path + ": " + Reason(errno);
         return nullptr;
     }
-    flock(descriptor,
-        LOCK_EX | LOCK_NB); // tells another RemoveLeftover; fails where locks are unknown
-    MarkUnfinished(descriptor, true);
-    return std::unique_ptr<OutputFile>(new OutputFile(path, replace, descriptor));
+    // Tells another RemoveLeftover; fails where locks are unknown.
+    flock(file.Get(), LOCK_EX | LOCK_NB);
+    MarkUnfinished(file, true);
+    return std::unique_ptr<OutputFile>(new OutputFile(path, replace, std::move(file)));
 }
 
-OutputFile::OutputFile(std::string path, bool replace, int descriptor)
+OutputFile::OutputFile(std::string path, bool replace, os::Descriptor file)
     : m_path(std::move(path))
     , m_partPath(m_path + ".part")
     , m_replace(replace)
-    , m_descriptor(descriptor)
+    , m_file(std::move(file))
 {
 }
 
@@ -139,19 +134,10 @@ OutputFile::~OutputFile()
 
 bool OutputFile::Write(const void* bytes, size_t count, std::string& error)
 {
-    const char* at = static_cast<const char*>(bytes);
-    while (count > 0) {
-        const ssize_t written = write(m_descriptor, at, count);
-        if (written < 0 && errno == EINTR)
-            continue;
-        if (written <= 0) {
-            error = m_path + ": " + Reason(written < 0 ? errno : EIO);
-            return false;
-        }
-        at += written;
-        count -= static_cast<size_t>(written);
-    }
-    return true;
+    if (m_file.Write({ static_cast<const char*>(bytes), count }))
+        return true;
+    error = m_path + ": " + Reason(errno);
+    return false;
 }
 
 bool OutputFile::Rename(std::string& error)
@@ -183,7 +169,7 @@ bool OutputFile::Rename(std::string& error)
         + (code == EEXIST ? "has appeared meanwhile; the finished file is " + m_partPath
                           : Reason(code));
     if (code == EEXIST)
-        close(std::exchange(m_descriptor, -1)); // so that Discard leaves it
+        m_file.Close(); // so that Discard leaves it
     return false;
 }
 
@@ -191,37 +177,34 @@ bool OutputFile::Commit(std::string& error)
 {
     error.clear();
     // Some file systems say only now that the disk is full; pipes and the like cannot be synced.
-    if (fsync(m_descriptor) != 0 && errno != EINVAL && errno != EROFS) {
+    if (fsync(m_file.Get()) != 0 && errno != EINVAL && errno != EROFS) {
         error = m_path + ": " + Reason(errno);
         Discard();
         return false;
     }
-    if (!IsSameFile(m_partPath, m_descriptor)) {
+    if (!IsSameFile(m_partPath, m_file)) {
         error = m_path + ": another process has taken " + m_partPath + " away";
         Discard();
         return false;
     }
-    MarkUnfinished(m_descriptor, false);
+    MarkUnfinished(m_file, false);
     if (!Rename(error)) {
         Discard();
         return false;
     }
-    const int folder = open(FolderOf(m_path).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (folder >= 0) {
-        fsync(folder); // the name itself; without it the file is whole all the same
-        close(folder);
-    }
-    close(std::exchange(m_descriptor, -1));
+    // The name itself; without it the file is whole all the same.
+    os::SyncFolder(os::FolderOf(m_path));
+    m_file.Close();
     return true;
 }
 
 void OutputFile::Discard()
 {
-    if (m_descriptor < 0)
+    if (!m_file.IsOpen())
         return;
-    if (IsSameFile(m_partPath, m_descriptor))
+    if (IsSameFile(m_partPath, m_file))
         unlink(m_partPath.c_str());
-    close(std::exchange(m_descriptor, -1));
+    m_file.Close();
 }
 
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "os/Descriptor.h"
+
 #include <cstddef>
 #include <memory>
 #include <string>
@@ -26,7 +28,7 @@ public:
     const std::string& PartPath() const { return m_partPath; }
 
     // For others that write; stays ours to close.
-    int Descriptor() const { return m_descriptor; }
+    int Descriptor() const { return m_file.Get(); }
 
     bool Write(const void* bytes, size_t count, std::string& error);
 
@@ -38,14 +40,14 @@ public:
     void Discard();
 
 private:
-    OutputFile(std::string path, bool replace, int descriptor);
+    OutputFile(std::string path, bool replace, os::Descriptor file);
 
     bool Rename(std::string& error);
 
     std::string m_path;
     std::string m_partPath;
     bool m_replace;
-    int m_descriptor; // -1: committed or discarded
+    os::Descriptor m_file; // none: committed or discarded
 };
 
 }

@@ -1,6 +1,10 @@
 #include "os/File.h"
 
-#include <atomic>
+#include "os/Descriptor.h"
+#include "os/Folder.h"
+#include "os/PartFile.h"
+#include "os/Path.h"
+
 #include <cerrno>
 #include <climits>
 #include <cstdint>
@@ -14,39 +18,6 @@
 namespace pxvis::os {
 
 namespace {
-
-class Descriptor
-{
-public:
-    explicit Descriptor(int descriptor)
-        : m_descriptor(descriptor)
-    {
-    }
-
-    ~Descriptor()
-    {
-        if (m_descriptor >= 0)
-            ::close(m_descriptor);
-    }
-
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-
-    bool IsOpen() const { return m_descriptor >= 0; }
-
-    int Get() const { return m_descriptor; }
-
-    // Some file systems tell only now that the disk is full.
-    bool Close()
-    {
-        const int result = ::close(m_descriptor);
-        m_descriptor = -1;
-        return result == 0;
-    }
-
-private:
-    int m_descriptor;
-};
 
 FileError ErrorOf(int number)
 {
@@ -66,67 +37,16 @@ FileError ErrorOf(int number)
     }
 }
 
-bool IsUsable(const std::string& path)
-{
-    return !path.empty() && path.find('\0') == std::string::npos;
-}
-
-std::string FolderOf(const std::string& path)
-{
-    const size_t slash = path.rfind('/');
-    if (slash == std::string::npos)
-        return ".";
-    return slash == 0 ? "/" : path.substr(0, slash);
-}
-
-int CreateNew(const std::string& path, unsigned mode)
-{
-    return ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, mode);
-}
-
-// A new file in the folder; its name is hidden and never one of ours.
-int CreateTemporary(const std::string& folder, const WriteOptions& options, std::string& path)
-{
-    if (!options.temporary.empty()) {
-        path = folder + "/" + options.temporary;
-        ::unlink(path.c_str());
-        return CreateNew(path, options.mode);
-    }
-    static std::atomic<unsigned> counter { 0 };
-    constexpr int attempts = 1000; // files that crashes left behind
-    for (int i = 0; i < attempts; ++i) {
-        path = folder + "/.pxvis-" + std::to_string(::getpid()) + "-"
-            + std::to_string(counter.fetch_add(1)) + ".tmp";
-        const int descriptor = CreateNew(path, options.mode);
-        if (descriptor >= 0 || errno != EEXIST)
-            return descriptor;
-    }
-    return -1;
-}
-
-bool WriteAll(int descriptor, std::string_view bytes)
-{
-    while (!bytes.empty()) {
-        const ssize_t written = ::write(descriptor, bytes.data(), bytes.size());
-        if (written < 0 && errno == EINTR)
-            continue;
-        if (written <= 0)
-            return false;
-        bytes.remove_prefix(static_cast<size_t>(written));
-    }
-    return true;
-}
-
-bool CopyAll(int from, int to)
+bool CopyAll(const Descriptor& from, const Descriptor& to)
 {
     std::vector<char> block(1 << 16);
     for (;;) {
-        const ssize_t count = ::read(from, block.data(), block.size());
+        const ssize_t count = ::read(from.Get(), block.data(), block.size());
         if (count < 0 && errno == EINTR)
             continue;
         if (count <= 0)
             return count == 0;
-        if (!WriteAll(to, { block.data(), static_cast<size_t>(count) }))
+        if (!to.Write({ block.data(), static_cast<size_t>(count) }))
             return false;
     }
 }
@@ -139,14 +59,6 @@ bool IsThere(const std::string& path)
     };
 
     return ::lstat(path.c_str(), &status) == 0;
-}
-
-// The new name should outlive a power cut as well; not every file system can promise that.
-void SyncFolder(const std::string& folder)
-{
-    const Descriptor descriptor(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (descriptor.IsOpen())
-        ::fsync(descriptor.Get());
 }
 
 int64_t Nanoseconds(const timespec& time)
@@ -173,13 +85,13 @@ FileError CheckTarget(const std::string& path, struct stat& old)
 
 // Owner, group and permissions of the file that is to be replaced. Only root may give a file away;
 // where even the group can't be kept, it gets no more than everybody, since it is another one.
-bool TakeOver(int descriptor, const struct stat& old)
+bool TakeOver(const Descriptor& file, const struct stat& old)
 {
     mode_t mode = old.st_mode & 07777;
-    if (::fchown(descriptor, old.st_uid, old.st_gid) != 0
-        && ::fchown(descriptor, static_cast<uid_t>(-1), old.st_gid) != 0)
+    if (::fchown(file.Get(), old.st_uid, old.st_gid) != 0
+        && ::fchown(file.Get(), static_cast<uid_t>(-1), old.st_gid) != 0)
         mode = (mode & ~mode_t { 070 }) | (mode & mode >> 3 & 7) << 3;
-    return ::fchmod(descriptor, mode) == 0;
+    return ::fchmod(file.Get(), mode) == 0;
 }
 
 }
@@ -190,13 +102,24 @@ bool FileExists(const std::string& path)
     {
     };
 
-    return IsUsable(path) && ::stat(path.c_str(), &status) == 0 && !S_ISDIR(status.st_mode);
+    return IsUsablePath(path) && ::stat(path.c_str(), &status) == 0 && !S_ISDIR(status.st_mode);
+}
+
+int64_t FileSize(const std::string& path)
+{
+    struct stat status
+    {
+    };
+
+    if (!IsUsablePath(path) || ::stat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode))
+        return -1;
+    return status.st_size;
 }
 
 FileError ReadFile(const std::string& path, size_t maximumSize, std::string& bytes)
 {
     bytes.clear();
-    if (!IsUsable(path))
+    if (!IsUsablePath(path))
         return FileError::NotFound;
     const Descriptor file(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
     if (!file.IsOpen())
@@ -238,7 +161,7 @@ FileError ReadFile(const std::string& path, size_t maximumSize, std::string& byt
 
 FileError WriteFile(const std::string& path, std::string_view bytes, const WriteOptions& options)
 {
-    if (!IsUsable(path))
+    if (!IsUsablePath(path))
         return FileError::NotFound;
     const std::string target = ResolveLinks(path);
 
@@ -248,26 +171,18 @@ FileError WriteFile(const std::string& path, std::string_view bytes, const Write
 
     if (const FileError error = CheckTarget(target, old); error != FileError::None)
         return error;
-    const std::string folder = FolderOf(target);
-    std::string temporary;
-    Descriptor file(CreateTemporary(folder, options, temporary));
-    if (!file.IsOpen())
+    PartFile file(target, options.temporary, options.mode);
+    const bool written = file.IsOpen() && (old.st_nlink == 0 || TakeOver(file.File(), old))
+        && file.Write(bytes) && file.Sync() && file.KeepAs(target);
+    if (!written)
         return ErrorOf(errno);
-    const bool written = (old.st_nlink == 0 || TakeOver(file.Get(), old))
-        && WriteAll(file.Get(), bytes) && ::fsync(file.Get()) == 0 && file.Close()
-        && ::rename(temporary.c_str(), target.c_str()) == 0;
-    if (!written) {
-        const FileError error = ErrorOf(errno);
-        ::unlink(temporary.c_str());
-        return error;
-    }
-    SyncFolder(folder);
+    SyncFolder(FolderOf(target));
     return FileError::None;
 }
 
 FileError CopyFile(const std::string& from, const std::string& to)
 {
-    if (!IsUsable(from) || !IsUsable(to))
+    if (!IsUsablePath(from) || !IsUsablePath(to))
         return FileError::NotFound;
     const Descriptor source(
         ::open(from.c_str(), O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_NOCTTY | O_CLOEXEC));
@@ -282,25 +197,16 @@ FileError CopyFile(const std::string& from, const std::string& to)
         return ErrorOf(errno);
     if (!S_ISREG(status.st_mode))
         return FileError::NotRegular;
-    const std::string folder = FolderOf(to);
-    std::string temporary;
-    Descriptor copy(CreateTemporary(folder, {}, temporary));
-    if (!copy.IsOpen())
-        return ErrorOf(errno);
-    const bool copied = CopyAll(source.Get(), copy.Get())
-        && ::fchmod(copy.Get(), status.st_mode & 0777) == 0 && ::fsync(copy.Get()) == 0
-        && copy.Close() && ::rename(temporary.c_str(), to.c_str()) == 0;
-    if (!copied) {
-        const FileError error = ErrorOf(errno);
-        ::unlink(temporary.c_str());
-        return error;
-    }
-    return FileError::None;
+    PartFile copy(to);
+    const bool copied = copy.IsOpen() && CopyAll(source, copy.File())
+        && ::fchmod(copy.File().Get(), status.st_mode & 0777) == 0 && copy.Sync()
+        && copy.KeepAs(to);
+    return copied ? FileError::None : ErrorOf(errno);
 }
 
 bool MoveFile(const std::string& from, const std::string& to)
 {
-    if (!IsUsable(from) || !IsUsable(to))
+    if (!IsUsablePath(from) || !IsUsablePath(to))
         return false;
     if (::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0)
         return true;
@@ -320,7 +226,7 @@ bool MoveFile(const std::string& from, const std::string& to)
 
 int DeleteFile(const std::string& path)
 {
-    if (!IsUsable(path))
+    if (!IsUsablePath(path))
         return ENOENT;
     if (::unlink(path.c_str()) == 0)
         return 0;
@@ -338,7 +244,7 @@ bool IsSameFile(const std::string& a, const std::string& b)
     {
     };
 
-    return IsUsable(a) && IsUsable(b) && ::stat(a.c_str(), &first) == 0
+    return IsUsablePath(a) && IsUsablePath(b) && ::stat(a.c_str(), &first) == 0
         && ::stat(b.c_str(), &second) == 0 && first.st_dev == second.st_dev
         && first.st_ino == second.st_ino;
 }
@@ -371,7 +277,7 @@ FileStamp StampOf(const std::string& path)
     {
     };
 
-    if (!IsUsable(path) || ::stat(path.c_str(), &status) != 0)
+    if (!IsUsablePath(path) || ::stat(path.c_str(), &status) != 0)
         return {};
     return { status.st_dev, status.st_ino, status.st_size, Nanoseconds(status.st_mtim),
         Nanoseconds(status.st_ctim) };
@@ -383,7 +289,7 @@ double LastWriteTime(const std::string& path)
     {
     };
 
-    if (!IsUsable(path) || ::stat(path.c_str(), &status) != 0)
+    if (!IsUsablePath(path) || ::stat(path.c_str(), &status) != 0)
         return 0;
     return static_cast<double>(status.st_mtim.tv_sec)
         + static_cast<double>(status.st_mtim.tv_nsec) / 1e9;

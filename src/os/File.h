@@ -22,6 +22,9 @@ enum class FileError
 // A file of any kind but a folder.
 bool FileExists(const std::string& path);
 
+// Of a regular file, in bytes; -1 if there is none of that name.
+int64_t FileSize(const std::string& path);
+
 // The whole of a regular file of at most `maximumSize` bytes. Never waits for a writer, as opening
 // a pipe would. `bytes` is empty after a failure.
 FileError ReadFile(const std::string& path, size_t maximumSize, std::string& bytes);

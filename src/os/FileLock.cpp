@@ -1,6 +1,7 @@
 #include "os/FileLock.h"
 
 #include "os/Clock.h"
+#include "os/Path.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -8,7 +9,7 @@
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
-#include <unistd.h>
+#include <utility>
 
 namespace pxvis::os {
 
@@ -16,13 +17,13 @@ namespace {
 
 constexpr int64_t kMillisecond = 1000 * 1000;
 
-bool IsRegular(int descriptor)
+bool IsRegular(const Descriptor& file)
 {
     struct stat status
     {
     };
 
-    return ::fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode);
+    return ::fstat(file.Get(), &status) == 0 && S_ISREG(status.st_mode);
 }
 
 }
@@ -35,37 +36,31 @@ FileLock::~FileLock()
 bool FileLock::Acquire(const std::string& path, int32_t waitMilliseconds)
 {
     Release();
-    if (path.empty() || path.find('\0') != std::string::npos)
+    if (!IsUsablePath(path))
         return false;
-    m_descriptor
-        = ::open(path.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, 0600);
-    if (m_descriptor < 0)
+    Descriptor file(
+        ::open(path.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, 0600));
+    if (!file.IsOpen() || !IsRegular(file))
         return false;
-    if (!IsRegular(m_descriptor)) {
-        Release();
-        return false;
-    }
     const int64_t end = MonotonicNanoseconds() + waitMilliseconds * kMillisecond;
-    for (int64_t pause = kMillisecond / 4; ::flock(m_descriptor, LOCK_EX | LOCK_NB) != 0;) {
-        if ((errno != EWOULDBLOCK && errno != EINTR) || MonotonicNanoseconds() >= end) {
-            Release();
+    for (int64_t pause = kMillisecond / 4; ::flock(file.Get(), LOCK_EX | LOCK_NB) != 0;) {
+        if ((errno != EWOULDBLOCK && errno != EINTR) || MonotonicNanoseconds() >= end)
             return false;
-        }
         const timespec time { 0, static_cast<long>(pause) };
         ::nanosleep(&time, nullptr);
         pause = std::min(pause * 2, 8 * kMillisecond);
     }
+    m_file = std::move(file);
     return true;
 }
 
 void FileLock::Release()
 {
-    if (m_descriptor < 0)
+    if (!m_file.IsOpen())
         return;
     // Closing alone would leave the lock to a child process that was forked meanwhile.
-    ::flock(m_descriptor, LOCK_UN);
-    ::close(m_descriptor);
-    m_descriptor = -1;
+    ::flock(m_file.Get(), LOCK_UN);
+    m_file.Close();
 }
 
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "os/Descriptor.h"
+
 #include <cstdint>
 #include <string>
 
@@ -22,7 +24,7 @@ public:
     void Release();
 
 private:
-    int m_descriptor = -1;
+    Descriptor m_file;
 };
 
 }

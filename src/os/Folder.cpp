@@ -1,5 +1,8 @@
 #include "os/Folder.h"
 
+#include "os/Descriptor.h"
+#include "os/Path.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <dirent.h>
@@ -19,11 +22,6 @@ struct CloseFolder
 };
 
 using OpenFolder = std::unique_ptr<DIR, CloseFolder>;
-
-bool IsUsable(const std::string& path)
-{
-    return !path.empty() && path.find('\0') == std::string::npos;
-}
 
 bool IsDots(std::string_view name)
 {
@@ -124,19 +122,19 @@ bool FolderExists(const std::string& path)
     {
     };
 
-    return IsUsable(path) && ::stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
+    return IsUsablePath(path) && ::stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
 }
 
 bool MakeFolder(const std::string& path)
 {
-    if (!IsUsable(path))
+    if (!IsUsablePath(path))
         return false;
     return ::mkdir(path.c_str(), 0777) == 0 || (errno == EEXIST && FolderExists(path));
 }
 
 bool MakeFolders(const std::string& path, unsigned mode)
 {
-    if (!IsUsable(path) || path.front() != '/')
+    if (!IsUsablePath(path) || path.front() != '/')
         return false;
     if (FolderExists(path))
         return true;
@@ -154,7 +152,7 @@ bool ListFolder(
 {
     entries.clear();
     isComplete = true;
-    if (!IsUsable(path))
+    if (!IsUsablePath(path))
         return false;
     const OpenFolder folder
         = FolderFrom(::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_NONBLOCK | O_CLOEXEC));
@@ -192,9 +190,16 @@ FolderIdentity IdentifyFolder(const std::string& path)
     {
     };
 
-    if (!IsUsable(path) || ::stat(path.c_str(), &status) != 0 || !S_ISDIR(status.st_mode))
+    if (!IsUsablePath(path) || ::stat(path.c_str(), &status) != 0 || !S_ISDIR(status.st_mode))
         return {};
     return { status.st_dev, status.st_ino };
+}
+
+void SyncFolder(const std::string& path)
+{
+    const Descriptor folder(::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (folder.IsOpen())
+        ::fsync(folder.Get());
 }
 
 TreeFailure DeleteTree(const std::string& path)
@@ -202,7 +207,7 @@ TreeFailure DeleteTree(const std::string& path)
     std::string folder = path;
     while (!folder.empty() && folder.back() == '/')
         folder.pop_back();
-    if (!IsUsable(folder) || IsDots(folder.substr(folder.rfind('/') + 1)))
+    if (!IsUsablePath(folder) || IsDots(folder.substr(folder.rfind('/') + 1)))
         return { EINVAL, path };
     TreeDeleter deleter(folder);
     deleter.DeleteFolder(AT_FDCWD, folder.c_str(), 0);

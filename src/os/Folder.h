@@ -45,6 +45,9 @@ struct FolderIdentity
 
 FolderIdentity IdentifyFolder(const std::string& path);
 
+// So that the names in it outlive a power cut as well; not every file system can promise that.
+void SyncFolder(const std::string& path);
+
 struct TreeFailure
 {
     int number = 0; // the system's error number; 0 if nothing failed

@@ -1,5 +1,7 @@
 #include "os/ModulePath.h"
 
+#include "os/Path.h"
+
 #include <climits>
 #include <cstdlib>
 #include <dlfcn.h>
@@ -41,12 +43,10 @@ std::string LibraryPath(const char* name)
     return resolved ? resolved.get() : path;
 }
 
-std::string FolderOf(const std::string& path)
+// Empty for an unknown one.
+std::string FolderOfModule(const std::string& path)
 {
-    const size_t slash = path.rfind('/');
-    if (slash == std::string::npos)
-        return {};
-    return path.substr(0, slash == 0 ? 1 : slash);
+    return path.empty() ? path : FolderOf(path);
 }
 
 std::string FindModulePath()
@@ -71,12 +71,12 @@ const std::string& ModulePath()
 
 std::string ModuleFolder()
 {
-    return FolderOf(ModulePath());
+    return FolderOfModule(ModulePath());
 }
 
 std::string ExecutableFolder()
 {
-    return FolderOf(ExecutablePath());
+    return FolderOfModule(ExecutablePath());
 }
 
 }

@@ -1,5 +1,7 @@
 #include "os/PartFile.h"
 
+#include "os/Path.h"
+
 #include <atomic>
 #include <cerrno>
 #include <cstdint>
@@ -9,47 +11,50 @@
 
 namespace pxvis::os {
 
-PartFile::PartFile(const std::string& target)
+static Descriptor CreateNew(const std::string& path, unsigned mode)
 {
+    return Descriptor(
+        ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, mode));
+}
+
+PartFile::PartFile(const std::string& target, const std::string& name, unsigned mode)
+{
+    const std::string folder = FolderOf(target) + "/";
+    if (!name.empty()) {
+        m_path = folder + name;
+        ::unlink(m_path.c_str());
+        m_file = CreateNew(m_path, mode);
+        return;
+    }
     static std::atomic<uint32_t> counter { 0 };
-    const size_t slash = target.rfind('/');
-    const std::string folder
-        = slash == std::string::npos ? std::string() : target.substr(0, slash + 1);
-    do {
-        m_path = folder + ".pxvis-" + std::to_string(getpid()) + "-"
+    constexpr int attempts = 1000; // files that crashes left behind
+    for (int i = 0; i < attempts; ++i) {
+        m_path = folder + ".pxvis-" + std::to_string(::getpid()) + "-"
             + std::to_string(counter.fetch_add(1)) + ".part";
-        m_file = open(m_path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
-    } while (m_file < 0 && errno == EEXIST);
+        m_file = CreateNew(m_path, mode);
+        if (m_file.IsOpen() || errno != EEXIST)
+            return;
+    }
 }
 
 PartFile::~PartFile()
 {
-    if (m_file >= 0) {
-        close(m_file);
-        unlink(m_path.c_str());
-    }
+    if (m_file.IsOpen())
+        ::unlink(m_path.c_str());
 }
 
-bool PartFile::Write(std::string_view bytes)
+bool PartFile::Sync() const
 {
-    while (!bytes.empty()) {
-        const ssize_t written = write(m_file, bytes.data(), bytes.size());
-        if (written < 0 && errno == EINTR)
-            continue;
-        if (written <= 0)
-            return false;
-        bytes.remove_prefix(static_cast<size_t>(written));
-    }
-    return true;
+    return ::fsync(m_file.Get()) == 0;
 }
 
 bool PartFile::KeepAs(const std::string& target)
 {
-    const bool closed = close(m_file) == 0; // a network file may tell here that it didn't fit
-    m_file = -1;
-    if (closed && std::rename(m_path.c_str(), target.c_str()) == 0)
+    if (m_file.Close() && std::rename(m_path.c_str(), target.c_str()) == 0)
         return true;
-    unlink(m_path.c_str());
+    const int reason = errno;
+    ::unlink(m_path.c_str());
+    errno = reason;
     return false;
 }
 

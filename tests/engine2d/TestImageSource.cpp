@@ -1,8 +1,8 @@
 #include "engine2d/ImageSource.h"
 
+#include "TestFolder.h"
 #include "VisTesting.h"
 #include "foundation/OQDataRoots.h"
-#include "host/TestFolder.h"
 
 #include <doctest/doctest.h>
 

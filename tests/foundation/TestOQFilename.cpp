@@ -1,10 +1,7 @@
 #include "foundation/OQFilename.h"
 
+#include "TestFolder.h"
 #include "foundation/StringPrinting.h"
-
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
 
 TEST_CASE("A filename with extra data is one line of XML, one without is the path")
 {
@@ -126,26 +123,24 @@ TEST_CASE("Foreign URLs of files are read, with codes that would lead elsewhere 
 
 TEST_CASE("Files are found by every form of their path, and measured")
 {
-    std::string folder = (std::filesystem::temp_directory_path() / "pxvis-XXXXXX").string();
-    REQUIRE(::mkdtemp(folder.data()));
-    std::ofstream(folder + "/a b.mp3") << "12345";
-    std::ofstream(folder + "/AC\\DC.mp3") << "123";
+    const TestFolder folder;
+    folder.Write("a b.mp3", "12345");
+    folder.Write("AC\\DC.mp3", "123");
     OQFilename filename;
-    filename.SetPath(OQString::FromUtf8(folder) + u"/a b.mp3");
+    filename.SetPath(OQString::FromUtf8(folder.Path("a b.mp3")));
     for (const OQPathForm form : { OQPathNative, OQPathBackslashes, OQPathSlashes, OQPathUrl }) {
         OQFilename other;
         other.SetPath(filename.GetPathAs(form));
         CHECK(other.Exists());
         CHECK(other.GetSize() == 5);
     }
-    filename.SetPath(OQString::FromUtf8(folder) + u"/AC\\DC.mp3");
+    filename.SetPath(OQString::FromUtf8(folder.Path("AC\\DC.mp3")));
     CHECK(filename.Exists());
     CHECK(filename.GetSize() == 3);
-    for (const OQString& none : { OQString(), OQString::FromUtf8(folder), OQString(u"/a\0b", 4),
-             OQString(u"http://localhost/a") }) {
+    for (const OQString& none : { OQString(), OQString::FromUtf8(folder.Path("")),
+             OQString(u"/a\0b", 4), OQString(u"http://localhost/a") }) {
         filename.SetPath(none);
         CHECK_FALSE(filename.Exists());
         CHECK(filename.GetSize() == -1);
     }
-    std::filesystem::remove_all(folder);
 }

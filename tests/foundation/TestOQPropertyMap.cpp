@@ -1,12 +1,12 @@
 #include "foundation/OQPropertyMap.h"
 
+#include "SlotOf.h"
 #include "foundation/OQNumberText.h"
 #include "foundation/OQXmlDocument.h"
 #include "foundation/StringPrinting.h"
 
 #include <cfloat>
 #include <cmath>
-#include <cstring>
 
 namespace {
 
@@ -20,15 +20,6 @@ OQPropertyMap SomeItems()
     map.SetString(u"Stra\u00dfe <\"'>", u" \t\r\n\U0001F3B5 ");
     map.SetString(u"Blanks", u"  ");
     return map;
-}
-
-// The place in the table of virtual operations, where the destructor takes 0 and 1.
-template <class Operation>
-long SlotOf(Operation operation)
-{
-    long offset = 0;
-    std::memcpy(&offset, &operation, sizeof(offset));
-    return (offset - 1) / static_cast<long>(sizeof(void*));
 }
 
 }

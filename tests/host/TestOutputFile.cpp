@@ -1,6 +1,7 @@
 #include "host/OutputFile.h"
 
-#include "host/TestFolder.h"
+#include "FileSizeLimit.h"
+#include "TestFolder.h"
 
 #include <doctest/doctest.h>
 #include <sys/stat.h>

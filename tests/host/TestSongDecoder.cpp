@@ -1,8 +1,9 @@
+#include "TestFolder.h"
+#include "TestVariable.h"
 #include "host/CoverFile.h"
 #include "host/GStreamer.h"
 #include "host/SongDecoder.h"
 #include "host/SongFile.h"
-#include "host/TestFolder.h"
 #include "host/analysis/SongAnalyzer.h"
 #include "host/analysis/Synthesizer.h"
 
@@ -193,7 +194,7 @@ TEST_CASE("Tags and cover come with the song, and a song without a title has its
 TEST_CASE("A cover is a private file in the cache as long as it is needed")
 {
     const TestFolder folder;
-    setenv("XDG_CACHE_HOME", folder.Path("cache").c_str(), 1);
+    const TestVariable cache("XDG_CACHE_HOME", folder.Path("cache").c_str());
     TrackTags tags;
     tags.cover = { 1, 2, 3 };
     for (const auto& [type, ending] : std::map<std::string, std::string> {
@@ -215,7 +216,7 @@ TEST_CASE("A cover is a private file in the cache as long as it is needed")
         CHECK_FALSE(std::filesystem::exists(path));
     }
     folder.Write("blocked", "");
-    setenv("XDG_CACHE_HOME", folder.Path("blocked").c_str(), 1);
+    const TestVariable blocked("XDG_CACHE_HOME", folder.Path("blocked").c_str());
     CHECK(std::filesystem::exists(CoverFile(tags).Path()));
     CHECK(CoverFile({}).Path().empty());
 }

@@ -1,4 +1,5 @@
-#include "host/TestFolder.h"
+#include "FileSizeLimit.h"
+#include "TestFolder.h"
 #include "host/VideoFile.h"
 #include "host/VideoWriter.h"
 

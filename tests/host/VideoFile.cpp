@@ -1,6 +1,7 @@
 #include "host/VideoFile.h"
 
-#include <gst/app/gstappsink.h>
+#include "host/VideoPipeline.h"
+
 #include <gst/audio/audio.h>
 #include <gst/video/video.h>
 
@@ -31,9 +32,8 @@ static void TakePicture(VideoFile& file, GstSample* sample)
     file.format = text.get();
     file.width = info.width;
     file.height = info.height;
-    const uint64_t begin = gst_segment_to_stream_time(
-        gst_sample_get_segment(sample), GST_FORMAT_TIME, GST_BUFFER_PTS(buffer));
-    file.pictures.push_back({ begin, Plane(frame, 0), Plane(frame, 1), Plane(frame, 2) });
+    file.pictures.push_back(
+        { VideoPipeline::TimeOf(sample), Plane(frame, 0), Plane(frame, 1), Plane(frame, 2) });
     gst_video_frame_unmap(&frame);
 }
 
@@ -48,8 +48,7 @@ static void TakeSound(VideoFile& file, GstSample* sample)
         return;
     }
     if (file.sound.empty())
-        file.soundBegin = gst_segment_to_stream_time(
-            gst_sample_get_segment(sample), GST_FORMAT_TIME, GST_BUFFER_PTS(buffer));
+        file.soundBegin = VideoPipeline::TimeOf(sample);
     file.soundRate = info.rate;
     const auto* samples = reinterpret_cast<const float*>(map.data);
     for (size_t i = 0; i < map.size / sizeof(float); i += static_cast<size_t>(info.channels))
@@ -59,49 +58,13 @@ static void TakeSound(VideoFile& file, GstSample* sample)
 
 VideoFile::VideoFile(const std::string& path)
 {
-    if (!InitializeGStreamer(fault))
-        return;
-    const char* const queue = "queue max-size-buffers=0 max-size-bytes=0 max-size-time=0";
-    const bool webm = path.ends_with(".webm");
-    const std::string line = std::string("filesrc name=file ! ")
-        + (webm ? "matroskademux" : "qtdemux") + " name=demux demux.video_0 ! " + queue
-        + (webm ? " ! vp9dec" : " ! avdec_h264")
-        + " ! appsink name=pictures sync=false demux.audio_0 ! " + queue
-        + " ! decodebin ! audioconvert ! audio/x-raw,format=F32LE,layout=interleaved !"
-          " appsink name=sound sync=false";
-    GError* raw = nullptr;
-    const GstHolder<GstElement> pipeline(gst_parse_launch(line.c_str(), &raw));
-    if (raw) {
-        const GstHolder<GError> failure(raw);
-        fault = raw->message;
-        return;
-    }
-    const auto part = [&](const char* name) {
-        return GstHolder<GstElement>(gst_bin_get_by_name(GST_BIN(pipeline.get()), name));
-    };
-    const auto source = part("file");
-    const auto pictureSink = part("pictures");
-    const auto soundSink = part("sound");
-    g_object_set(source.get(), "location", path.c_str(), nullptr);
-    gst_element_set_state(pipeline.get(), GST_STATE_PLAYING);
-    constexpr GstClockTime patience = 20 * GST_SECOND;
-    while (GstSample* s = gst_app_sink_try_pull_sample(GST_APP_SINK(pictureSink.get()), patience))
-        TakePicture(*this, GstHolder<GstSample>(s).get());
-    while (GstSample* s = gst_app_sink_try_pull_sample(GST_APP_SINK(soundSink.get()), patience))
-        TakeSound(*this, GstHolder<GstSample>(s).get());
-    const GstHolder<GstBus> bus(gst_element_get_bus(pipeline.get()));
+    VideoPipeline pipeline(path);
+    while (const auto sample = pipeline.NextPicture())
+        TakePicture(*this, sample.get());
+    while (const auto sample = pipeline.NextSound())
+        TakeSound(*this, sample.get());
     tags.reset(gst_tag_list_new_empty());
-    while (GstMessage* popped = gst_bus_pop_filtered(
-               bus.get(), static_cast<GstMessageType>(GST_MESSAGE_ERROR | GST_MESSAGE_TAG))) {
-        const GstHolder<GstMessage> message(popped);
-        if (GST_MESSAGE_TYPE(popped) == GST_MESSAGE_ERROR) {
-            gst_message_parse_error(popped, &raw, nullptr);
-            fault = GstHolder<GError>(raw)->message;
-        } else {
-            GstTagList* found = nullptr;
-            gst_message_parse_tag(popped, &found);
-            gst_tag_list_insert(tags.get(), GstHolder<GstTagList>(found).get(), GST_TAG_MERGE_KEEP);
-        }
-    }
-    gst_element_set_state(pipeline.get(), GST_STATE_NULL);
+    const std::string failure = pipeline.Fault(tags.get());
+    if (!failure.empty())
+        fault = failure;
 }

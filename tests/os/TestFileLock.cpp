@@ -1,4 +1,4 @@
-#include "host/TestFolder.h"
+#include "TestFolder.h"
 #include "os/Clock.h"
 #include "os/FileLock.h"
 

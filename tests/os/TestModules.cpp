@@ -1,9 +1,9 @@
+#include "TestFolder.h"
 #include "os/DynamicLibrary.h"
 #include "os/ModulePath.h"
 
 #include <doctest/doctest.h>
 
-#include <cstdlib>
 #include <dlfcn.h>
 #include <filesystem>
 #include <string>
@@ -19,19 +19,10 @@ const fs::path kModule = fs::path(PXVIS_BINARY_DIR) / "bin" / "ModuleUnderTest.s
 struct Sandbox
 {
     fs::path before = fs::current_path();
-    fs::path folder;
+    TestFolder own;
+    fs::path folder = fs::canonical(own.Path(""));
 
-    Sandbox()
-    {
-        std::string name = (fs::temp_directory_path() / "pxvis-test-XXXXXX").string();
-        folder = fs::canonical(mkdtemp(name.data()));
-    }
-
-    ~Sandbox()
-    {
-        fs::current_path(before);
-        fs::remove_all(folder);
-    }
+    ~Sandbox() { fs::current_path(before); }
 };
 
 using PathFunction = const char*();

@@ -1,26 +1,16 @@
 #include "os/PartFile.h"
 
+#include "TestFolder.h"
+
 #include <doctest/doctest.h>
 
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
-
-namespace fs = std::filesystem;
 using pxvis::os::PartFile;
 
 TEST_CASE("A part file takes its name when it is kept, and leaves no trace when it isn't")
 {
-    std::string name = (fs::temp_directory_path() / "pxvis-part-XXXXXX").string();
-    const fs::path folder = mkdtemp(name.data());
-    const std::string target = (folder / "a").string();
-    const auto content = [&target] {
-        std::ifstream file(target);
-        return std::string(std::istreambuf_iterator<char>(file), {});
-    };
-    const auto count = [&folder] { return std::distance(fs::directory_iterator(folder), {}); };
-    std::ofstream(target) << "old";
+    const TestFolder folder;
+    const std::string target = folder.Path("a");
+    folder.Write("a", "old");
     {
         PartFile first(target);
         PartFile second(target);
@@ -28,18 +18,30 @@ TEST_CASE("A part file takes its name when it is kept, and leaves no trace when 
         REQUIRE(second.IsOpen());
         CHECK(first.Write("one"));
         CHECK(second.Write("two"));
-        CHECK(content() == "old");
+        CHECK(folder.Read("a") == "old");
         CHECK(second.KeepAs(target));
-        CHECK(content() == "two");
-        CHECK(count() == 2);
+        CHECK(folder.Read("a") == "two");
+        CHECK(folder.Count() == 2);
     }
-    CHECK(count() == 1);
-    CHECK(content() == "two");
+    CHECK(folder.Names() == "a ");
+    CHECK(folder.Read("a") == "two");
     {
         PartFile file(target);
-        CHECK_FALSE(file.KeepAs((folder / "missing" / "a").string()));
+        CHECK_FALSE(file.KeepAs(folder.Path("missing/a")));
     }
-    CHECK(count() == 1);
-    CHECK_FALSE(PartFile((folder / "missing" / "a").string()).IsOpen());
-    fs::remove_all(folder);
+    CHECK(folder.Names() == "a ");
+    CHECK_FALSE(PartFile(folder.Path("missing/a")).IsOpen());
+}
+
+TEST_CASE("A part file of a given name takes the place of what a killed writer left")
+{
+    const TestFolder folder;
+    folder.Write("a.new", "half");
+    PartFile file(folder.Path("a"), "a.new");
+    REQUIRE(file.IsOpen());
+    CHECK(file.Write("whole"));
+    CHECK(folder.Names() == "a.new ");
+    CHECK(file.KeepAs(folder.Path("a")));
+    CHECK(folder.Names() == "a ");
+    CHECK(folder.Read("a") == "whole");
 }

@@ -1,10 +1,11 @@
+#include "TestFolder.h"
+#include "TestVariable.h"
 #include "apps/pxvis/RenderCommand.h"
 #include "foundation/IOQImage.h"
 #include "foundation/OQSiblingModules.h"
 #include "foundation/OQString.h"
 #include "host/GStreamer.h"
 #include "host/SongFile.h"
-#include "host/TestFolder.h"
 
 #include <doctest/doctest.h>
 
@@ -88,8 +89,8 @@ std::unique_ptr<IOQImage> Render(const TestFolder& folder, const std::string& so
 TEST_CASE("The cover in a song's file fills the bars of its picture")
 {
     const TestFolder folder;
-    setenv("XDG_CACHE_HOME", folder.Path("cache").c_str(), 1);
-    setenv("XDG_DATA_HOME", folder.Path("data").c_str(), 1);
+    const TestVariable cache("XDG_CACHE_HOME", folder.Path("cache").c_str());
+    const TestVariable data("XDG_DATA_HOME", folder.Path("data").c_str());
     const auto picture = Render(folder, WriteSong(folder, WriteCover(folder)));
     int filled = 0;
     for (int32_t i = 0; i < width * height; ++i) {

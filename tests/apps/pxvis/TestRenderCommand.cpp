@@ -10,33 +10,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// A folder of the test's own, gone at the end.
-struct Folder
-{
-    Folder()
-        : path(fs::temp_directory_path() / ("pxvis-render-" + std::to_string(getpid())))
-    {
-        fs::create_directory(path);
-    }
-
-    ~Folder()
-    {
-        std::error_code ignored;
-        fs::permissions(path, fs::perms::owner_all, ignored);
-        fs::remove_all(path, ignored);
-    }
-
-    std::string File(const char* name) const { return (path / name).string(); }
-
-    int Count() const
-    {
-        return static_cast<int>(
-            std::distance(fs::directory_iterator(path), fs::directory_iterator()));
-    }
-
-    fs::path path;
-};
-
 pxvis::RenderOptions Options(const std::string& output)
 {
     pxvis::RenderOptions options;
@@ -61,50 +34,44 @@ int Render(const pxvis::RenderOptions& options)
     return status;
 }
 
-std::string Content(const std::string& path)
-{
-    std::ifstream file(path, std::ios::binary);
-    return { std::istreambuf_iterator<char>(file), {} };
-}
-
 }
 
 TEST_CASE("A part of a song becomes a video, and an existing one is replaced only when told to")
 {
-    const Folder folder;
-    pxvis::RenderOptions options = Options(folder.File("a.mp4"));
+    const TestFolder folder;
+    pxvis::RenderOptions options = Options(folder.Path("a.mp4"));
     CHECK(Render(options) == 0);
-    const std::string video = Content(options.output);
+    const std::string video = BytesOf(options.output);
     CHECK(video.size() > 2000);
     CHECK(video.substr(4, 4) == "ftyp");
     CHECK(folder.Count() == 1);
 
-    std::ofstream(options.output) << "the user's own";
+    folder.Write("a.mp4", "the user's own");
     CHECK(Render(options) == 1);
-    CHECK(Content(options.output) == "the user's own");
+    CHECK(BytesOf(options.output) == "the user's own");
     options.replace = true;
     options.frameRate = { 30000, 1001 };
     options.pictureScale = 0.5;
     CHECK(Render(options) == 0);
-    CHECK(Content(options.output).substr(4, 4) == "ftyp");
+    CHECK(BytesOf(options.output).substr(4, 4) == "ftyp");
     CHECK(folder.Count() == 1);
 }
 
 TEST_CASE("A single picture is the engine's at that moment, at the size asked for")
 {
-    const Folder folder;
-    pxvis::RenderOptions options = Options(folder.File("a.png"));
+    const TestFolder folder;
+    pxvis::RenderOptions options = Options(folder.Path("a.png"));
     options.at = 8.2;
     CHECK(Render(options) == 0);
-    const std::string picture = Content(options.output);
+    const std::string picture = BytesOf(options.output);
     CHECK(picture.substr(1, 3) == "PNG");
     CHECK(picture.substr(16, 8) == std::string("\0\0\0\x40\0\0\0\x24", 8));
     CHECK(Render(options) == 1); // exists
-    options.output = folder.File("50% b.png"); // no numbered pictures
+    options.output = folder.Path("50% b.png"); // no numbered pictures
     options.pictureScale = 0.5;
     CHECK(Render(options) == 0);
-    CHECK(Content(options.output).substr(16, 8) == picture.substr(16, 8));
-    options.output = folder.File("c.png");
+    CHECK(BytesOf(options.output).substr(16, 8) == picture.substr(16, 8));
+    options.output = folder.Path("c.png");
     options.seeded = true;
     options.seed = 7;
     options.pictureScale = 1;
@@ -117,11 +84,11 @@ TEST_CASE("A single picture is the engine's at that moment, at the size asked fo
 
 TEST_CASE("What can't be done leaves nothing behind and says why in one line")
 {
-    const Folder folder;
+    const TestFolder folder;
     const TestFile text("song.mp3", "not music at all");
     const TestFile brokenScript("broken.pxv", "<PXV Version=\"1.0\"><Layer>");
     const auto gives = [&](int status, auto change) {
-        pxvis::RenderOptions options = Options(folder.File("out.mp4"));
+        pxvis::RenderOptions options = Options(folder.Path("out.mp4"));
         change(options);
         CHECK(Render(options) == status);
         CHECK(folder.Count() == 0);
@@ -137,13 +104,13 @@ TEST_CASE("What can't be done leaves nothing behind and says why in one line")
     fails([](auto& options) { options.output = "/nowhere/out.mp4"; });
     fails([](auto& options) { options.output = "/nowhere/%05d.png"; });
     fails([&](auto& options) {
-        options.output = folder.File("out.png");
+        options.output = folder.Path("out.png");
         options.to = -1;
         options.at = 1e6;
     });
     for (const char* name : { "out.mp4", "out.webm", "%05d.png" })
         fails([&](auto& options) {
-            options.output = folder.File(name);
+            options.output = folder.Path(name);
             options.from = 4000;
             options.to = -1;
         });
@@ -155,59 +122,59 @@ TEST_CASE("What can't be done leaves nothing behind and says why in one line")
     isWrongUsage([](auto& options) { options.pictureScale = 0.1; });
     isWrongUsage([](auto& options) { options.at = 8; });
     isWrongUsage([](auto& options) { options.to = options.from; });
-    isWrongUsage([&](auto& options) { options.output = folder.File("out.avi"); });
+    isWrongUsage([&](auto& options) { options.output = folder.Path("out.avi"); });
     isWrongUsage([&](auto& options) {
-        options.output = folder.File("out.webm");
+        options.output = folder.Path("out.webm");
         options.sound = pxvis::host::SoundCoding::Copy;
     });
     isWrongUsage([&](auto& options) {
-        options.output = folder.File("out.png");
+        options.output = folder.Path("out.png");
         options.width = 100000;
         options.pictureScale = 0.05;
     });
     for (const char* name :
         { "%d.png", "%5d.png", "%05s.png", "%%.png", "%03d%03d.png", "%00d.png", "%010d.png" })
-        isWrongUsage([&](auto& options) { options.output = folder.File(name); });
+        isWrongUsage([&](auto& options) { options.output = folder.Path(name); });
 }
 
 TEST_CASE("Numbered pictures are those of a video, and none is replaced unless told to")
 {
-    const Folder folder;
-    pxvis::RenderOptions options = Options(folder.File("f-%02d.png"));
+    const TestFolder folder;
+    pxvis::RenderOptions options = Options(folder.Path("f-%02d.png"));
     options.to = 7.2;
     options.frameRate = { 30, 1 };
     CHECK(Render(options) == 0);
     CHECK(folder.Count() == 6);
-    pxvis::RenderOptions single = Options(folder.File("single.png"));
+    pxvis::RenderOptions single = Options(folder.Path("single.png"));
     single.at = 7 + 5.1 / 30;
     CHECK(Render(single) == 0);
-    CHECK(Content(folder.File("f-06.png")) == Content(single.output));
-    CHECK(Content(folder.File("f-01.png")) != Content(single.output));
+    CHECK(BytesOf(folder.Path("f-06.png")) == BytesOf(single.output));
+    CHECK(BytesOf(folder.Path("f-01.png")) != BytesOf(single.output));
 
     CHECK(Render(options) == 1);
-    fs::remove(folder.File("f-01.png"));
-    std::ofstream(folder.File("f-03.png")) << "the user's own";
+    fs::remove(folder.Path("f-01.png"));
+    folder.Write("f-03.png", "the user's own");
     CHECK(Render(options) == 1);
-    CHECK(Content(folder.File("f-03.png")) == "the user's own");
+    CHECK(BytesOf(folder.Path("f-03.png")) == "the user's own");
     CHECK(folder.Count() == 7);
     options.replace = true;
     CHECK(Render(options) == 0);
-    CHECK(Content(folder.File("f-03.png")).substr(1, 3) == "PNG");
+    CHECK(BytesOf(folder.Path("f-03.png")).substr(1, 3) == "PNG");
 }
 
 TEST_CASE("A WebM file is made of a part of a song")
 {
-    const Folder folder;
-    const pxvis::RenderOptions options = Options(folder.File("a.WebM"));
+    const TestFolder folder;
+    const pxvis::RenderOptions options = Options(folder.Path("a.WebM"));
     CHECK(Render(options) == 0);
-    CHECK(Content(options.output).find("webm") < 64);
+    CHECK(BytesOf(options.output).find("webm") < 64);
     CHECK(folder.Count() == 1);
 }
 
 TEST_CASE("Scripts are found by file, folder or name, and a broken one among several is left out")
 {
-    const Folder folder;
-    pxvis::RenderOptions options = Options(folder.File("a.png"));
+    const TestFolder folder;
+    pxvis::RenderOptions options = Options(folder.Path("a.png"));
     options.at = 7.1;
     options.script = "undertow";
     CHECK(Render(options) == 1); // names are exact
@@ -216,11 +183,11 @@ TEST_CASE("Scripts are found by file, folder or name, and a broken one among sev
         options.replace = true;
         CHECK(Render(options) == 0);
     }
-    fs::create_directory(folder.path / "set");
-    std::ofstream(folder.path / "set" / "a.pxv") << "<PXV";
-    options.script = folder.File("set");
+    fs::create_directory(folder / "set");
+    folder.Write("set/a.pxv", "<PXV");
+    options.script = folder.Path("set");
     CHECK(Render(options) == 1);
-    std::ofstream(folder.path / "set" / "b.pxv") << "<PXV Version=\"1.0\"/>";
+    folder.Write("set/b.pxv", "<PXV Version=\"1.0\"/>");
     std::ostringstream errors;
     CHECK(pxvis::RunRender(options, errors) == 0);
     CHECK(errors.str().find("left out") != std::string::npos);
@@ -228,9 +195,9 @@ TEST_CASE("Scripts are found by file, folder or name, and a broken one among sev
 
 TEST_CASE("A script that draws nothing and a song that is cut short are told, and no failure")
 {
-    const Folder folder;
+    const TestFolder folder;
     const TestFile nothing("nothing.pxv", "<PXV Version=\"1.0\"/>");
-    pxvis::RenderOptions options = Options(folder.File("%02d.png"));
+    pxvis::RenderOptions options = Options(folder.Path("%02d.png"));
     options.script = nothing.Path();
     options.to = 7.1;
     std::ostringstream errors;
@@ -240,10 +207,10 @@ TEST_CASE("A script that draws nothing and a song that is cut short are told, an
 
     std::string error;
     const std::vector<float> quiet(size_t { 2 } * 44100 * 3);
-    const std::string song = folder.File("song.flac");
+    const std::string song = folder.Path("song.flac");
     REQUIRE_MESSAGE(WriteSongFile(song, quiet, "flacenc", nullptr, error), error);
     fs::resize_file(song, fs::file_size(song) / 2);
-    options = Options(folder.File("a.mp4"));
+    options = Options(folder.Path("a.mp4"));
     options.song = song;
     options.from = 0;
     options.to = -1;
@@ -251,5 +218,5 @@ TEST_CASE("A script that draws nothing and a song that is cut short are told, an
     CHECK(pxvis::RunRender(options, errors) == 0);
     INFO(errors.str());
     CHECK(errors.str().find("pxvis: warning: " + song + ": 1.") == 0);
-    CHECK(Content(options.output).substr(4, 4) == "ftyp");
+    CHECK(BytesOf(options.output).substr(4, 4) == "ftyp");
 }

@@ -1,9 +1,9 @@
 #include "foundation/OQDataRoots.h"
 
+#include "TestFolder.h"
 #include "foundation/OQFileSystem.h"
 #include "foundation/StringPrinting.h"
 #include "foundation/files/FakeTools.h"
-#include "host/TestFolder.h"
 
 #include <doctest/doctest.h>
 

@@ -1,7 +1,7 @@
 #include "foundation/OQFileFinder.h"
 
+#include "TestFolder.h"
 #include "foundation/StringPrinting.h"
-#include "host/TestFolder.h"
 
 #include <doctest/doctest.h>
 

@@ -1,8 +1,8 @@
 #include "foundation/OQFileSystem.h"
 
+#include "TestFolder.h"
 #include "foundation/StringPrinting.h"
 #include "foundation/files/FakeTools.h"
-#include "host/TestFolder.h"
 
 #include <doctest/doctest.h>
 

@@ -1,9 +1,10 @@
 #include "foundation/OQFolders.h"
 
+#include "TestFolder.h"
+#include "TestVariable.h"
 #include "foundation/OQDataRoots.h"
 #include "foundation/StringPrinting.h"
 #include "foundation/files/FakeTools.h"
-#include "host/TestFolder.h"
 #include "os/InstallPlaces.h"
 
 #include <doctest/doctest.h>
@@ -39,16 +40,16 @@ TEST_CASE("What is shipped and what is the user's are two folders, both beside a
 TEST_CASE("The user's folders follow the environment, the theme goes before them")
 {
     FakeTools& tools = FakeTools::Fresh();
-    setenv("XDG_DATA_HOME", "/somewhere/data/", 1);
+    const TestVariable data("XDG_DATA_HOME", "/somewhere/data/");
     CHECK(OQFolders::GetDataFolder() == u"/somewhere/data/pxvis/");
     CHECK(OQFolders::GetAppDataFolder() == u"/somewhere/data/Tarnwick/Generic/");
     tools.dataFolder = u"/theme";
     CHECK(OQFolders::GetAppDataFolder() == u"/theme/");
 
-    setenv("XDG_DATA_HOME", "not/absolute", 1);
-    setenv("HOME", "/home/b", 1);
+    const TestVariable noData("XDG_DATA_HOME", "not/absolute");
+    const TestVariable home("HOME", "/home/b");
     CHECK(OQFolders::GetDataFolder() == u"/home/b/.local/share/pxvis/");
-    setenv("HOME", "not/absolute", 1);
+    const TestVariable noHome("HOME", "not/absolute");
     CHECK(OQFolders::GetDataFolder() == OQFolders::GetInstallFolder() + u"Data/");
     CHECK(OQDataRoots::Get().user.IsEmpty());
     tools.dataFolder.clear();

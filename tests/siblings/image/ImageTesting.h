@@ -1,12 +1,13 @@
 #pragma once
 
+#include "TestFolder.h"
 #include "foundation/IOQImage.h"
 #include "foundation/OQSiblingModules.h"
 
 #include <doctest/doctest.h>
 
+#include <algorithm>
 #include <filesystem>
-#include <iterator>
 #include <memory>
 #include <string>
 
@@ -33,22 +34,20 @@ inline void SetPixel(IOQImage& image, int32_t x, int32_t y, uint32_t pixel)
     image.GetBits()[(size.cy - 1 - y) * size.cx + x] = pixel;
 }
 
-struct Folder
+inline std::u16string NameIn(const TestFolder& folder, const char* name)
 {
-    fs::path path;
+    return (folder / name).u16string();
+}
 
-    Folder()
-    {
-        std::string name = (fs::temp_directory_path() / "pxvis-test-XXXXXX").string();
-        path = mkdtemp(name.data());
-    }
-
-    ~Folder() { fs::remove_all(path); }
-
-    std::u16string Name(const char* name) const { return (path / name).u16string(); }
-
-    size_t Count() const
-    {
-        return static_cast<size_t>(std::distance(fs::directory_iterator(path), {}));
-    }
-};
+// The smallest rectangle round the pixels that aren't `ground`; all 0 if there are none.
+inline OQRect InkOf(IOQImage& image, uint32_t ground)
+{
+    const OQSize size = image.GetSize();
+    OQRect ink { size.cx, size.cy, 0, 0 };
+    for (int32_t y = 0; y < size.cy; ++y)
+        for (int32_t x = 0; x < size.cx; ++x)
+            if (PixelAt(image, x, y) != ground)
+                ink = { std::min(ink.left, x), std::min(ink.top, y), std::max(ink.right, x + 1),
+                    std::max(ink.bottom, y + 1) };
+    return ink.right ? ink : OQRect {};
+}

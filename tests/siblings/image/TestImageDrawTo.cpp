@@ -8,19 +8,6 @@ namespace {
 constexpr int32_t kLeast = std::numeric_limits<int32_t>::min();
 constexpr int32_t kMost = std::numeric_limits<int32_t>::max();
 
-// Where the target isn't its ground any more; all 0 if it is everywhere.
-OQRect Touched(IOQImage& image, uint32_t ground)
-{
-    const OQSize size = image.GetSize();
-    OQRect touched { size.cx, size.cy, 0, 0 };
-    for (int32_t y = 0; y < size.cy; ++y)
-        for (int32_t x = 0; x < size.cx; ++x)
-            if (PixelAt(image, x, y) != ground)
-                touched = { std::min(touched.left, x), std::min(touched.top, y),
-                    std::max(touched.right, x + 1), std::max(touched.bottom, y + 1) };
-    return touched.right ? touched : OQRect {};
-}
-
 }
 
 TEST_CASE("A picture fills its rectangle, or keeps its shape in the middle of it, and is clipped")
@@ -51,7 +38,7 @@ TEST_CASE("A picture fills its rectangle, or keeps its shape in the middle of it
     for (const auto& c : cases) {
         Image target = MakeImage(40, 30);
         CHECK(picture->DrawTo(*target, c.rect, c.keepShape));
-        CHECK(Touched(*target, 0) == c.touched);
+        CHECK(InkOf(*target, 0) == c.touched);
         if (c.touched.right)
             CHECK(PixelAt(*target, c.touched.left, c.touched.top) == 0x00FF0000);
     }

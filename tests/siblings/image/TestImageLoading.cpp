@@ -3,7 +3,6 @@
 #include <pxvis/IOQVisualizationHost.h>
 
 #include <fcntl.h>
-#include <fstream>
 #include <gdk-pixbuf/gdk-pixbuf.h>
 #include <string_view>
 #include <sys/stat.h>
@@ -12,12 +11,6 @@
 using namespace std::string_literals;
 
 namespace {
-
-std::string BytesOf(const fs::path& path)
-{
-    std::ifstream file(path, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(file), {});
-}
 
 bool LoadBytes(IOQImage& image, std::string_view bytes, int32_t width = 0, int32_t height = 0)
 {
@@ -149,30 +142,30 @@ private:
 
 TEST_CASE("A saved picture is loaded again with every bit, from a file and from a host")
 {
-    Folder folder;
+    const TestFolder folder;
     Image image = MakeImage(5, 3);
     for (uint32_t i = 0; i < 15; ++i)
         image->GetBits()[i] = i * 0x11223345u;
-    REQUIRE(image->SavePng(folder.Name("a.png").c_str(), false));
+    REQUIRE(image->SavePng(NameIn(folder, "a.png").c_str(), false));
 
     Image loaded(OQCreateImage());
     CHECK_FALSE(loaded->IsValid());
-    REQUIRE(LoadFile(*loaded, folder.Name("a.png")));
+    REQUIRE(LoadFile(*loaded, NameIn(folder, "a.png")));
     CHECK(loaded->IsValid());
     CHECK(loaded->GetSize() == OQSize { 5, 3 });
     CHECK(std::equal(image->GetBits(), image->GetBits() + 15, loaded->GetBits()));
 
-    fs::create_directory(folder.path / "b");
-    fs::copy(folder.path / "a.png", folder.path / "b/c.png");
-    const std::u16string other = folder.path.u16string() + u"\\b\\c.png";
+    fs::create_directory(folder / "b");
+    fs::copy(folder / "a.png", folder / "b/c.png");
+    const std::u16string other = NameIn(folder, "b") + u"\\c.png";
     REQUIRE(LoadFile(*loaded, other, 10, -3));
     CHECK(loaded->GetSize() == OQSize { 10, 3 });
-    REQUIRE(LoadBytes(*loaded, BytesOf(folder.path / "a.png"), 0, 7));
+    REQUIRE(LoadBytes(*loaded, folder.Read("a.png"), 0, 7));
     CHECK(loaded->GetSize() == OQSize { 5, 7 });
 
     for (const auto& [width, height] : { std::pair { 16385, 1 }, { 1, -16385 }, { 16384, 16384 },
              { std::numeric_limits<int>::min(), 0 } }) {
-        CHECK_FALSE(LoadFile(*loaded, folder.Name("a.png"), width, height));
+        CHECK_FALSE(LoadFile(*loaded, NameIn(folder, "a.png"), width, height));
         CHECK_FALSE(loaded->IsValid());
         CHECK(loaded->GetBits() == nullptr);
     }
@@ -259,21 +252,21 @@ TEST_CASE("Of an animation the first frame is loaded, however many follow")
 
 TEST_CASE("Files that aren't files, and kinds that aren't plain pictures, are refused at once")
 {
-    Folder folder;
+    const TestFolder folder;
     Image image(OQCreateImage());
-    fs::create_directory(folder.path / "folder");
-    fs::create_directory_symlink(folder.path / "folder", folder.path / "link");
-    fs::create_symlink("/dev/zero", folder.path / "zero");
-    REQUIRE(mkfifo((folder.path / "pipe").c_str(), 0600) == 0);
-    std::ofstream(folder.path / "empty");
-    std::ofstream(folder.path / "large");
-    fs::resize_file(folder.path / "large", (64u << 20) + 1);
-    std::ofstream(folder.path / "locked") << Encoded("png");
-    fs::permissions(folder.path / "locked", fs::perms::none);
+    fs::create_directory(folder / "folder");
+    fs::create_directory_symlink(folder / "folder", folder / "link");
+    fs::create_symlink("/dev/zero", folder / "zero");
+    REQUIRE(mkfifo((folder / "pipe").c_str(), 0600) == 0);
+    folder.Write("empty", "");
+    folder.Write("large", "");
+    fs::resize_file(folder / "large", (64u << 20) + 1);
+    folder.Write("locked", Encoded("png"));
+    fs::permissions(folder / "locked", fs::perms::none);
     for (const char* name : { "folder", "link", "zero", "pipe", "empty", "large", "missing" })
-        CHECK_FALSE(LoadFile(*image, folder.Name(name)));
-    CHECK(LoadFile(*image, folder.Name("locked"))
-        == (access((folder.path / "locked").c_str(), R_OK) == 0));
+        CHECK_FALSE(LoadFile(*image, NameIn(folder, name)));
+    CHECK(LoadFile(*image, NameIn(folder, "locked"))
+        == (access((folder / "locked").c_str(), R_OK) == 0));
     CHECK_FALSE(LoadFile(*image, u""));
     CHECK_FALSE(LoadFile(*image, u"http://example.org/a.png"));
     CHECK_FALSE(image->Load(nullptr, 0, 0, 0, -1, 1, 0, 0, 0, 0));
@@ -377,28 +370,28 @@ TEST_CASE("A JPEG is refused when its scans go over too many pixels in all")
 
 TEST_CASE("A JPEG is written whole or not at all, and its quality is brought into range")
 {
-    Folder folder;
+    const TestFolder folder;
     Image image = MakeImage(64, 64);
     for (int32_t i = 0; i < 64 * 64; ++i)
         image->GetBits()[i] = static_cast<uint32_t>(i) * 2654435761u;
     const auto sizeAt = [&](int32_t quality) {
-        REQUIRE(image->SaveJpeg(folder.Name("a.jpg").c_str(), quality, -1));
-        return fs::file_size(folder.path / "a.jpg");
+        REQUIRE(image->SaveJpeg(NameIn(folder, "a.jpg").c_str(), quality, -1));
+        return fs::file_size(folder / "a.jpg");
     };
     CHECK(sizeAt(10) < sizeAt(90));
     CHECK(sizeAt(-5) == sizeAt(1));
     CHECK(sizeAt(1000) == sizeAt(100));
 
     image->Clear(0x0000FF, 0); // alpha is left out, it doesn't make black
-    REQUIRE(image->SaveJpeg(folder.Name("a.jpg").c_str(), 90, -1));
+    REQUIRE(image->SaveJpeg(NameIn(folder, "a.jpg").c_str(), 90, -1));
     Image loaded(OQCreateImage());
-    REQUIRE(LoadFile(*loaded, folder.Name("a.jpg")));
+    REQUIRE(LoadFile(*loaded, NameIn(folder, "a.jpg")));
     CHECK(IsNear(PixelAt(*loaded, 30, 30), 0xFFFF0000));
 
-    fs::create_directory(folder.path / "folder");
-    CHECK_FALSE(image->SaveJpeg(folder.Name("folder").c_str(), 90, -1));
-    CHECK_FALSE(image->SaveJpeg(folder.Name("missing/a.jpg").c_str(), 90, -1));
+    fs::create_directory(folder / "folder");
+    CHECK_FALSE(image->SaveJpeg(NameIn(folder, "folder").c_str(), 90, -1));
+    CHECK_FALSE(image->SaveJpeg(NameIn(folder, "missing/a.jpg").c_str(), 90, -1));
     CHECK_FALSE(image->SaveJpeg(nullptr, 90, -1));
-    CHECK_FALSE(Image(OQCreateImage())->SaveJpeg(folder.Name("b.jpg").c_str(), 90, -1));
+    CHECK_FALSE(Image(OQCreateImage())->SaveJpeg(NameIn(folder, "b.jpg").c_str(), 90, -1));
     CHECK(folder.Count() == 2);
 }

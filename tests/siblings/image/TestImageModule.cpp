@@ -1,3 +1,4 @@
+#include "SlotOf.h"
 #include "foundation/OQDllString.h"
 #include "foundation/OQStringArray.h"
 #include "siblings/image/ImageTesting.h"
@@ -6,7 +7,6 @@
 #include <chrono>
 #include <cstring>
 #include <elf.h>
-#include <fstream>
 #include <gdk-pixbuf/gdk-pixbuf.h>
 #include <limits>
 #include <string>
@@ -18,34 +18,10 @@ namespace {
 constexpr int32_t kLeast = std::numeric_limits<int32_t>::min();
 constexpr int32_t kMost = std::numeric_limits<int32_t>::max();
 
-// The smallest rectangle round the pixels that aren't `ground`; all 0 if there are none.
-OQRect InkOf(IOQImage& image, uint32_t ground)
-{
-    const OQSize size = image.GetSize();
-    OQRect ink { size.cx, size.cy, 0, 0 };
-    for (int32_t y = 0; y < size.cy; ++y)
-        for (int32_t x = 0; x < size.cx; ++x)
-            if (PixelAt(image, x, y) != ground)
-                ink = { std::min(ink.left, x), std::min(ink.top, y), std::max(ink.right, x + 1),
-                    std::max(ink.bottom, y + 1) };
-    return ink.right ? ink : OQRect {};
-}
-
-// The place of a virtual operation in the table of its class, by the Itanium C++ ABI.
-template <typename Method>
-long SlotOf(Method method)
-{
-    ptrdiff_t words[2] = {};
-    static_assert(sizeof(method) == sizeof(words));
-    std::memcpy(words, &method, sizeof(words));
-    return words[0] / static_cast<long>(sizeof(void*));
-}
-
 // Names of the symbols that a shared library defines for others.
 std::vector<std::string> ExportsOf(const fs::path& path)
 {
-    std::ifstream file(path, std::ios::binary);
-    const std::string bytes(std::istreambuf_iterator<char>(file), {});
+    const std::string bytes = BytesOf(path);
     const auto at = [&]<typename T>(T* out, size_t offset) {
         REQUIRE(offset + sizeof(T) <= bytes.size());
         std::memcpy(out, bytes.data() + offset, sizeof(T));
@@ -363,12 +339,12 @@ TEST_CASE("Threads that own an image each may draw text at once")
 
 TEST_CASE("A PNG reads back as the picture, with its alpha or without")
 {
-    const Folder folder;
+    const TestFolder folder;
     Image image = MakeImage(3, 2);
     for (int i = 0; i < 6; ++i)
         image->GetBits()[i] = 0x10203040u * static_cast<uint32_t>(i + 1);
     for (const bool opaque : { false, true }) {
-        const std::u16string path = folder.Name(opaque ? "b\u00E9.png" : "a.png");
+        const std::u16string path = NameIn(folder, opaque ? "b\u00E9.png" : "a.png");
         REQUIRE(image->SavePng(path.c_str(), opaque));
         GdkPixbuf* read = gdk_pixbuf_new_from_file(fs::path(path).c_str(), nullptr);
         REQUIRE(read);
@@ -393,23 +369,23 @@ TEST_CASE("A PNG reads back as the picture, with its alpha or without")
 
 TEST_CASE("A PNG that can't be written leaves nothing behind and nothing changed")
 {
-    const Folder folder;
+    const TestFolder folder;
     Image image = MakeImage(3, 2);
-    fs::create_directory(folder.path / "taken.png");
-    fs::create_symlink("/dev/full", folder.path / "device.png");
-    CHECK_FALSE(image->SavePng(folder.Name("no folder/a.png").c_str(), true));
-    CHECK_FALSE(image->SavePng(folder.Name("taken.png").c_str(), true));
-    CHECK_FALSE(image->SavePng(folder.Name("device.png").c_str(), true));
+    fs::create_directory(folder / "taken.png");
+    fs::create_symlink("/dev/full", folder / "device.png");
+    CHECK_FALSE(image->SavePng(NameIn(folder, "no folder/a.png").c_str(), true));
+    CHECK_FALSE(image->SavePng(NameIn(folder, "taken.png").c_str(), true));
+    CHECK_FALSE(image->SavePng(NameIn(folder, "device.png").c_str(), true));
     CHECK_FALSE(image->SavePng(u"", true));
     CHECK_FALSE(image->SavePng(nullptr, true));
     CHECK(folder.Count() == 2);
-    CHECK(fs::is_symlink(folder.path / "device.png"));
+    CHECK(fs::is_symlink(folder / "device.png"));
 
     // An existing picture is replaced as a whole.
-    REQUIRE(image->SavePng(folder.Name("a.png").c_str(), true));
-    const auto before = fs::file_size(folder.path / "a.png");
+    REQUIRE(image->SavePng(NameIn(folder, "a.png").c_str(), true));
+    const auto before = fs::file_size(folder / "a.png");
     image->Clear(0x123456, 255);
-    REQUIRE(image->SavePng(folder.Name("a.png").c_str(), false));
-    CHECK(fs::file_size(folder.path / "a.png") != before);
+    REQUIRE(image->SavePng(NameIn(folder, "a.png").c_str(), false));
+    CHECK(fs::file_size(folder / "a.png") != before);
     CHECK(folder.Count() == 3);
 }

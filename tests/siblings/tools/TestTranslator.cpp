@@ -198,8 +198,7 @@ TEST_CASE("Catalogues of both byte orders are read")
 TEST_CASE("No catalogue does harm")
 {
     MovedModule module;
-    std::ifstream file(PXVIS_BINARY_DIR "/locale/de/LC_MESSAGES/pxvis.mo", std::ios::binary);
-    const std::string whole { std::istreambuf_iterator<char>(file), {} };
+    const std::string whole = BytesOf(PXVIS_BINARY_DIR "/locale/de/LC_MESSAGES/pxvis.mo");
     REQUIRE(whole.size() > 500);
     std::mt19937 random(5);
     for (int i = 0; i < 100; ++i) {

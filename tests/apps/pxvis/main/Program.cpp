@@ -1,5 +1,7 @@
 #include "apps/pxvis/main/Program.h"
 
+#include "TestFolder.h"
+
 #include <csignal>
 #include <cstdlib>
 #include <fcntl.h>
@@ -7,7 +9,7 @@
 #include <unistd.h>
 
 Program::Program(
-    const std::vector<std::string>& arguments, const std::string& errors, const std::string& output)
+    const std::vector<std::string>& arguments, const ProgramStreams& streams, Leaks leaks)
     : m_process(-1)
 {
     const std::string path = PXVIS_BINARY_DIR "/bin/pxvis";
@@ -15,12 +17,17 @@ Program::Program(
     for (const std::string& argument : arguments)
         list.push_back(const_cast<char*>(argument.c_str()));
     list.push_back(nullptr);
-    setenv("ASAN_OPTIONS", "detect_leaks=0", 1); // GLib keeps what it has
     m_process = fork();
     if (m_process != 0)
         return;
-    dup2(open(errors.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600), STDERR_FILENO);
-    dup2(open(output.c_str(), O_WRONLY), STDOUT_FILENO);
+    if (leaks == Leaks::Ignored)
+        setenv("ASAN_OPTIONS", "detect_leaks=0", 1);
+    const rlimit noCore { 0, 0 };
+    setrlimit(RLIMIT_CORE, &noCore);
+    constexpr int writing = O_WRONLY | O_CREAT | O_TRUNC;
+    dup2(open(streams.input.c_str(), O_RDONLY | O_CLOEXEC), STDIN_FILENO);
+    dup2(open(streams.output.c_str(), writing | O_CLOEXEC, 0600), STDOUT_FILENO);
+    dup2(open(streams.errors.c_str(), writing | O_CLOEXEC, 0600), STDERR_FILENO);
     execv(path.c_str(), list.data());
     _exit(127);
 }
@@ -40,15 +47,15 @@ void Program::Signal(int signal) const
 
 bool Program::IsRunning()
 {
-    return Wait(0) == -1000;
+    return Wait(0) == Running;
 }
 
 int Program::Wait(double seconds)
 {
     constexpr useconds_t pause = 5000;
-    for (double waited = 0; m_status == -1000; waited += pause * 1e-6) {
+    for (double waited = 0; m_status == Running; waited += pause * 1e-6) {
         int status = 0;
-        if (waitpid(m_process, &status, WNOHANG) == m_process)
+        if (wait4(m_process, &status, WNOHANG, &m_usage) == m_process)
             m_status = WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
         else if (waited >= seconds)
             break;
@@ -56,4 +63,28 @@ int Program::Wait(double seconds)
             usleep(pause);
     }
     return m_status;
+}
+
+static double Seconds(const timeval& time)
+{
+    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6;
+}
+
+ProgramResult RunProgram(const std::vector<std::string>& arguments, const std::string& input)
+{
+    constexpr double patience = 200;
+    const TestFolder streams;
+    streams.Write("input", input);
+    Program program(arguments,
+        { .errors = streams.Path("errors"),
+            .output = streams.Path("output"),
+            .input = streams.Path("input") },
+        Leaks::Found);
+    ProgramResult result;
+    result.status = program.Wait(patience);
+    result.output = streams.Read("output");
+    result.errors = streams.Read("errors");
+    result.processorSeconds = Seconds(program.Usage().ru_utime) + Seconds(program.Usage().ru_stime);
+    result.mostKilobytes = program.Usage().ru_maxrss;
+    return result;
 }

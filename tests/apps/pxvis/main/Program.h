@@ -1,16 +1,32 @@
 #pragma once
 
 #include <string>
+#include <sys/resource.h>
 #include <sys/types.h>
 #include <vector>
 
-// The built program as a child process with a time-out of its own.
+// Files for a program's standard streams.
+struct ProgramStreams
+{
+    std::string errors;
+    std::string output = "/dev/null";
+    std::string input = "/dev/null";
+};
+
+enum class Leaks
+{
+    Ignored, // GStreamer keeps what it has
+    Found, // in builds that look for them
+};
+
+// The built program as a child process.
 class Program
 {
 public:
-    // `errors` gets what it writes to standard error, `output` what it writes to standard output.
-    Program(const std::vector<std::string>& arguments, const std::string& errors,
-        const std::string& output = "/dev/null");
+    static constexpr int Running = -1000;
+
+    Program(const std::vector<std::string>& arguments, const ProgramStreams& streams,
+        Leaks leaks = Leaks::Ignored);
     // Kills what still runs.
     ~Program();
     Program(const Program&) = delete;
@@ -18,12 +34,28 @@ public:
 
     void Signal(int signal) const;
 
-    // The exit status, or minus the signal that ended it; -1000 when it is still running then.
+    // The exit status, or minus the signal that ended it, or Running after that time.
     int Wait(double seconds);
 
     bool IsRunning();
 
+    // What it took, once it has ended.
+    const rusage& Usage() const { return m_usage; }
+
 private:
     pid_t m_process;
-    int m_status = -1000;
+    int m_status = Running;
+    rusage m_usage {};
 };
+
+struct ProgramResult
+{
+    int status = Program::Running;
+    std::string output;
+    std::string errors;
+    double processorSeconds = 0;
+    long mostKilobytes = 0; // of memory at a time
+};
+
+// Runs the program with `input` as its standard input to the end, for some minutes at the most.
+ProgramResult RunProgram(const std::vector<std::string>& arguments, const std::string& input);

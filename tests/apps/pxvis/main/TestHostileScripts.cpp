@@ -1,12 +1,11 @@
-#include "ChildProcess.h"
+#include "TestFolder.h"
+#include "apps/pxvis/main/Program.h"
 
 #include <doctest/doctest.h>
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
 #include <sys/stat.h>
-#include <unistd.h>
 
 // Scripts from strangers, one for each thing that could go wrong, drawn by the program itself as a
 // process of its own: it may neither hang, crash, nor exhaust the machine.
@@ -16,7 +15,6 @@ namespace fs = std::filesystem;
 namespace {
 
 const fs::path hostileFolder = fs::path(PXVIS_SOURCE_DIR) / "tests" / "data" / "hostile";
-const std::string program = PXVIS_BINARY_DIR "/bin/pxvis";
 
 #ifdef __SANITIZE_ADDRESS__
 constexpr double mostSeconds = 20;
@@ -42,11 +40,12 @@ std::string LoudRecord()
     return record + std::string(4, '\0') + std::string(1024, '\xC8');
 }
 
-ChildResult DrawFrame(const fs::path& script)
+ProgramResult DrawFrame(const fs::path& script)
 {
-    const ChildResult result = RunChild({ program, "frames", "--script", script.string(), "--size",
-                                            std::to_string(width) + "x" + std::to_string(height) },
-        LoudRecord());
+    const ProgramResult result
+        = RunProgram({ "frames", "--script", script.string(), "--size",
+                         std::to_string(width) + "x" + std::to_string(height) },
+            LoudRecord());
     CHECK(result.processorSeconds < mostSeconds);
     CHECK(result.mostKilobytes < mostKilobytes);
     return result;
@@ -56,7 +55,7 @@ ChildResult DrawFrame(const fs::path& script)
 void CheckDrawn(const fs::path& script)
 {
     CAPTURE(script.string());
-    const ChildResult result = DrawFrame(script);
+    const ProgramResult result = DrawFrame(script);
     CHECK(result.status == 0);
     CHECK(result.errors == "");
     REQUIRE(result.output.size() == size_t { width } * height * 4);
@@ -70,7 +69,7 @@ void CheckDrawn(const fs::path& script)
 void CheckRefused(const fs::path& script)
 {
     CAPTURE(script.string());
-    const ChildResult result = DrawFrame(script);
+    const ProgramResult result = DrawFrame(script);
     CHECK(result.status == 1);
     CHECK(result.output == "");
     CHECK(result.errors.starts_with("pxvis: " + script.string() + ": "));
@@ -113,43 +112,18 @@ const std::string add = Row("OutputMode", "2");
 // What is seen.
 const std::string bars = Piece(spectrum, Row("BarGravity", "2147483647") + Row("UpScale", "30"));
 
-// A folder with one script, gone at the end.
-class Folder
-{
-public:
-    Folder()
-    {
-        std::string name = (fs::temp_directory_path() / "pxvis-hostile-XXXXXX").string();
-        m_path = mkdtemp(name.data());
-    }
-
-    ~Folder() { fs::remove_all(m_path); }
-
-    Folder(const Folder&) = delete;
-    Folder& operator=(const Folder&) = delete;
-
-    fs::path operator/(const std::string& name) const { return m_path / name; }
-
-    fs::path Write(const std::string& name, const std::string& text) const
-    {
-        std::ofstream(m_path / name, std::ios::binary) << text;
-        return m_path / name;
-    }
-
-private:
-    fs::path m_path;
-};
-
 void CheckDrawn(const std::string& name, const std::string& text)
 {
-    const Folder folder;
-    CheckDrawn(folder.Write(name + ".pxv", text));
+    const TestFolder folder;
+    folder.Write(name + ".pxv", text);
+    CheckDrawn(folder / (name + ".pxv"));
 }
 
 void CheckRefused(const std::string& name, const std::string& text)
 {
-    const Folder folder;
-    CheckRefused(folder.Write(name + ".pxv", text));
+    const TestFolder folder;
+    folder.Write(name + ".pxv", text);
+    CheckRefused(folder / (name + ".pxv"));
 }
 
 }
@@ -178,12 +152,12 @@ TEST_CASE("Files on file that are no scripts are refused with one line")
 
 TEST_CASE("Names that lead to no file of a script's size are refused without waiting")
 {
-    const Folder folder;
+    const TestFolder folder;
     mkfifo((folder / "pipe.pxv").c_str(), 0600);
     fs::create_symlink("loop.pxv", folder / "loop.pxv");
     fs::create_symlink("/dev/zero", folder / "zero.pxv");
     fs::create_directory(folder / "folder.pxv");
-    std::ofstream(folder / "sparse.pxv").close();
+    folder.Write("sparse.pxv", "");
     fs::resize_file(folder / "sparse.pxv", uintmax_t { 1 } << 40);
     for (const char* name : { "pipe", "loop", "zero", "folder", "sparse" })
         CheckRefused(folder / (std::string(name) + ".pxv"));
@@ -255,10 +229,10 @@ TEST_CASE("What a script may keep and compute has an end")
 
 TEST_CASE("Pictures that are no pictures are passed over")
 {
-    const Folder folder;
+    const TestFolder folder;
     mkfifo((folder / "pipe.png").c_str(), 0600);
     fs::create_symlink("loop.png", folder / "loop.png");
-    std::ofstream(folder / "sparse.png").close();
+    folder.Write("sparse.png", "");
     fs::resize_file(folder / "sparse.png", uintmax_t { 1 } << 40);
     // The head of a picture of 50000 x 50000 pixels.
     folder.Write("huge.png",
@@ -269,7 +243,8 @@ TEST_CASE("Pictures that are no pictures are passed over")
         const std::string file = Row("ImageFile", (folder / name).string());
         pieces += Piece(spectrum, Row("DrawSource", "1") + file) + Piece(picture, file);
     }
-    CheckDrawn(folder.Write("image-files.pxv", Script(pieces + bars)));
+    folder.Write("image-files.pxv", Script(pieces + bars));
+    CheckDrawn(folder / "image-files.pxv");
 }
 
 TEST_CASE("Large pictures are not all loaded for one frame")

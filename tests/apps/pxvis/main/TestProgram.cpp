@@ -1,6 +1,6 @@
+#include "TestFolder.h"
 #include "apps/pxvis/main/Program.h"
 #include "apps/pxvis/main/VideoEvents.h"
-#include "host/TestFolder.h"
 
 #include <doctest/doctest.h>
 
@@ -34,7 +34,7 @@ TEST_CASE("The first Ctrl-C ends a render with a whole file, and says where")
         const TestFolder folder;
         const TestFolder messages;
         const std::string video = folder.Path("out." + kind);
-        Program render(Render(video, "320x180"), messages.Path("errors"));
+        Program render(Render(video, "320x180"), { messages.Path("errors") });
         WaitForFile(render, video + ".part");
         render.Signal(SIGINT);
         CHECK(render.Wait(60) == 130);
@@ -52,7 +52,7 @@ TEST_CASE("Numbered pictures that Ctrl-C leaves are whole")
 {
     const TestFolder folder;
     const TestFolder messages;
-    Program render(Render(folder.Path("%04d.png"), "320x180"), messages.Path("errors"));
+    Program render(Render(folder.Path("%04d.png"), "320x180"), { messages.Path("errors") });
     WaitForFile(render, folder.Path("0003.png"));
     render.Signal(SIGINT);
     CHECK(render.Wait(60) == 130);
@@ -68,7 +68,7 @@ TEST_CASE("The second Ctrl-C leaves nothing")
     const TestFolder folder;
     const TestFolder messages;
     const std::string video = folder.Path("out.mp4");
-    Program render(Render(video, "1920x1080"), messages.Path("errors"));
+    Program render(Render(video, "1920x1080"), { messages.Path("errors") });
     WaitForFile(render, video + ".part");
     render.Signal(SIGINT);
     usleep(20000); // two at once count as one
@@ -84,9 +84,9 @@ TEST_CASE("What a killed render left is in nobody's way")
     const std::string video = folder.Path("out.mp4");
     auto options = Render(video, "64x36");
     {
-        Program render(options, messages.Path("errors"));
+        Program render(options, { messages.Path("errors") });
         WaitForFile(render, video + ".part");
-        Program second(options, messages.Path("errors2"));
+        Program second(options, { messages.Path("errors2") });
         CHECK(second.Wait(60) == 1);
         CHECK(
             messages.Read("errors2").find("being written by another process") != std::string::npos);
@@ -95,7 +95,7 @@ TEST_CASE("What a killed render left is in nobody's way")
     }
     CHECK(folder.Names() == "out.mp4.part ");
     options.insert(options.end(), { "--to", "0.5" });
-    Program render(options, messages.Path("errors"));
+    Program render(options, { messages.Path("errors") });
     CHECK(render.Wait(60) == 0);
     CHECK(folder.Names() == "out.mp4 ");
 }
@@ -106,7 +106,7 @@ TEST_CASE("A reader that goes away ends what is written for it, in silence")
     const std::string pipe = folder.Path("pipe");
     REQUIRE(mkfifo(pipe.c_str(), 0600) == 0);
     const int reader = open(pipe.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
-    Program analyze({ "analyze", song }, folder.Path("errors"), pipe);
+    Program analyze({ "analyze", song }, { folder.Path("errors"), pipe });
     char byte = 0;
     for (int i = 0; i < 2000 && analyze.IsRunning() && read(reader, &byte, 1) != 1; ++i)
         usleep(10000);

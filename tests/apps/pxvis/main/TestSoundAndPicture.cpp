@@ -1,6 +1,6 @@
+#include "TestFolder.h"
 #include "apps/pxvis/main/Program.h"
 #include "apps/pxvis/main/VideoEvents.h"
-#include "host/TestFolder.h"
 
 #include <doctest/doctest.h>
 
@@ -71,7 +71,7 @@ void CheckTogether(const std::string& kind, uint32_t seconds, std::vector<std::s
     options.insert(options.begin(),
         { "render", folder.Path("song.wav"), "-o", video, "--script", folder.Path("flash.pxv"),
             "--size", "64x36", "--encode", "draft" });
-    Program render(options, folder.Path("errors"));
+    Program render(options, { folder.Path("errors") });
     REQUIRE_MESSAGE(render.Wait(250) == 0, folder.Read("errors"));
 
     const VideoEvents events(video);

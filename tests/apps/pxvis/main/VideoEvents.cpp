@@ -1,14 +1,11 @@
 #include "apps/pxvis/main/VideoEvents.h"
 
-#include "host/GStreamer.h"
+#include "host/VideoPipeline.h"
 
 #include <algorithm>
 #include <cmath>
-#include <gst/app/gstappsink.h>
 #include <gst/audio/audio.h>
 #include <gst/video/video.h>
-
-using namespace pxvis::host;
 
 namespace {
 
@@ -36,11 +33,9 @@ private:
     double m_lastOn = -1;
 };
 
-double TimeOf(GstSample* sample)
+double SecondsOf(GstSample* sample)
 {
-    return static_cast<double>(gst_segment_to_stream_time(gst_sample_get_segment(sample),
-               GST_FORMAT_TIME, GST_BUFFER_PTS(gst_sample_get_buffer(sample))))
-        / GST_SECOND;
+    return static_cast<double>(VideoPipeline::TimeOf(sample)) / GST_SECOND;
 }
 
 // Of the brightest pixel, 16 to 235.
@@ -66,59 +61,28 @@ int Brightness(GstSample* sample)
 
 VideoEvents::VideoEvents(const std::string& path)
 {
-    if (!InitializeGStreamer(fault))
-        return;
-    const bool webm = path.ends_with(".webm");
-    // What one stream is ahead of the other waits as it is encoded.
-    const char* const queue = "queue max-size-buffers=0 max-size-bytes=0 max-size-time=0";
-    const std::string line = "filesrc location=" + path + " ! "
-        + (webm ? "matroskademux" : "qtdemux") + " name=demux demux.video_0 ! " + queue
-        + (webm ? " ! vp9dec" : " ! avdec_h264")
-        + " ! appsink name=pictures sync=false max-buffers=8 demux.audio_0 ! " + queue
-        + " ! decodebin ! audioconvert ! audio/x-raw,format=F32LE,channels=1 !"
-          " appsink name=sound sync=false max-buffers=8";
-    GError* raw = nullptr;
-    const GstHolder<GstElement> pipeline(gst_parse_launch(line.c_str(), &raw));
-    if (raw) {
-        fault = GstHolder<GError>(raw)->message;
-        return;
-    }
-    const auto sink = [&](const char* name) {
-        return GstHolder<GstElement>(gst_bin_get_by_name(GST_BIN(pipeline.get()), name));
-    };
-    const auto pictureSink = sink("pictures");
-    const auto soundSink = sink("sound");
-    gst_element_set_state(pipeline.get(), GST_STATE_PLAYING);
-    const auto pull = [](GstElement* from) {
-        return GstHolder<GstSample>(
-            gst_app_sink_try_pull_sample(GST_APP_SINK(from), 20 * GST_SECOND));
-    };
-
+    VideoPipeline pipeline(path);
     Onsets flash(flashes);
-    while (const auto sample = pull(pictureSink.get())) {
+    while (const auto sample = pipeline.NextPicture()) {
         ++pictures;
-        flash.Add(TimeOf(sample.get()), Brightness(sample.get()) > 100);
+        flash.Add(SecondsOf(sample.get()), Brightness(sample.get()) > 100);
     }
     Onsets click(clicks);
-    while (const auto sample = pull(soundSink.get())) {
+    while (const auto sample = pipeline.NextSound()) {
         GstMapInfo map;
         GstAudioInfo info;
         if (!gst_audio_info_from_caps(&info, gst_sample_get_caps(sample.get()))
             || !gst_buffer_map(gst_sample_get_buffer(sample.get()), &map, GST_MAP_READ))
             break;
-        const double begin = TimeOf(sample.get());
+        const double begin = SecondsOf(sample.get());
         const auto* samples = reinterpret_cast<const float*>(map.data);
-        const size_t count = map.size / sizeof(float);
+        const auto channels = static_cast<size_t>(info.channels);
+        const size_t count = map.size / sizeof(float) / channels;
         for (size_t i = 0; i < count; ++i)
-            click.Add(begin + static_cast<double>(i) / info.rate, std::fabs(samples[i]) > 0.2f);
+            click.Add(begin + static_cast<double>(i) / info.rate,
+                std::fabs(samples[i * channels]) > 0.2f);
         soundEnd = begin + static_cast<double>(count) / info.rate;
         gst_buffer_unmap(gst_sample_get_buffer(sample.get()), &map);
     }
-    const GstHolder<GstBus> bus(gst_element_get_bus(pipeline.get()));
-    if (GstMessage* message = gst_bus_pop_filtered(bus.get(), GST_MESSAGE_ERROR)) {
-        const GstHolder<GstMessage> holder(message);
-        gst_message_parse_error(message, &raw, nullptr);
-        fault = GstHolder<GError>(raw)->message;
-    }
-    gst_element_set_state(pipeline.get(), GST_STATE_NULL);
+    fault = pipeline.Fault();
 }

@@ -1,15 +1,19 @@
 #pragma once
 
-#include <sys/resource.h>
-
 #include <algorithm>
-#include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <string>
 #include <vector>
+
+// Empty if there is no such file.
+inline std::string BytesOf(const std::filesystem::path& path)
+{
+    std::ifstream file(path, std::ios::binary);
+    return { std::istreambuf_iterator<char>(file), {} };
+}
 
 // A folder of its own for a test, gone afterwards.
 class TestFolder
@@ -32,6 +36,8 @@ public:
 
     std::string Path(const std::string& name) const { return m_path + "/" + name; }
 
+    std::filesystem::path operator/(const std::string& name) const { return Path(name); }
+
     // All names, sorted, each with a space behind it.
     std::string Names() const
     {
@@ -45,43 +51,18 @@ public:
         return all;
     }
 
-    void Write(const std::string& name, const std::string& content) const
+    int Count() const
+    {
+        return static_cast<int>(std::distance(std::filesystem::directory_iterator(m_path), {}));
+    }
+
+    void Write(const std::string& name, std::string_view content) const
     {
         std::ofstream(Path(name), std::ios::binary) << content;
     }
 
-    std::string Read(const std::string& name) const
-    {
-        std::ifstream file(Path(name), std::ios::binary);
-        return { std::istreambuf_iterator<char>(file), {} };
-    }
+    std::string Read(const std::string& name) const { return BytesOf(Path(name)); }
 
 private:
     std::string m_path;
-};
-
-// Stands in for a full disk: writes beyond the limit fail.
-class FileSizeLimit
-{
-public:
-    explicit FileSizeLimit(rlim_t bytes)
-    {
-        m_handler = std::signal(SIGXFSZ, SIG_IGN);
-        getrlimit(RLIMIT_FSIZE, &m_before);
-        const rlimit limited = { bytes, m_before.rlim_max };
-        setrlimit(RLIMIT_FSIZE, &limited);
-    }
-
-    ~FileSizeLimit()
-    {
-        setrlimit(RLIMIT_FSIZE, &m_before);
-        std::signal(SIGXFSZ, m_handler);
-    }
-
-    FileSizeLimit(const FileSizeLimit&) = delete;
-    FileSizeLimit& operator=(const FileSizeLimit&) = delete;
-
-private:
-    rlimit m_before = {};
-    void (*m_handler)(int) = nullptr;
 };
