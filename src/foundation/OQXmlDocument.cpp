@@ -377,14 +377,17 @@ bool OQXmlDocument::SetAttrib(const OQChar* name, const OQChar* value)
     const std::u16string_view tag = AttributesOf(m_element);
     OQXmlAttributes attributes(tag);
     bool found = false;
-    while (!found && attributes.Next())
+    bool valueMissing = false; // as in <a b=>
+    while (!found && attributes.Next()) {
         found = SameName(attributes.GetName(), name);
+        valueMissing = attributes.LacksValue();
+    }
     size_t start = found ? attributes.GetStart() : tag.size();
     while (!found && OQIsXmlSpace(tag[start - 1]))
         --start;
     const size_t end = found ? attributes.GetEnd() : start;
     if (!found)
-        attribute = u' ' + attribute;
+        attribute = (valueMissing ? u"\"\" " : u" ") + attribute;
     OQXmlElement& record = m_elements[m_element];
     const int tagLength = StartTagLength(m_element);
     const int distance = EditText(

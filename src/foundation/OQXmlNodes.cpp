@@ -34,8 +34,9 @@ bool OQXmlDocument::FindNode()
         : before != 0               ? m_elements[before].End()
         : m_parent != 0             ? ContentStart(m_parent)
                                     : 0;
-    const int to = m_parent != 0 ? ContentEnd(m_parent) : m_text.GetLength();
-    OQXmlTokenizer tokenizer(m_text.View(), from, to);
+    // The end tag of the parent, which is no node, ends the search as well as its start would, and
+    // that would have to be looked for each time where the tag is long.
+    OQXmlTokenizer tokenizer(m_text.View(), from, m_elements[m_parent].End());
     OQXmlToken token = tokenizer.Next();
     // End tags of nothing, and tags that the text ends in, are no nodes.
     while (!IsNode(token)

@@ -191,7 +191,8 @@ bool OQXmlAttributes::Next()
 void OQXmlAttributes::ReadValue()
 {
     m_valueStart = m_position;
-    if (m_position == m_text.size())
+    m_valueMissing = m_position == m_text.size();
+    if (m_valueMissing)
         return;
     const OQChar quote = m_text[m_position];
     if (quote == u'"' || quote == u'\'') {

@@ -97,6 +97,9 @@ public:
     // Without the quotes; entities as they stand. Empty without one.
     std::u16string_view GetValue() const { return m_text.substr(m_valueStart, m_valueLength); }
 
+    // The tag ends behind the "=": what is written there would be taken for the value.
+    bool LacksValue() const { return m_valueMissing; }
+
     // The whole attribute, in the text that the constructor was given.
     size_t GetStart() const { return m_nameStart; }
 
@@ -112,4 +115,5 @@ private:
     size_t m_nameLength = 0;
     size_t m_valueStart = 0;
     size_t m_valueLength = 0;
+    bool m_valueMissing = false;
 };

@@ -184,6 +184,21 @@ TEST_CASE("Attributes in every form")
     CHECK(document.GetAttrib(u"b") == u"c='x'");
 }
 
+TEST_CASE("A new attribute isn't taken for the value that the last one lacks")
+{
+    OQXmlDocument document;
+    for (const OQChar* text : { u"<a b=/>", u"<a b = >x</a>", u"<a b==/>", u"<a b=''/>" }) {
+        CAPTURE(text);
+        document.SetDocument(text);
+        document.FindElem();
+        const OQString before = document.GetAttrib(u"b");
+        CHECK(document.SetAttrib(u"c", u"y"));
+        CHECK(document.GetAttrib(u"c") == u"y");
+        CHECK(document.GetAttrib(u"b") == before);
+    }
+    CHECK(document.GetDoc() == u"<a b='' c=\"y\"/>");
+}
+
 TEST_CASE("A document is written with every element on a line of its own")
 {
     OQXmlDocument document;

@@ -2,6 +2,9 @@
 
 #include "foundation/StringPrinting.h"
 
+#include <chrono>
+#include <string>
+
 namespace {
 
 // The names of all nodes at the position, each with "," behind it.
@@ -87,4 +90,23 @@ TEST_CASE("Levels count from the root, also behind elements that aren't ended")
     document.IntoElem();
     document.AddChildElem(u"b");
     CHECK(levels(document) == u"r1a2b3");
+}
+
+TEST_CASE("A long end tag doesn't hold up each step from node to node")
+{
+    constexpr int count = 50000;
+    std::u16string text = u"<r>";
+    for (int i = 0; i < count; ++i)
+        text += u"<!---->";
+    text += u"</r" + std::u16string(2000, u' ') + u">";
+    OQXmlDocument document;
+    REQUIRE(document.SetDocument(text.c_str()));
+    document.FindElem();
+    document.IntoElem();
+    const auto start = std::chrono::steady_clock::now();
+    int found = 0;
+    while (document.FindNode())
+        ++found;
+    CHECK(found == count);
+    CHECK(std::chrono::steady_clock::now() - start < std::chrono::seconds(20));
 }
