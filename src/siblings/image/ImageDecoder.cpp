@@ -48,11 +48,32 @@ void OnSizeKnown(GdkPixbufLoader* loader, gint width, gint height, gpointer data
     }
 }
 
-bool Write(GdkPixbufLoader* loader, std::string_view bytes)
+struct LowestRow
 {
-    return bytes.empty()
-        || gdk_pixbuf_loader_write(
-            loader, reinterpret_cast<const guchar*>(bytes.data()), bytes.size(), nullptr);
+    int32_t seen = 0; // one below it
+};
+
+void OnPixelsMade(GdkPixbufLoader* loader, gpointer)
+{
+    gdk_pixbuf_fill(gdk_pixbuf_loader_get_pixbuf(loader), 0);
+}
+
+void OnPixelsDecoded(GdkPixbufLoader*, gint, gint y, gint, gint height, gpointer data)
+{
+    auto& lowest = *static_cast<LowestRow*>(data);
+    lowest.seen = std::max(lowest.seen, y + height);
+}
+
+bool Write(GdkPixbufLoader* loader, std::string_view bytes, size_t pieceSize)
+{
+    bool good = true;
+    while (good && !bytes.empty()) {
+        const std::string_view piece = bytes.substr(0, pieceSize);
+        good = gdk_pixbuf_loader_write(
+            loader, reinterpret_cast<const guchar*>(piece.data()), piece.size(), nullptr);
+        bytes.remove_prefix(piece.size());
+    }
+    return good;
 }
 
 bool IsUsual(GdkPixbuf* pixbuf)
@@ -80,14 +101,26 @@ Pixbuf Decode(std::string_view bytes, int32_t enough, int64_t& pixels)
         gdk_pixbuf_loader_new_with_type(file.decoder, nullptr));
     if (!loader)
         return nullptr;
-    Demand demand { file.scans, enough, enough > 0 && std::string_view(file.decoder) == "jpeg",
-        pixels };
+    const std::string_view decoder = file.decoder;
+    Demand demand { file.scans, enough, enough > 0 && decoder == "jpeg", pixels };
     g_signal_connect(loader.get(), "size-prepared", G_CALLBACK(&OnSizeKnown), &demand);
-    bool good = Write(loader.get(), file.head);
+    // A PNG may be whole as a file and hold too few rows: its decoder says nothing and leaves in
+    // the others what the memory happened to hold.
+    LowestRow lowest;
+    if (decoder == "png") {
+        g_signal_connect(loader.get(), "area-prepared", G_CALLBACK(&OnPixelsMade), nullptr);
+        g_signal_connect(loader.get(), "area-updated", G_CALLBACK(&OnPixelsDecoded), &lowest);
+    }
+    // With each block, of which a byte is enough, that of GIF moves all that it has been given and
+    // not yet used.
+    const size_t pieceSize = decoder == "gif" ? 512 : std::string_view::npos;
+    bool good = Write(loader.get(), file.head, pieceSize);
     for (size_t i = 0; good && i < file.parts.size(); ++i)
-        good = Write(loader.get(), file.parts[i]);
+        good = Write(loader.get(), file.parts[i], pieceSize);
     good = gdk_pixbuf_loader_close(loader.get(), nullptr) && good;
     GdkPixbuf* pixbuf = good ? gdk_pixbuf_loader_get_pixbuf(loader.get()) : nullptr;
+    if (pixbuf && decoder == "png" && lowest.seen < gdk_pixbuf_get_height(pixbuf))
+        return nullptr;
     return Pixbuf(pixbuf && IsUsual(pixbuf) ? GDK_PIXBUF(g_object_ref(pixbuf)) : nullptr);
 }
 

@@ -9,6 +9,8 @@ namespace pxvis::image {
 
 namespace {
 
+constexpr std::string_view kPngSignature = "\x89PNG\r\n\x1A\n";
+
 // Reads numbers of a file; past its end all bytes are 0.
 class Bytes
 {
@@ -63,10 +65,14 @@ bool TakeAll(std::string_view bytes, PictureFile& file)
 
 bool ExaminePng(std::string_view bytes, PictureFile& file)
 {
-    constexpr size_t signature = 8;
+    constexpr size_t signature = kPngSignature.size();
     constexpr size_t frame = 12; // of a chunk: length, name, checksum
-    AddPart(file, bytes.substr(0, signature));
     const Bytes numbers(bytes);
+    // Told that a picture is too large, the decoder would still unpack all of it.
+    if (bytes.size() < signature + frame || bytes.substr(signature + 4, 4) != "IHDR"
+        || !IsAllowedSize(numbers.Big32(signature + 8), numbers.Big32(signature + 12)))
+        return false;
+    AddPart(file, bytes.substr(0, signature));
     for (size_t at = signature; bytes.size() - at >= frame;) {
         const size_t length = frame + size_t { numbers.Big32(at) };
         if (length > bytes.size() - at)
@@ -157,17 +163,31 @@ bool ExamineBmp(std::string_view bytes, PictureFile& file)
     return (isPacked || static_cast<int64_t>(bytes.size()) >= needed) && TakeAll(bytes, file);
 }
 
-// A list of pictures, of which the decoder takes one.
+// A list of pictures, of which the decoder takes one, but none that is a PNG, as the largest one
+// usually is.
 bool ExamineIco(std::string_view bytes, PictureFile& file)
 {
     const Bytes numbers(bytes);
     const uint32_t count = numbers.Little16(4);
+    const auto side = [&](size_t at) { return numbers.Byte(at) == 0 ? 256 : numbers.Byte(at); };
+    std::string_view largest;
+    uint32_t largestArea = 0;
     for (uint32_t i = 0; i < count; ++i) {
         const size_t entry = 6 + size_t { 16 } * i;
-        if (uint64_t { numbers.Little32(entry + 8) } + numbers.Little32(entry + 12) > bytes.size())
+        const uint64_t length = numbers.Little32(entry + 8);
+        const uint64_t offset = numbers.Little32(entry + 12);
+        if (length + offset > bytes.size())
             return false;
+        const uint32_t area = side(entry) * side(entry + 1);
+        if (area > largestArea) {
+            largestArea = area;
+            largest = bytes.substr(offset, length);
+        }
     }
-    return TakeAll(bytes, file);
+    if (!largest.starts_with(kPngSignature))
+        return TakeAll(bytes, file);
+    file.decoder = "png";
+    return ExaminePng(largest, file);
 }
 
 // The first frame of an animation as a picture of its own: the decoder would make room for the
@@ -240,7 +260,7 @@ bool Examine(std::string_view bytes, PictureFile& file)
         const char* decoder;
         bool (*examine)(std::string_view bytes, PictureFile& file);
     } formats[] = {
-        { "\x89PNG\r\n\x1A\n"sv, "png", &ExaminePng },
+        { kPngSignature, "png", &ExaminePng },
         { "\xFF\xD8\xFF"sv, "jpeg", &ExamineJpeg },
         { "GIF87a"sv, "gif", &ExamineGif },
         { "GIF89a"sv, "gif", &ExamineGif },

@@ -7,9 +7,39 @@
 #include "os/Folder.h"
 #include "os/UserFolders.h"
 
+#include <string_view>
 #include <unistd.h>
 
 namespace pxvis::tools {
+
+namespace {
+
+// Line by line, so that a byte that was damaged spoils one element and not how all are read. What
+// isn't UTF-8 is windows-1252; false if there is any, or a zero.
+bool ReadText(std::string_view bytes, OQString& text)
+{
+    int markLength = 0;
+    const OQTextEncoding encoding = OQDetectEncoding(bytes, markLength);
+    if (bytes.starts_with("\xFF\xFE") || bytes.starts_with("\xFE\xFF")) {
+        text = OQBytesToText(bytes, encoding);
+        return true;
+    }
+    bytes.remove_prefix(static_cast<size_t>(markLength));
+    bool isWhole = true;
+    while (!bytes.empty()) {
+        const size_t end = bytes.find('\n');
+        const std::string_view line
+            = bytes.substr(0, end == std::string_view::npos ? end : end + 1);
+        const OQString utf8 = OQString::FromUtf8(line);
+        const bool isUtf8 = utf8.ToUtf8() == line && line.find('\0') == std::string_view::npos;
+        text += isUtf8 ? utf8 : OQBytesToText(line, OQTextEncoding::CodePage);
+        isWhole = isWhole && isUtf8;
+        bytes.remove_prefix(line.size());
+    }
+    return isWhole;
+}
+
+}
 
 SettingsFile::SettingsFile(Place place, IOQLog& log)
     : m_place(std::move(place))
@@ -33,8 +63,11 @@ SettingsFile::Contents SettingsFile::Load()
     const OQChar* complaint = u"";
     switch (error) {
     case os::FileError::None:
-        if (!contents.bytes.empty())
-            contents.isWhole = contents.document->Load(OQBytesToText(contents.bytes));
+        if (!contents.bytes.empty()) {
+            OQString text;
+            contents.isWhole = ReadText(contents.bytes, text);
+            contents.isWhole = contents.document->Load(text) && contents.isWhole;
+        }
         if (!contents.isWhole)
             complaint = u"%s is damaged; what can be read of it is used";
         break;

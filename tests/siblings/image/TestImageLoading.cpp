@@ -353,6 +353,47 @@ TEST_CASE("What a PNG holds beside its picture is not unpacked")
     CHECK(Corners(*image) == "bgrw");
 }
 
+TEST_CASE("A PNG with fewer rows than it promises is refused")
+{
+    std::string png = Encoded("png");
+    constexpr size_t header = 8 + 4; // its name and fields, which the checksum is of
+    png.replace(header + 8, 4, Big(48, 4));
+    uint32_t checksum = ~0u;
+    for (const char byte : png.substr(header, 17)) {
+        checksum ^= static_cast<uint8_t>(byte);
+        for (int bit = 0; bit < 8; ++bit)
+            checksum = checksum >> 1 ^ (checksum & 1 ? 0xEDB88320 : 0);
+    }
+    png.replace(header + 17, 4, Big(~checksum, 4));
+    CHECK_FALSE(LoadBytes(*Image(OQCreateImage()), png));
+}
+
+TEST_CASE("The largest picture of an icon may be a PNG")
+{
+    const std::string small = Encoded("ico").substr(22);
+    const std::string png = Encoded("png");
+    const std::string icon = Little(0x10000, 4) + Little(2, 2) + "\x30\x20\0\0\1\0\x20\0"s
+        + Little(small.size(), 4) + Little(38, 4) + "\0\0\0\0\1\0\x20\0"s + Little(png.size(), 4)
+        + Little(38 + small.size(), 4) + small + png;
+    Image image(OQCreateImage());
+    REQUIRE(LoadBytes(*image, icon));
+    CHECK(Corners(*image) == "bgrw");
+    CHECK_FALSE(LoadBytes(*image, std::string_view(icon).substr(0, icon.size() - 1)));
+}
+
+TEST_CASE("A GIF of very many blocks is loaded as fast as one of few")
+{
+    std::string blocks;
+    for (int i = 0; i < 1'000'000; ++i)
+        blocks += "!\xFE\1a\0"s;
+    std::string frame = GifFrame(2, 2);
+    CHECK(LoadBytes(*Image(OQCreateImage()), SmallGif(blocks + frame)));
+    frame.pop_back();
+    for (int i = 0; i < 1'000'000; ++i)
+        frame += "\1\0"s;
+    CHECK(LoadBytes(*Image(OQCreateImage()), SmallGif(frame + '\0')));
+}
+
 TEST_CASE("A JPEG is refused when its scans go over too many pixels in all")
 {
     const std::string small = Encoded("jpeg");

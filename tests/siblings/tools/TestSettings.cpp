@@ -188,6 +188,23 @@ TEST_CASE("A damaged file loses one element and is kept as it was")
     }
 }
 
+TEST_CASE("A byte that no text has spoils its own value alone")
+{
+    const std::string other = "\u00E4 \u65E5";
+    for (const char byte : { '\0', '\xFF', '\xC3' }) {
+        TestTools tools;
+        tools.Key(u"K")->SetString(u"a", u"?");
+        tools.Key(u"K")->SetString(u"b", OQString::FromUtf8(other).GetText());
+        std::string bytes = tools.folder.Read(kUserFile);
+        bytes[bytes.find('?')] = byte;
+        tools.folder.Write(kUserFile, bytes);
+        CHECK(ValueOf(*tools.Key(u"K"), u"b") == other);
+        CHECK(tools.Key(u"L")->SetInt(u"c", 1));
+        CHECK(ValueOf(*tools.Key(u"K"), u"b") == other);
+        CHECK(tools.folder.Read(kUserFile + ".damaged-1") == bytes);
+    }
+}
+
 TEST_CASE("Copies of damaged files are few, and reading alone makes none")
 {
     TestTools tools;
