@@ -249,15 +249,14 @@ TEST_CASE("Pictures that are no pictures are passed over")
 
 TEST_CASE("Large pictures are not all loaded for one frame")
 {
-    const Folder folder;
+    const TestFolder folder;
     // 6000 x 6000 pixels of one bit, all of them 0.
     const std::string head(
         "BM\0\0\0\0\0\0\0\0\x3E\0\0\0\x28\0\0\0\x70\x17\0\0\x70\x17\0\0\1\0\1\0", 30);
-    const std::string file
-        = folder.Write("large.bmp", head + std::string(24 + 8 + 752 * 6000, '\0'));
-    CheckDrawn(folder.Write("pictures-large-40.pxv",
-        Script(
-            bars + Repeat(Piece(spectrum, Row("DrawSource", "1") + Row("ImageFile", file)), 40))));
+    folder.Write("large.bmp", head + std::string(24 + 8 + 752 * 6000, '\0'));
+    const std::string file = Row("ImageFile", (folder / "large.bmp").string());
+    CheckDrawn("pictures-large-40",
+        Script(bars + Repeat(Piece(spectrum, Row("DrawSource", "1") + file), 40)));
 }
 
 TEST_CASE("Floods of XML are read in time")
