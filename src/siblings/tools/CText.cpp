@@ -34,6 +34,11 @@ int32_t CompareUnits(View a, View b, bool ignoreCase)
     return a.size() < b.size() ? -1 : a.size() > b.size() ? 1 : 0;
 }
 
+bool SameUnit(OQChar a, OQChar b, bool ignoreCase)
+{
+    return a == b || (ignoreCase && OQToLower(a) == OQToLower(b));
+}
+
 // Cuts a run of digits off the front: what stands behind its zeros.
 View TakeNumber(View& text, size_t& zeros)
 {
@@ -113,15 +118,23 @@ int32_t CText::Compare(
     return Comparison(numbers != 0).Run(first, second, ignoreCase);
 }
 
+// Looks no further than to the hit, as a long text is searched from each hit on.
 int32_t CText::Find(const OQChar* text, const OQChar* needle, int32_t flags) const
 {
-    const View where = ViewOf(text, -1);
-    const View what = ViewOf(needle, -1);
-    if (what.empty())
+    if (!text || !needle || !*needle)
         return -1;
-    const auto found = flags & OQTextIgnoreCase
-        ? std::search(where.begin(), where.end(), what.begin(), what.end(),
-            [](OQChar x, OQChar y) { return OQToLower(x) == OQToLower(y); })
-        : std::search(where.begin(), where.end(), what.begin(), what.end());
-    return found == where.end() ? -1 : static_cast<int32_t>(found - where.begin());
+    const bool ignoreCase = flags & OQTextIgnoreCase;
+    for (const OQChar* start = text; *start; ++start) {
+        const OQChar* at = start;
+        const OQChar* wanted = needle;
+        while (*wanted && SameUnit(*at, *wanted, ignoreCase)) { // a zero in the text ends it, too
+            ++at;
+            ++wanted;
+        }
+        if (!*wanted)
+            return static_cast<int32_t>(start - text);
+        if (!*at) // the rest is shorter than the needle
+            return -1;
+    }
+    return -1;
 }

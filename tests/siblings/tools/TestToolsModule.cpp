@@ -1,8 +1,10 @@
 #include "os/DynamicLibrary.h"
 #include "siblings/tools/ToolsTesting.h"
 
+#include <chrono>
 #include <filesystem>
 #include <random>
+#include <string>
 
 namespace fs = std::filesystem;
 
@@ -157,6 +159,16 @@ TEST_CASE("A search gives the first place, with or without regard to case")
     CHECK(text.Find(u"abc", u"", 3) == -1);
     CHECK(text.Find(nullptr, u"a", 3) == -1);
     CHECK(text.Find(u"abc", nullptr, 3) == -1);
+    CHECK(text.Find(u"", u"a", 3) == -1);
+
+    // Each search ends at its hit: a long text is searched from every one.
+    const std::u16string many(100000, u'A');
+    const auto start = std::chrono::steady_clock::now();
+    size_t hits = 0;
+    for (const OQChar* at = many.c_str(); text.Find(at, u"a", 3) == 0; ++at)
+        ++hits;
+    CHECK(hits == many.size());
+    CHECK(std::chrono::steady_clock::now() - start < std::chrono::seconds(5));
 }
 
 TEST_CASE("The theme has its colours, the product's name and the user's folder")
