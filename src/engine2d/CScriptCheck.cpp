@@ -8,6 +8,7 @@
 #include "engine2d/VisPresets.h"
 #include "engine2d/VisRowCheck.h"
 #include "foundation/OQNumberText.h"
+#include "foundation/OQXmlTokenizer.h"
 
 #include <algorithm>
 #include <set>
@@ -81,6 +82,9 @@ std::vector<CScriptFinding> CScriptCheck::Check(const OQString& text)
     // What stands behind a fault is anyone's guess until that is mended.
     if (!m_document.SetDocument(text)) {
         AddXmlFault();
+        CheckQuotes(text);
+    } else if (!CheckQuotes(text)) {
+        // Told.
     } else if (FindRoot()) {
         const int32_t root = m_document.GetOffset();
         m_size = { usualWidth, usualHeight };
@@ -138,7 +142,45 @@ void CScriptCheck::AddXmlFault()
     for (int32_t at = error.Find(mark); at >= 0; at = error.Find(mark, at + 1))
         offset = OQTextToInt(error.GetText() + at + mark.GetLength());
     Add(std::clamp(offset, 0, m_document.GetDoc().GetLength()), {},
-        u"not well formed XML: " + error);
+        u"not well formed XML: " + error
+            + (error.StartsWith(u"Incorrect tag name")
+                    ? u"; in an equation write &lt; for \"<\" and &amp; for \"&\""
+                    : u""));
+}
+
+// A forgotten quote makes a tag swallow what follows up to the next one: still well formed, but
+// what is swallowed is not read. False if the rest can't be trusted.
+bool CScriptCheck::CheckQuotes(const OQString& text)
+{
+    const std::u16string_view view = text.View();
+    OQXmlTokenizer tokenizer(view, 0, text.GetLength());
+    bool good = true;
+    for (OQXmlToken token = tokenizer.Next(); good && token.kind != OQXmlTokenKind::End;
+         token = tokenizer.Next()) {
+        if (token.kind != OQXmlTokenKind::StartTag)
+            continue;
+        const std::u16string_view tag
+            = view.substr(static_cast<size_t>(token.start), static_cast<size_t>(token.length));
+        const std::u16string_view inside
+            = tag.substr(1, tag.size() - (tag.ends_with(u"/>") ? 3 : 2));
+        OQXmlAttributes attributes(inside);
+        while (good && attributes.Next()) {
+            const std::u16string_view value = attributes.GetValue();
+            const auto offset = token.start + 1 + static_cast<int32_t>(attributes.GetStart());
+            const std::u16string_view name = attributes.GetName();
+            const OQString quoted
+                = QuoteForMessage(OQString(name.data(), static_cast<int>(name.size())));
+            good = value.find_first_of(u"<\n") == std::u16string_view::npos;
+            if (!good)
+                Add(offset, {},
+                    u"the attribute " + quoted
+                        + u" goes over a \"<\" or a line end: is a quote missing?");
+            else if (const OQChar last = inside[attributes.GetEnd() - 1];
+                     last != u'"' && last != u'\'')
+                Add(offset, {}, u"the attribute " + quoted + u" has no value in quotes");
+        }
+    }
+    return good;
 }
 
 bool CScriptCheck::FindRoot()

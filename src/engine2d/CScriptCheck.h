@@ -42,6 +42,7 @@ private:
     void Add(int32_t offset, const OQString& component, const OQString& message);
     void Add(CScriptFinding finding, int32_t offset);
     void AddXmlFault();
+    bool CheckQuotes(const OQString& text);
     bool FindRoot();
     void CheckPieces(const OQString& layer);
     void CheckStray(const OQString& around, bool behindProperties);

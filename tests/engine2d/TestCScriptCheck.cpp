@@ -192,3 +192,26 @@ TEST_CASE("What is past a limit is told once, with the limit")
     CHECK(many.size() == CScriptCheck::mostFindings + 1);
     CHECK(Tells(many.back(), u"99000 more"));
 }
+
+TEST_CASE("Forgotten quotes are found where they are")
+{
+    const auto unclosed
+        = CheckText("<PXV Version=\"1.0\">\n<Component GUID=\"x\" Name=\"Transform>\n"
+                    "<Properties/></Component>\n<Layer Name=\"\"/></PXV>");
+    REQUIRE(!unclosed.empty());
+    CHECK(unclosed[0].line == 2);
+    CHECK(unclosed[0].column == 21);
+    CHECK(unclosed[0].message.Find(u"quote missing") > 0);
+
+    const auto bare = CheckBody("<Component GUID=36267E6D-70E1-435e-9E2A-428EEA2D3C7E/>");
+    REQUIRE(bare.size() == 1);
+    CHECK(bare[0].message == u"the attribute \"GUID\" has no value in quotes");
+    CHECK(
+        CheckBody(std::string("<Component Name=\"\" GUID='36267E6D-70E1-435e-9E2A-428EEA2D3C7E'/>"))
+            .empty());
+
+    const auto less
+        = CheckBody("<Component><Properties><a>if(d<0.5,1,2)</a></Properties></Component>");
+    REQUIRE(!less.empty());
+    CHECK(less[0].message.Find(u"write &lt;") > 0);
+}
