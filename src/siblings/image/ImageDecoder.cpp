@@ -111,9 +111,11 @@ Pixbuf Decode(std::string_view bytes, int32_t enough, int64_t& pixels)
         g_signal_connect(loader.get(), "area-prepared", G_CALLBACK(&OnPixelsMade), nullptr);
         g_signal_connect(loader.get(), "area-updated", G_CALLBACK(&OnPixelsDecoded), &lowest);
     }
-    // With each block, of which a byte is enough, that of GIF moves all that it has been given and
-    // not yet used.
-    const size_t pieceSize = decoder == "gif" ? 512 : std::string_view::npos;
+    // That of GIF moves all that it has been given and not yet used with each block, and copies the
+    // picture with each piece.
+    constexpr size_t pieces = 64; // about where both cost the same
+    const size_t pieceSize
+        = decoder == "gif" ? file.head.size() / pieces + 1 : std::string_view::npos;
     bool good = Write(loader.get(), file.head, pieceSize);
     for (size_t i = 0; good && i < file.parts.size(); ++i)
         good = Write(loader.get(), file.parts[i], pieceSize);

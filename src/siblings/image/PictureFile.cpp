@@ -103,13 +103,27 @@ bool ExamineJpeg(std::string_view bytes, PictureFile& file)
         && TakeAll(bytes, file);
 }
 
-// Past the blocks that start there, each with its length in front, and the empty one; 0 if the file
-// ends before.
-size_t EndOfGifBlocks(const Bytes& bytes, size_t at)
+// What the blocks that start there hold together, each with its length in front, up to `most`
+// bytes. Gives the place past the empty one; 0 if the file ends before.
+size_t TakeGifBlocks(std::string_view bytes, size_t at, size_t most, std::string& content)
 {
-    while (at < bytes.Size() && bytes.Byte(at) != 0)
-        at += bytes.Byte(at) + 1;
-    return at < bytes.Size() ? at + 1 : 0;
+    const Bytes numbers(bytes);
+    content.clear();
+    while (at < bytes.size() && numbers.Byte(at) != 0) {
+        content += bytes.substr(at + 1, std::min<size_t>(numbers.Byte(at), most - content.size()));
+        at += numbers.Byte(at) + 1;
+    }
+    return at < bytes.size() ? at + 1 : 0;
+}
+
+void AppendGifBlocks(std::string& text, std::string_view content)
+{
+    for (; !content.empty(); content.remove_prefix(std::min<size_t>(content.size(), 255))) {
+        const std::string_view block = content.substr(0, 255);
+        text.push_back(static_cast<char>(block.size()));
+        text += block;
+    }
+    text.push_back('\0');
 }
 
 size_t GifColors(uint32_t flags)
@@ -117,33 +131,44 @@ size_t GifColors(uint32_t flags)
     return flags & 0x80 ? size_t { 3 } << (1 + (flags & 7)) : 0;
 }
 
+// The first frame alone, in full blocks: the decoder spends its time on each block, and on each
+// code, of which a pixel needs no more than one and those that clear the table.
 bool ExamineGif(std::string_view bytes, PictureFile& file)
 {
+    constexpr size_t screen = 13;
+    constexpr size_t codesPerPixel = 4; // bytes
     const Bytes numbers(bytes);
-    for (size_t at = 13 + GifColors(numbers.Byte(10)); at != 0;) {
-        if (numbers.Byte(at) == '!') {
-            at = EndOfGifBlocks(numbers, at + 2);
-            continue;
-        }
-        if (numbers.Byte(at) != ',' || numbers.Little16(at + 5) == 0
-            || numbers.Little16(at + 7) == 0)
-            return false;
-        const size_t end = EndOfGifBlocks(numbers, at + 11 + GifColors(numbers.Byte(at + 9)));
-        // A frame that reaches beyond the picture makes it larger: the decoder expects none.
-        const uint32_t width
-            = std::max(numbers.Little16(6), numbers.Little16(at + 1) + numbers.Little16(at + 5));
-        const uint32_t height
-            = std::max(numbers.Little16(8), numbers.Little16(at + 3) + numbers.Little16(at + 7));
-        if (end == 0 || !IsAllowedSize(width, height))
-            return false;
-        file.head = bytes.substr(0, 6);
-        AppendLittle(file.head, width, 2);
-        AppendLittle(file.head, height, 2);
-        AddPart(file, bytes.substr(file.head.size(), end - file.head.size()));
-        AddPart(file, ";");
-        return true;
+    std::string control; // of the frame that follows: its transparent colour
+    std::string content;
+    size_t at = screen + GifColors(numbers.Byte(10));
+    while (at != 0 && numbers.Byte(at) == '!') {
+        const bool isControl = numbers.Byte(at + 1) == 0xF9;
+        at = TakeGifBlocks(bytes, at + 2, isControl ? 4 : 0, content);
+        if (isControl && content.size() == 4)
+            control = "!\xF9" + ('\4' + content) + '\0';
     }
-    return false;
+    const uint32_t frameWidth = numbers.Little16(at + 5);
+    const uint32_t frameHeight = numbers.Little16(at + 7);
+    if (at == 0 || numbers.Byte(at) != ',' || frameWidth == 0 || frameHeight == 0)
+        return false;
+    // A frame that reaches beyond the picture makes it larger: the decoder expects none.
+    const uint32_t width = std::max(numbers.Little16(6), numbers.Little16(at + 1) + frameWidth);
+    const uint32_t height = std::max(numbers.Little16(8), numbers.Little16(at + 3) + frameHeight);
+    const size_t codes = at + 11 + GifColors(numbers.Byte(at + 9));
+    if (!IsAllowedSize(width, height)
+        || TakeGifBlocks(
+               bytes, codes, 1024 + codesPerPixel * size_t { frameWidth } * frameHeight, content)
+            == 0)
+        return false;
+    file.head = bytes.substr(0, 6);
+    AppendLittle(file.head, width, 2);
+    AppendLittle(file.head, height, 2);
+    file.head += bytes.substr(10, screen - 10 + GifColors(numbers.Byte(10)));
+    file.head += control;
+    file.head += bytes.substr(at, codes - at);
+    AppendGifBlocks(file.head, content);
+    file.head += ';';
+    return true;
 }
 
 bool ExamineBmp(std::string_view bytes, PictureFile& file)
