@@ -18,12 +18,20 @@ std::vector<std::string> Render(const std::string& output, const char* size)
     return { "render", song, "-o", output, "--size", size };
 }
 
-void WaitForFile(Program& program, const std::string& path)
+// Until the file has so many bytes, which tells that pictures are in it.
+void WaitForFile(Program& program, const std::string& path, off_t bytes = 1)
 {
-    for (int i = 0; i < 2000 && program.IsRunning() && access(path.c_str(), F_OK) != 0; ++i)
+    struct stat status
+    {
+    };
+
+    for (int i = 0; i < 12000 && program.IsRunning(); ++i) {
+        if (stat(path.c_str(), &status) == 0 && status.st_size >= bytes)
+            break;
         usleep(10000);
-    usleep(500000);
+    }
     REQUIRE(program.IsRunning());
+    REQUIRE(status.st_size >= bytes);
 }
 
 }
@@ -35,7 +43,7 @@ TEST_CASE("The first Ctrl-C ends a render with a whole file, and says where")
         const TestFolder messages;
         const std::string video = folder.Path("out." + kind);
         Program render(Render(video, "320x180"), { messages.Path("errors") });
-        WaitForFile(render, video + ".part");
+        WaitForFile(render, video + ".part", 30'000);
         render.Signal(SIGINT);
         CHECK(render.Wait(60) == 130);
         CHECK(folder.Names() == "out." + kind + " ");
@@ -69,7 +77,7 @@ TEST_CASE("The second Ctrl-C leaves nothing")
     const TestFolder messages;
     const std::string video = folder.Path("out.mp4");
     Program render(Render(video, "1920x1080"), { messages.Path("errors") });
-    WaitForFile(render, video + ".part");
+    WaitForFile(render, video + ".part", 30'000);
     render.Signal(SIGINT);
     usleep(20000); // two at once count as one
     render.Signal(SIGINT);
