@@ -182,10 +182,11 @@ uint64_t DrawPictures(const RenderOptions& options, SongPlayback& playback, cons
 int Finished(const RenderOptions& options, const SongPlayback& playback, uint64_t pictures,
     std::ostream& errors)
 {
-    for (const std::string& warning : playback.Warnings())
-        PrintWarning(errors, warning);
-    if (!Interrupt::Requested())
+    if (!Interrupt::Requested()) {
+        for (const std::string& warning : playback.Warnings())
+            PrintWarning(errors, warning);
         return 0;
+    }
     std::ostringstream place;
     place << std::fixed << std::setprecision(1)
           << options.from + static_cast<double>(pictures) / options.frameRate.PerSecond();
@@ -257,6 +258,10 @@ int RenderVideo(const RenderOptions& options, host::VideoContainer container,
 
     if (!playback.Error().empty())
         return PrintError(errors, playback.Error());
+    if (pictures == 0 && writer->Error().empty() && Interrupt::Requested()) {
+        PrintError(errors, "stopped before the first picture");
+        return 130;
+    }
     if (pictures == 0)
         return PrintError(errors,
             writer->Error().empty() ? options.song + ": holds no sound in that part"
