@@ -7,6 +7,7 @@
 #include "foundation/OQSiblingModules.h"
 #include "host/ProgressLine.h"
 #include "host/VideoWriter.h"
+#include "os/File.h"
 
 #include <algorithm>
 #include <cmath>
@@ -98,6 +99,18 @@ bool Exists(const std::string& path)
 {
     struct stat status = {};
     return lstat(path.c_str(), &status) == 0;
+}
+
+// Why writing under such a name would cost the user what is to be read, or empty.
+std::string InputFault(const RenderOptions& options, const std::string& path)
+{
+    for (const std::string& file : { path, path + ".part" }) {
+        if (os::IsSameFile(file, options.song))
+            return file + ": is the song itself";
+        if (os::IsSameFile(file, options.script))
+            return file + ": is the script itself";
+    }
+    return {};
 }
 
 // Why pictures can't be written under such a name, or empty.
@@ -199,7 +212,10 @@ int RenderNumbered(const RenderOptions& options, const NumberedName& name, SongP
     std::ostream& errors)
 {
     constexpr uint64_t firstNumber = 1;
-    std::string fault = PictureFault(options, name.At(firstNumber));
+    std::string fault = InputFault(options, name.At(firstNumber));
+    if (!fault.empty())
+        return PrintUsageError(errors, fault);
+    fault = PictureFault(options, name.At(firstNumber));
     if (!fault.empty())
         return PrintError(errors, fault);
     OutputPicture output;
@@ -211,6 +227,8 @@ int RenderNumbered(const RenderOptions& options, const NumberedName& name, SongP
         const std::string path = name.At(number++);
         if (!options.replace && Exists(path))
             fault = path + ": exists already; --force replaces it";
+        else if (fault = InputFault(options, path); !fault.empty())
+            return false;
         else if (!SavePicture(output.Of(picture), path))
             fault = path + ": can't be written";
         return fault.empty();
@@ -297,7 +315,7 @@ std::string UsageFault(const RenderOptions& options, const OutputKind& kind)
     if (options.at >= 0
         && (options.at < options.from || (options.to >= 0 && options.at > options.to)))
         return "--at lies outside --from and --to";
-    return {};
+    return InputFault(options, options.output);
 }
 
 }

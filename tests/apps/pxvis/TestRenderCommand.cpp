@@ -57,6 +57,28 @@ TEST_CASE("A part of a song becomes a video, and an existing one is replaced onl
     CHECK(folder.Count() == 1);
 }
 
+TEST_CASE("A song or script is never replaced by what is made of it, by whatever name or force")
+{
+    const TestFolder folder;
+    fs::copy_file(Options("").song, folder / "song.mp4");
+    fs::create_hard_link(folder / "song.mp4", folder / "name.webm");
+    fs::create_symlink("song.mp4", folder / "link.png");
+    fs::create_symlink("song.mp4", folder / "a.mp4.part");
+    fs::copy_file(folder / "song.mp4", folder / "3.png");
+    const std::string song = BytesOf(folder.Path("song.mp4"));
+    const auto refuses = [&](const char* name, const char* input, bool isScript) {
+        pxvis::RenderOptions options = Options(folder.Path(name));
+        (isScript ? options.script : options.song) = folder.Path(input);
+        options.replace = true;
+        CHECK(Render(options) == (std::string(name) == "%01d.png" ? 1 : 2));
+        CHECK(BytesOf(folder.Path(input)) == song);
+    };
+    for (const char* name : { "song.mp4", "name.webm", "link.png", "a.mp4" })
+        refuses(name, "song.mp4", false);
+    refuses("%01d.png", "3.png", false);
+    refuses("name.webm", "song.mp4", true);
+}
+
 TEST_CASE("A single picture is the engine's at that moment, at the size asked for")
 {
     const TestFolder folder;
