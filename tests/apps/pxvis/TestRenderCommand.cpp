@@ -198,9 +198,8 @@ TEST_CASE("Scripts are found by file, folder or name, and a broken one among sev
     const TestFolder folder;
     pxvis::RenderOptions options = Options(folder.Path("a.png"));
     options.at = 7.1;
-    options.script = "undertow";
-    CHECK(Render(options) == 1); // names are exact
-    for (const char* name : { "Undertow", "Bright/Undertow", "Bright\\Undertow", "" }) {
+    for (const char* name : { "Undertow", "Bright/Undertow", "Bright\\Undertow", "underTow",
+             "bright/Undertow.pxv", "" }) {
         options.script = name;
         options.replace = true;
         CHECK(Render(options) == 0);
