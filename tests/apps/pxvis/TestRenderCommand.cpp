@@ -220,11 +220,21 @@ TEST_CASE("A script that draws nothing and a song that is cut short are told, an
     const TestFile nothing("nothing.pxv", "<PXV Version=\"1.0\"/>");
     pxvis::RenderOptions options = Options(folder.Path("%02d.png"));
     options.script = nothing.Path();
-    options.to = 7.1;
+    options.to = 9.1;
     std::ostringstream errors;
     CHECK(pxvis::RunRender(options, errors) == 0);
     CHECK(
         errors.str() == "pxvis: warning: " + nothing.Path() + ": drew nothing; see pxvis check\n");
+    // So soon a good script may have drawn nothing either.
+    const TestFile faulty("faulty.pxv",
+        "<PXV Version=\"1.0\"><Component GUID=\"36267E6D-70E1-435e-9E2A-428EEA2D3C7E\">"
+        "<Properties><OnEquation>=</OnEquation></Properties></Component></PXV>");
+    options.script = faulty.Path();
+    options.output = folder.Path("b.png");
+    options.at = 7;
+    errors.str("");
+    CHECK(pxvis::RunRender(options, errors) == 0);
+    CHECK(errors.str() == "pxvis: warning: " + faulty.Path() + ": 1 fault; see pxvis check\n");
 
     std::string error;
     const std::vector<float> quiet(size_t { 2 } * 44100 * 3);
