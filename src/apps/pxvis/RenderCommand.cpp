@@ -10,6 +10,7 @@
 #include "os/File.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cmath>
 #include <filesystem>
 #include <iomanip>
@@ -18,6 +19,8 @@
 #include <ostream>
 #include <sstream>
 #include <sys/stat.h>
+#include <sys/statvfs.h>
+#include <system_error>
 #include <unistd.h>
 
 namespace pxvis {
@@ -121,7 +124,17 @@ std::string PictureFault(const RenderOptions& options, const std::string& path)
     const std::string folder = std::filesystem::path(path).parent_path().string();
     return access(folder.empty() ? "." : folder.c_str(), W_OK) == 0
         ? std::string()
-        : path + ": can't be written there";
+        : path + ": can't be written there: " + std::generic_category().message(errno);
+}
+
+// For what SavePicture, which gives no reason, has failed at.
+std::string SaveFault(const std::string& path)
+{
+    const std::string folder = std::filesystem::path(path).parent_path().string();
+    struct statvfs disk = {};
+    const bool isFull = statvfs(folder.empty() ? "." : folder.c_str(), &disk) == 0
+        && disk.f_blocks > 0 && disk.f_bavail * disk.f_frsize < 1 << 20;
+    return path + (isFull ? ": no space left on the disk" : ": can't be written");
 }
 
 bool SavePicture(const IOQImage& picture, const std::string& path)
@@ -162,7 +175,7 @@ int RenderPicture(const RenderOptions& options, SongPlayback& playback, std::ost
     }
     progress.Clear();
     if (!SavePicture(output.Of(playback.Picture()), options.output))
-        return PrintError(errors, options.output + ": can't be written");
+        return PrintError(errors, SaveFault(options.output));
     for (const std::string& warning : playback.Warnings())
         PrintWarning(errors, warning);
     return 0;
@@ -230,7 +243,7 @@ int RenderNumbered(const RenderOptions& options, const NumberedName& name, SongP
         else if (fault = InputFault(options, path); !fault.empty())
             return false;
         else if (!SavePicture(output.Of(picture), path))
-            fault = path + ": can't be written";
+            fault = SaveFault(path);
         return fault.empty();
     });
     if (fault.empty())
