@@ -1,6 +1,7 @@
 #pragma once
 
 #include "host/TrackTags.h"
+#include "os/Descriptor.h"
 
 #include <string>
 
@@ -8,7 +9,8 @@ namespace pxvis::host {
 
 // A song's cover as a file that only this user can read, for those who load pictures by name: in
 // $XDG_CACHE_HOME/pxvis, or the folder for temporary files where that can't be written. Gone with
-// the object.
+// the object, or with the next one if the process was killed: each is locked as long as it is
+// needed.
 class CoverFile
 {
 public:
@@ -22,6 +24,7 @@ public:
 
 private:
     std::string m_path;
+    os::Descriptor m_file; // holds the lock
 };
 
 }

@@ -30,7 +30,7 @@ constexpr guint QueueBuffers = 32; // decoded ahead, some 3 s at the usual sizes
 
 // Leaves out what has nothing to do with sound, such as a cover's decoder, and whatever would
 // follow an address in the file to another place.
-int SelectPlugin(GstElement*, GstPad*, GstCaps*, GstElementFactory* factory, void*)
+int SelectPlugin(GstElement*, GstPad*, GstCaps*, GstElementFactory* factory, void* hasStreams)
 {
     enum
     {
@@ -44,6 +44,8 @@ int SelectPlugin(GstElement*, GstPad*, GstCaps*, GstElementFactory* factory, voi
     const bool decodes = HasClass(factory, "Decoder");
     if (decodes && (HasClass(factory, "Video") || HasClass(factory, "Image")))
         return Skip;
+    if (HasClass(factory, "Demux") && !HasClass(factory, "Metadata"))
+        *static_cast<std::atomic<bool>*>(hasStreams) = true;
     return Try;
 }
 
@@ -98,6 +100,7 @@ struct SongDecoder::Pipeline
     GstElement* sink = nullptr;
     bool ended = false;
     bool stalled = false;
+    std::atomic<bool> hasStreams = false; // a file of known form; set on its threads
     StreamTrim trim;
     int64_t framesToDrop = 0;
     int64_t framesLeft = INT64_MAX;
@@ -165,7 +168,7 @@ bool SongDecoder::Pipeline::Start()
     g_object_set(source, "location", path.c_str(), nullptr);
     g_object_set(decoder, "caps", sound.get(), "expose-all-streams", FALSE, nullptr);
     WatchForMp3(pipeline.get(), trim);
-    g_signal_connect(decoder, "autoplug-select", G_CALLBACK(SelectPlugin), nullptr);
+    g_signal_connect(decoder, "autoplug-select", G_CALLBACK(SelectPlugin), &hasStreams);
     g_signal_connect(decoder, "pad-added", G_CALLBACK(LinkSound), converter);
     g_signal_connect(decoder, "no-more-pads", G_CALLBACK(CheckForSound), converter);
 
@@ -228,7 +231,7 @@ void SongDecoder::Pipeline::TakeError(GstMessage* message)
         || g_error_matches(fault, GST_STREAM_ERROR, GST_STREAM_ERROR_WRONG_TYPE)
         || g_error_matches(fault, GST_STREAM_ERROR, GST_STREAM_ERROR_CODEC_NOT_FOUND)
         || g_error_matches(fault, GST_CORE_ERROR, GST_CORE_ERROR_MISSING_PLUGIN))
-        Fail("not a music file that GStreamer knows");
+        Fail(hasStreams ? "holds no sound" : "not a music file that GStreamer knows");
     else
         Fail("cannot be decoded: " + OneLine(fault->message));
 }

@@ -6,6 +6,7 @@
 #include "host/OutputFile.h"
 #include "host/PictureCoding.h"
 #include "host/SoundCopy.h"
+#include "host/TagWriter.h"
 #include "os/Clock.h"
 
 #include <fcntl.h>
@@ -86,6 +87,7 @@ struct VideoWriter::Pipeline
     std::string error;
     std::unique_ptr<OutputFile> file;
     int scratch = -1;
+    WebmTags webmTags;
 
     GstHolder<GstElement> pipeline;
     GstHolder<GstBus> bus;
@@ -252,23 +254,40 @@ void VideoWriter::Pipeline::SetTags()
 {
     GstTagSetter* setter = GST_TAG_SETTER(muxer);
     const TrackTags& tags = settings.tags;
+    const bool mp4 = settings.container == VideoContainer::Mp4;
+    const auto set = [&](const char* tag, GValue value, const std::string& plain) {
+        if (mp4)
+            gst_tag_setter_add_tag_value(setter, GST_TAG_MERGE_REPLACE, tag, &value);
+        else
+            webmTags.Set(setter, tag, &value, plain);
+        g_value_unset(&value);
+    };
     const std::pair<const char*, const std::string&> texts[] = { { GST_TAG_TITLE, tags.title },
         { GST_TAG_ARTIST, tags.artist }, { GST_TAG_ALBUM, tags.album } };
     for (const auto& [tag, text] : texts) {
-        if (!text.empty() && g_utf8_validate(text.c_str(), -1, nullptr))
-            gst_tag_setter_add_tags(setter, GST_TAG_MERGE_REPLACE, tag, text.c_str(), nullptr);
+        if (text.empty() || !g_utf8_validate(text.c_str(), -1, nullptr))
+            continue;
+        GValue value = G_VALUE_INIT;
+        g_value_init(&value, G_TYPE_STRING);
+        g_value_set_string(&value, text.c_str());
+        set(tag, value, text);
     }
-    // The muxers take whole dates; players show the year.
     guint year = 0;
     std::from_chars(tags.year.data(), tags.year.data() + tags.year.size(), year);
-    if (year >= 1 && year <= 9999) {
-        GDate* date = g_date_new_dmy(1, G_DATE_JANUARY, static_cast<GDateYear>(year));
-        gst_tag_setter_add_tags(setter, GST_TAG_MERGE_REPLACE, GST_TAG_DATE, date, nullptr);
-        g_date_free(date);
+    if (year >= 1 && year <= 9999 && mp4) {
+        SetMp4Year(setter, std::to_string(year));
+    } else if (year >= 1 && year <= 9999) {
+        GValue value = G_VALUE_INIT;
+        g_value_init(&value, G_TYPE_DATE);
+        g_value_take_boxed(&value, g_date_new_dmy(1, G_DATE_JANUARY, static_cast<GDateYear>(year)));
+        set(GST_TAG_DATE, value, std::to_string(year));
+    }
+    if (!mp4) {
+        const GstHolder<GstPad> source(gst_element_get_static_pad(muxer, "src"));
+        webmTags.Watch(source.get());
     }
     const bool jpeg = tags.coverType == "image/jpeg" || tags.coverType == "image/jpg";
-    if (tags.cover.empty() || settings.container != VideoContainer::Mp4
-        || (!jpeg && tags.coverType != "image/png"))
+    if (tags.cover.empty() || !mp4 || (!jpeg && tags.coverType != "image/png"))
         return;
     const GstHolder<GstBuffer> bytes(gst_buffer_new_memdup(tags.cover.data(), tags.cover.size()));
     const GstHolder<GstCaps> caps(gst_caps_new_empty_simple(jpeg ? "image/jpeg" : "image/png"));

@@ -221,6 +221,30 @@ TEST_CASE("A cover is a private file in the cache as long as it is needed")
     CHECK(CoverFile({}).Path().empty());
 }
 
+TEST_CASE("Covers of processes that were killed go, those in use and other files stay")
+{
+    const TestFolder folder;
+    const TestVariable cache("XDG_CACHE_HOME", folder.Path("cache").c_str());
+    TrackTags tags;
+    tags.cover = { 1, 2, 3 };
+    const CoverFile inUse(tags);
+    folder.Write("cache/pxvis/cover-killed.png", "");
+    folder.Write("cache/pxvis/cover-young.png", "");
+    folder.Write("cache/pxvis/other", "");
+    const auto makeOld = [](const std::filesystem::path& path) {
+        using Clock = std::filesystem::file_time_type::clock;
+        std::filesystem::last_write_time(path, Clock::now() - std::chrono::hours(1));
+    };
+    for (const char* name : { "cover-killed.png", "other" })
+        makeOld(folder.Path("cache/pxvis/") + name);
+    makeOld(inUse.Path());
+    const CoverFile next(tags);
+    CHECK_FALSE(std::filesystem::exists(folder / "cache/pxvis/cover-killed.png"));
+    CHECK(std::filesystem::exists(folder / "cache/pxvis/cover-young.png"));
+    CHECK(std::filesystem::exists(folder / "cache/pxvis/other"));
+    CHECK(std::filesystem::exists(inUse.Path()));
+}
+
 TEST_CASE("What is no song gives one clear line and never waits")
 {
     const TestFolder folder;

@@ -189,6 +189,8 @@ TEST_CASE("A video holds the pictures' colours, the right way up, at their exact
     CHECK(bytes.find(cover) != std::string::npos);
     CHECK(bytes.find("moov") < bytes.find("mdat"));
     CHECK(bytes.find("colrnclx") != std::string::npos);
+    CHECK(bytes.find("1987"s) != std::string::npos);
+    CHECK(bytes.find("1987-"s) == std::string::npos); // the month isn't known
 }
 
 TEST_CASE("Rates that are no whole number keep sound and pictures together, in either coding")
@@ -221,7 +223,8 @@ TEST_CASE("A WebM file holds the same pictures and sound, and can be jumped abou
         settings.level = level;
         settings.sound = SoundCoding::Opus;
         settings.replace = true;
-        settings.tags.title = "Ein Stück";
+        settings.tags.title = "Ein \"Stück\"";
+        settings.tags.year = "1987";
         REQUIRE(MakeClip(folder.Path("clip.webm"), settings) == "");
         CHECK(folder.Names() == "clip.webm ");
         const VideoFile file(folder.Path("clip.webm"));
@@ -247,9 +250,12 @@ TEST_CASE("A WebM file holds the same pictures and sound, and can be jumped abou
         CHECK(bytes.find("webm") < 64);
         CHECK(bytes.find("\x1C\x53\xBB\x6B") != std::string::npos); // cues
         CHECK(bytes.find("\x44\x89") < bytes.find("\x1F\x43\xB6\x75")); // length before clusters
+        // Tag texts as they are, with their lengths.
+        CHECK(bytes.find("TITLE\0\x44\x87\x8C"s + settings.tags.title) != std::string::npos);
+        CHECK(bytes.find("DATE\0\x44\x87\x84"s + settings.tags.year) != std::string::npos);
         char* title = nullptr;
-        CHECK(gst_tag_list_get_string(file.tags.get(), GST_TAG_TITLE, &title));
-        CHECK(std::string(pxvis::host::GstHolder<char>(title).get()) == "Ein Stück");
+        REQUIRE(gst_tag_list_get_string(file.tags.get(), GST_TAG_TITLE, &title));
+        CHECK(std::string(pxvis::host::GstHolder<char>(title).get()) == settings.tags.title);
     }
 }
 

@@ -1,10 +1,11 @@
 #include "apps/pxvis/FramesCommand.h"
 
 #include "apps/pxvis/ErrorLine.h"
-
+#include "apps/pxvis/ScriptSet.h"
 #include "host/analysis/AudioRecord.h"
 
 #include <bit>
+#include <filesystem>
 #include <istream>
 #include <ostream>
 
@@ -25,6 +26,20 @@ bool WritePicture(IOQImage& picture, std::ostream& output)
     return output.good();
 }
 
+// The one script of that name; empty, and one line, if there is none or more.
+std::string FindScript(const std::string& name, std::string& error)
+{
+    std::error_code ignored;
+    if (std::filesystem::is_directory(name, ignored)) {
+        error = name + ": is a folder, not a script";
+        return {};
+    }
+    const auto scripts = FindScripts(name, error);
+    if (scripts.size() > 1)
+        error = name + ": stands for " + std::to_string(scripts.size()) + " scripts, not for one";
+    return scripts.size() == 1 ? scripts[0] : std::string();
+}
+
 }
 
 int RunFrames(
@@ -33,8 +48,11 @@ int RunFrames(
     std::string error = VisualSession::SizeFault(options.session.width, options.session.height);
     if (!error.empty())
         return PrintUsageError(errors, error);
+    const std::string script = FindScript(options.script, error);
+    if (script.empty())
+        return PrintError(errors, error);
     const auto session = VisualSession::Create(options.session, error);
-    if (!session || !session->LoadScript(options.script, error))
+    if (!session || !session->LoadScript(script, error))
         return PrintError(errors, error);
     for (;;) {
         host::AudioRecord record;

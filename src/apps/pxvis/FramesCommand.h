@@ -9,7 +9,7 @@ namespace pxvis {
 
 struct FramesOptions
 {
-    std::string script;
+    std::string script; // as FindScripts takes it, if that gives one
     VisualSessionSettings session;
 };
 

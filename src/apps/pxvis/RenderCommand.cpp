@@ -7,8 +7,10 @@
 #include "foundation/OQSiblingModules.h"
 #include "host/ProgressLine.h"
 #include "host/VideoWriter.h"
+#include "os/File.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cmath>
 #include <filesystem>
 #include <iomanip>
@@ -17,6 +19,8 @@
 #include <ostream>
 #include <sstream>
 #include <sys/stat.h>
+#include <sys/statvfs.h>
+#include <system_error>
 #include <unistd.h>
 
 namespace pxvis {
@@ -100,6 +104,18 @@ bool Exists(const std::string& path)
     return lstat(path.c_str(), &status) == 0;
 }
 
+// Why writing under such a name would cost the user what is to be read, or empty.
+std::string InputFault(const RenderOptions& options, const std::string& path)
+{
+    for (const std::string& file : { path, path + ".part" }) {
+        if (os::IsSameFile(file, options.song))
+            return file + ": is the song itself";
+        if (os::IsSameFile(file, options.script))
+            return file + ": is the script itself";
+    }
+    return {};
+}
+
 // Why pictures can't be written under such a name, or empty.
 std::string PictureFault(const RenderOptions& options, const std::string& path)
 {
@@ -108,7 +124,17 @@ std::string PictureFault(const RenderOptions& options, const std::string& path)
     const std::string folder = std::filesystem::path(path).parent_path().string();
     return access(folder.empty() ? "." : folder.c_str(), W_OK) == 0
         ? std::string()
-        : path + ": can't be written there";
+        : path + ": can't be written there: " + std::generic_category().message(errno);
+}
+
+// For what SavePicture, which gives no reason, has failed at.
+std::string SaveFault(const std::string& path)
+{
+    const std::string folder = std::filesystem::path(path).parent_path().string();
+    struct statvfs disk = {};
+    const bool isFull = statvfs(folder.empty() ? "." : folder.c_str(), &disk) == 0
+        && disk.f_blocks > 0 && disk.f_bavail * disk.f_frsize < 1 << 20;
+    return path + (isFull ? ": no space left on the disk" : ": can't be written");
 }
 
 bool SavePicture(const IOQImage& picture, const std::string& path)
@@ -149,7 +175,7 @@ int RenderPicture(const RenderOptions& options, SongPlayback& playback, std::ost
     }
     progress.Clear();
     if (!SavePicture(output.Of(playback.Picture()), options.output))
-        return PrintError(errors, options.output + ": can't be written");
+        return PrintError(errors, SaveFault(options.output));
     for (const std::string& warning : playback.Warnings())
         PrintWarning(errors, warning);
     return 0;
@@ -199,7 +225,10 @@ int RenderNumbered(const RenderOptions& options, const NumberedName& name, SongP
     std::ostream& errors)
 {
     constexpr uint64_t firstNumber = 1;
-    std::string fault = PictureFault(options, name.At(firstNumber));
+    std::string fault = InputFault(options, name.At(firstNumber));
+    if (!fault.empty())
+        return PrintUsageError(errors, fault);
+    fault = PictureFault(options, name.At(firstNumber));
     if (!fault.empty())
         return PrintError(errors, fault);
     OutputPicture output;
@@ -211,8 +240,10 @@ int RenderNumbered(const RenderOptions& options, const NumberedName& name, SongP
         const std::string path = name.At(number++);
         if (!options.replace && Exists(path))
             fault = path + ": exists already; --force replaces it";
+        else if (fault = InputFault(options, path); !fault.empty())
+            return false;
         else if (!SavePicture(output.Of(picture), path))
-            fault = path + ": can't be written";
+            fault = SaveFault(path);
         return fault.empty();
     });
     if (fault.empty())
@@ -297,7 +328,7 @@ std::string UsageFault(const RenderOptions& options, const OutputKind& kind)
     if (options.at >= 0
         && (options.at < options.from || (options.to >= 0 && options.at > options.to)))
         return "--at lies outside --from and --to";
-    return {};
+    return InputFault(options, options.output);
 }
 
 }

@@ -14,6 +14,7 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr size_t mostScripts = 10000;
+constexpr const OQChar* scriptFolder = u"Visualizations/Vis Studio/";
 
 std::vector<std::string> ScriptsBelow(const fs::path& folder)
 {
@@ -34,10 +35,43 @@ fs::path ScriptFolder(const fs::path& data)
     return data / "Visualizations" / "Vis Studio";
 }
 
-// "Calm/Tide" for the file Calm/Tide.pxv below `folder`.
-std::string RelativeName(const std::string& script, const fs::path& folder)
+// A script's path below `folder`, as a person may write it: "Calm/Tide" for Calm/Tide.pxv.
+OQString RelativeName(const std::string& script, const fs::path& folder)
 {
-    return fs::path(script).lexically_relative(folder).replace_extension().string();
+    return OQString::FromUtf8(
+        fs::path(script).lexically_relative(folder).replace_extension().string());
+}
+
+bool IsEqualNoCase(const OQString& a, const OQString& b)
+{
+    return a.CompareNoCase(b) == 0;
+}
+
+// The first script in `folder` or below that has the name, without its folder if need be. One that
+// is written with the same capitals goes before others. Empty if there is none.
+std::string FindNamed(const OQString& name, const fs::path& folder)
+{
+    std::string like;
+    for (const std::string& script : ScriptsBelow(folder)) {
+        const OQString relative = RelativeName(script, folder);
+        const OQString stem = OQString::FromUtf8(fs::path(script).stem().string());
+        if (relative == name || stem == name)
+            return script;
+        if (like.empty() && (IsEqualNoCase(relative, name) || IsEqualNoCase(stem, name)))
+            like = script;
+    }
+    return like;
+}
+
+// All scripts that can be named whose folder's name is this one.
+std::vector<std::string> FindMood(const OQString& name)
+{
+    std::vector<std::string> scripts;
+    for (const OQDataFile& file : OQDataRoots::Get().List(scriptFolder, u"*.pxv")) {
+        if (file.relative.StartsWithNoCase(name + u"/"))
+            scripts.push_back(file.path.ToUtf8());
+    }
+    return scripts;
 }
 
 }
@@ -64,15 +98,21 @@ std::vector<std::string> FindScripts(const std::string& name, std::string& error
 
     std::string wanted = name;
     std::replace(wanted.begin(), wanted.end(), '\\', '/');
+    while (wanted.size() > 1 && wanted.back() == '/')
+        wanted.pop_back();
+    OQString script = OQString::FromUtf8(wanted);
+    constexpr int32_t ending = 4; // ".pxv"
+    if (script.GetLength() > ending && IsEqualNoCase(script.Right(ending), u".pxv"))
+        script = script.Left(script.GetLength() - ending);
     const fs::path user = roots.user.IsEmpty() ? fs::path() : ScriptFolder(roots.user.ToUtf8());
     for (const fs::path& folder : { user, shipped }) {
-        for (const std::string& script : ScriptsBelow(folder)) {
-            if (RelativeName(script, folder) == wanted || fs::path(script).stem() == wanted)
-                return { script };
-        }
+        if (std::string found = FindNamed(script, folder); !found.empty())
+            return { std::move(found) };
     }
-    error = name + ": no such script";
-    return {};
+    auto scripts = FindMood(OQString::FromUtf8(wanted));
+    if (scripts.empty())
+        error = name + ": no such script; pxvis list scripts tells the names";
+    return scripts;
 }
 
 }

@@ -1,7 +1,9 @@
 #include "apps/pxvis/SongPlayback.h"
 
 #include "apps/pxvis/ErrorLine.h"
+#include "apps/pxvis/FontList.h"
 #include "apps/pxvis/RenderCommand.h"
+#include "apps/pxvis/ScriptText.h"
 
 #include <algorithm>
 #include <cmath>
@@ -22,6 +24,15 @@ bool IsBlack(IOQImage& picture)
     const uint32_t* bits = picture.GetBits();
     return std::all_of(bits, bits + int64_t { size.cx } * size.cy,
         [](uint32_t pixel) { return (pixel & 0xFFFFFF) == 0; });
+}
+
+bool IsSilent(const VisAudioBlock& block)
+{
+    const auto isZero = [](auto sample) { return sample == 0; };
+    const auto isSilent = [&](const auto& channel) {
+        return std::all_of(std::begin(channel), std::end(channel), isZero);
+    };
+    return isSilent(block.waveform[0]) && isSilent(block.waveform[1]);
 }
 
 }
@@ -128,7 +139,24 @@ bool SongPlayback::LoadScriptFor(double seconds)
     if (index == m_current)
         return true;
     m_current = index;
+    CountFaults(index);
     return m_session->LoadScript(m_scripts[index], m_error);
+}
+
+void SongPlayback::CountFaults(size_t script)
+{
+    if (!m_checked.insert(script).second)
+        return;
+    if (!m_check)
+        m_check.emplace(ListFonts(m_fonts) ? &m_fonts : nullptr);
+    OQString text;
+    std::string ignored; // loading tells
+    if (!ReadScriptText(m_scripts[script], text, ignored))
+        return;
+    const size_t count = m_check->Check(text).size();
+    if (count > 0)
+        m_faults.push_back(m_scripts[script] + ": " + std::to_string(count)
+            + (count == 1 ? " fault" : " faults") + "; see pxvis check");
 }
 
 bool SongPlayback::NextStep()
@@ -150,7 +178,15 @@ bool SongPlayback::NextStep()
         return false;
     }
     m_hasDrawn = m_hasDrawn || !IsBlack(Picture());
+    m_heardSteps += IsSilent(record.block) ? 0 : 1;
     return true;
+}
+
+// Many scripts wait for a beat or fade in.
+bool SongPlayback::ShouldHaveDrawn() const
+{
+    constexpr double patience = 2; // seconds
+    return static_cast<double>(m_heardSteps) >= patience * m_stepRate.PerSecond();
 }
 
 std::vector<std::string> SongPlayback::Warnings() const
@@ -158,9 +194,14 @@ std::vector<std::string> SongPlayback::Warnings() const
     std::vector<std::string> lines;
     if (!m_loss.empty())
         lines.push_back(m_loss);
-    if (!m_hasDrawn)
-        lines.push_back(m_scripts.size() == 1 ? m_scripts[0] + ": drew nothing; see pxvis check"
-                                              : "the scripts drew nothing; see pxvis check");
+    const bool drewNothing = !m_hasDrawn && ShouldHaveDrawn();
+    if (drewNothing && m_scripts.size() == 1) {
+        lines.push_back(m_scripts[0] + ": drew nothing; see pxvis check");
+        return lines;
+    }
+    lines.insert(lines.end(), m_faults.begin(), m_faults.end());
+    if (drewNothing)
+        lines.emplace_back("the scripts drew nothing; see pxvis check");
     return lines;
 }
 

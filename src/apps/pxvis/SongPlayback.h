@@ -2,6 +2,8 @@
 
 #include "apps/pxvis/ScriptSet.h"
 #include "apps/pxvis/VisualSession.h"
+#include "engine2d/CScriptCheck.h"
+#include "foundation/OQStringArray.h"
 #include "host/CoverFile.h"
 #include "host/SongDecoder.h"
 #include "host/analysis/SongAnalyzer.h"
@@ -9,6 +11,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -43,7 +46,8 @@ public:
     const std::string& Error() const { return m_error; }
 
     // What a person should know though all went on: of the song, if it came to its end, and of the
-    // scripts, if all their pictures are black. A line each.
+    // scripts that were drawn, if a check finds faults or all pictures of a song that is to be
+    // heard are black. A line each.
     std::vector<std::string> Warnings() const;
 
     const host::SongInfo& Info() const { return m_decoder->Info(); }
@@ -57,6 +61,8 @@ private:
     SongPlayback() = default;
 
     bool LoadScriptFor(double seconds);
+    void CountFaults(size_t script);
+    bool ShouldHaveDrawn() const;
 
     double m_cycle = 0; // seconds
     int64_t m_end = INT64_MAX; // samples of the song
@@ -71,6 +77,11 @@ private:
     std::string m_error;
     std::string m_loss; // of the song's end
     bool m_hasDrawn = false; // anything but black
+    int64_t m_heardSteps = 0; // those that are not silent
+    OQStringArray m_fonts;
+    std::optional<CScriptCheck> m_check; // of m_fonts; none before the first script
+    std::set<size_t> m_checked; // scripts
+    std::vector<std::string> m_faults; // a line for each script that has some
 };
 
 }

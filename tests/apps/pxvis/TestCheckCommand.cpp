@@ -1,5 +1,8 @@
+#include "TestFolder.h"
+#include "TestVariable.h"
 #include "VisTesting.h"
 #include "apps/pxvis/CheckCommand.h"
+#include "apps/pxvis/ScriptSet.h"
 
 #include <doctest/doctest.h>
 
@@ -57,12 +60,28 @@ TEST_CASE("check prints a finding a line, and no control character of the script
     CHECK(json.text.find('\x1B') == std::string::npos);
 }
 
+TEST_CASE("A folder's name stands for the user's and the shipped scripts in it")
+{
+    const TestFolder folder;
+    const TestVariable data("XDG_DATA_HOME", folder.Path("data").c_str());
+    const std::string own = "data/pxvis/Visualizations/Vis Studio/Bright";
+    std::filesystem::create_directories(folder / own);
+    folder.Write(own + "/Own.pxv", "<PXV Version=\"1.0\"/>");
+    folder.Write(own + "/Undertow.pxv", "<PXV Version=\"1.0\"/>"); // hides the shipped one
+    std::string error;
+    const auto scripts = pxvis::FindScripts("bright/", error);
+    REQUIRE(scripts.size() == 3);
+    CHECK(scripts[0] == folder.Path(own + "/Own.pxv"));
+    CHECK(scripts[1].ends_with("data/Visualizations/Vis Studio/Bright/Sleeve.pxv"));
+    CHECK(scripts[2] == folder.Path(own + "/Undertow.pxv"));
+}
+
 TEST_CASE("check goes on behind a script that can't be read")
 {
     const TestFile empty("check.pxv", "<PXV Version=\"1.0\"/>");
     const Checked checked({ { "/nowhere.pxv", "/dev/null", empty.Path() } });
     CHECK(checked.status == 1);
-    CHECK(checked.fault.find("pxvis: /nowhere.pxv: no such script\n") == 0);
+    CHECK(checked.fault.find("pxvis: /nowhere.pxv: no such script;") == 0);
     CHECK(checked.fault.find("/dev/null: can't be read") != std::string::npos);
     CHECK(checked.text.find("draws nothing") != std::string::npos);
 }

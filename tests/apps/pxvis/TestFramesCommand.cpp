@@ -111,7 +111,7 @@ TEST_CASE("Bad scripts and sizes are refused in one line before any picture")
     const TestFile other("other.pxv", "<html/>");
     const TestFile version("version.pxv", "<PXV Version=\"2.0\"/>");
     for (const std::string& script : { unclosed.Path(), other.Path(), version.Path(),
-             std::string("/nowhere.pxv"), std::string("/"), demoSong }) {
+             std::string("/nowhere.pxv"), std::string("/"), std::string("Bright"), demoSong }) {
         const Outcome frames = Frames(script, 16, 16, Records(1, 0));
         CHECK(frames.status == 1);
         CHECK(frames.output.empty());
@@ -122,6 +122,17 @@ TEST_CASE("Bad scripts and sizes are refused in one line before any picture")
         CHECK(frames.status == 2);
         CHECK(IsOneLine(frames.errors));
     }
+}
+
+TEST_CASE("Frames take a script by its name")
+{
+    const std::string records = Records(2, 255);
+    const Outcome named = Frames("undertow", 16, 16, records);
+    CHECK(named.status == 0);
+    CHECK(named.output == Frames(demoScript, 16, 16, records).output);
+    CHECK(Frames("calm", 16, 16, records).status == 0); // a folder of one
+    CHECK(Frames("undertwo", 16, 16, records).errors
+        == "pxvis: undertwo: no such script; pxvis list scripts tells the names\n");
 }
 
 TEST_CASE(

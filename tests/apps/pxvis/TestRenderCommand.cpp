@@ -57,6 +57,28 @@ TEST_CASE("A part of a song becomes a video, and an existing one is replaced onl
     CHECK(folder.Count() == 1);
 }
 
+TEST_CASE("A song or script is never replaced by what is made of it, by whatever name or force")
+{
+    const TestFolder folder;
+    fs::copy_file(Options("").song, folder / "song.mp4");
+    fs::create_hard_link(folder / "song.mp4", folder / "name.webm");
+    fs::create_symlink("song.mp4", folder / "link.png");
+    fs::create_symlink("song.mp4", folder / "a.mp4.part");
+    fs::copy_file(folder / "song.mp4", folder / "3.png");
+    const std::string song = BytesOf(folder.Path("song.mp4"));
+    const auto refuses = [&](const char* name, const char* input, bool isScript) {
+        pxvis::RenderOptions options = Options(folder.Path(name));
+        (isScript ? options.script : options.song) = folder.Path(input);
+        options.replace = true;
+        CHECK(Render(options) == (std::string(name) == "%01d.png" ? 1 : 2));
+        CHECK(BytesOf(folder.Path(input)) == song);
+    };
+    for (const char* name : { "song.mp4", "name.webm", "link.png", "a.mp4" })
+        refuses(name, "song.mp4", false);
+    refuses("%01d.png", "3.png", false);
+    refuses("name.webm", "song.mp4", true);
+}
+
 TEST_CASE("A single picture is the engine's at that moment, at the size asked for")
 {
     const TestFolder folder;
@@ -176,9 +198,8 @@ TEST_CASE("Scripts are found by file, folder or name, and a broken one among sev
     const TestFolder folder;
     pxvis::RenderOptions options = Options(folder.Path("a.png"));
     options.at = 7.1;
-    options.script = "undertow";
-    CHECK(Render(options) == 1); // names are exact
-    for (const char* name : { "Undertow", "Bright/Undertow", "Bright\\Undertow", "" }) {
+    for (const char* name : { "Undertow", "Bright/Undertow", "Bright\\Undertow", "underTow",
+             "bright/Undertow.pxv", "" }) {
         options.script = name;
         options.replace = true;
         CHECK(Render(options) == 0);
@@ -199,11 +220,21 @@ TEST_CASE("A script that draws nothing and a song that is cut short are told, an
     const TestFile nothing("nothing.pxv", "<PXV Version=\"1.0\"/>");
     pxvis::RenderOptions options = Options(folder.Path("%02d.png"));
     options.script = nothing.Path();
-    options.to = 7.1;
+    options.to = 9.1;
     std::ostringstream errors;
     CHECK(pxvis::RunRender(options, errors) == 0);
     CHECK(
         errors.str() == "pxvis: warning: " + nothing.Path() + ": drew nothing; see pxvis check\n");
+    // So soon a good script may have drawn nothing either.
+    const TestFile faulty("faulty.pxv",
+        "<PXV Version=\"1.0\"><Component GUID=\"36267E6D-70E1-435e-9E2A-428EEA2D3C7E\">"
+        "<Properties><OnEquation>=</OnEquation></Properties></Component></PXV>");
+    options.script = faulty.Path();
+    options.output = folder.Path("b.png");
+    options.at = 7;
+    errors.str("");
+    CHECK(pxvis::RunRender(options, errors) == 0);
+    CHECK(errors.str() == "pxvis: warning: " + faulty.Path() + ": 1 fault; see pxvis check\n");
 
     std::string error;
     const std::vector<float> quiet(size_t { 2 } * 44100 * 3);

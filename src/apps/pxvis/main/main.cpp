@@ -65,6 +65,68 @@ struct RateText
     }
 };
 
+// "90", "7.5", "1:30" or "1:02:03.5"
+struct TimeText
+{
+    double& seconds;
+
+    std::string operator()(const std::string& text) const
+    {
+        constexpr double most = 1e6;
+        const size_t last = text.rfind(':');
+        const bool hasMinutes = last != std::string::npos;
+        const std::string_view view = text;
+        const std::string_view rest = hasMinutes ? view.substr(last + 1) : view;
+        bool good = !rest.empty() && rest.find_first_not_of("0123456789.") == rest.npos
+            && ReadNumber(rest, seconds) && !(hasMinutes && seconds >= 60);
+        if (good && hasMinutes) {
+            std::string_view before = view.substr(0, last);
+            const size_t colon = before.find(':');
+            const bool hasHours = colon != before.npos;
+            uint32_t hours = 0;
+            uint32_t minutes = 0;
+            if (hasHours) {
+                good = ReadNumber(before.substr(0, colon), hours);
+                before = before.substr(colon + 1);
+            }
+            good = good && ReadNumber(before, minutes) && !(hasHours && minutes >= 60);
+            seconds += 60.0 * minutes + 3600.0 * hours;
+        }
+        return good && seconds <= most ? std::string()
+                                       : "'" + text
+                + "' is not a number of seconds, such as 90 or 7.5, nor a time such as"
+                  " 1:30 or 1:02:03";
+    }
+};
+
+CLI::Validator NotEmpty(const std::string& what)
+{
+    return CLI::Validator(
+        [what](std::string& text) { return text.empty() ? what + " is empty" : std::string(); },
+        "");
+}
+
+// A word that stands for a value.
+template <typename Value, typename Target>
+struct ChoiceText
+{
+    std::vector<std::pair<std::string, Value>> choices;
+    Target& target;
+
+    std::string operator()(const std::string& text) const
+    {
+        std::string words;
+        for (const auto& [word, value] : choices) {
+            if (word == text) {
+                target = value;
+                return {};
+            }
+            words += (words.empty() ? "" : ", ") + word;
+        }
+        return "'" + text + "' is none of " + words;
+    }
+};
+
 // CLI::Range lets "nan" through, which is below and above nothing.
 CLI::Validator NumberIn(double least, double most)
 {
@@ -95,6 +157,13 @@ CLI::Option* AddText(CLI::App& command, const std::string& names, const Reader& 
         ->type_name("");
 }
 
+void AddPart(CLI::App& command, double& from, double& to)
+{
+    AddText(command, "--from", TimeText { from }, "Start in the song: seconds, m:ss or h:mm:ss",
+        "its start");
+    AddText(command, "--to", TimeText { to }, "End in the song", "its end");
+}
+
 void AddKernelAndThreads(CLI::App& command, std::string& kernel, int& threads)
 {
     // FIXME: one set of kernels so far, the scalar ones, so that both mean the same.
@@ -110,13 +179,18 @@ void AddRender(CLI::App& app, pxvis::RenderOptions& options, std::string& kernel
 {
     CLI::App& command
         = *app.add_subcommand("render", "Turn a song into a video, or into a picture of it");
-    command.add_option("AUDIO", options.song, "The song: any file that can be decoded")->required();
+    command.add_option("AUDIO", options.song, "The song: any file that can be decoded")
+        ->required()
+        ->check(NotEmpty("the song's name"));
     command
         .add_option("-o,--output", options.output,
             "*.mp4, *.webm, *.png for one picture, or frame-%05d.png for all, numbered from 1")
-        ->required();
-    command.add_option("--script", options.script,
-        "A script's file or name, or a folder of scripts [the shipped ones]");
+        ->required()
+        ->check(NotEmpty("the output's name"));
+    command
+        .add_option("--script", options.script,
+            "A script's file or name, or a folder of scripts [the shipped ones]")
+        ->check(NotEmpty("the script's name"));
     AddText(command, "--size", SizeText { options.width, options.height }, "Pixels", "1920x1080");
     AddText(command, "--fps", RateText { options.frameRate }, "Pictures a second, N or N/D", "60");
     AddText(command, "--step-rate", RateText { options.stepRate }, "Steps of the engine a second",
@@ -129,37 +203,27 @@ void AddRender(CLI::App& app, pxvis::RenderOptions& options, std::string& kernel
                                   : "'" + text + "' is not a whole number from 0 on";
         },
         "Other random numbers", "as in frames");
-    command.add_option("--from", options.from, "Start in the song, in seconds")
-        ->check(NumberIn(0.0, 1e6));
-    command.add_option("--to", options.to, "End in the song, in seconds")
-        ->check(NumberIn(0.0, 1e6));
-    command
-        .add_option("--at", options.at, "The moment of a single picture, in seconds [the middle]")
-        ->check(NumberIn(0.0, 1e6));
+    AddPart(command, options.from, options.to);
+    AddText(
+        command, "--at", TimeText { options.at }, "The moment of a single picture", "the middle");
     command.add_option("--cycle", options.cycle, "Seconds to the next script of several")
         ->check(NumberIn(0.1, 1e6))
         ->capture_default_str();
     command.add_option("--picture-scale", options.pictureScale, "Draw smaller by this and stretch")
         ->check(NumberIn(0.05, 1.0))
         ->capture_default_str();
-    command.add_option("--encode", options.level, "Quality: draft, good, best [good]")
-        ->transform(CLI::Transformer(std::map<std::string, pxvis::host::EncodeLevel> {
-                                         { "draft", pxvis::host::EncodeLevel::Draft },
-                                         { "good", pxvis::host::EncodeLevel::Good },
-                                         { "best", pxvis::host::EncodeLevel::Best },
-                                     })
-                        .description(""))
-        ->type_name("LEVEL");
-    command
-        .add_option("--audio", options.sound,
-            "Sound: copy, aac, opus [aac; opus in *.webm, which takes no other]")
-        ->transform(CLI::Transformer(std::map<std::string, pxvis::host::SoundCoding> {
-                                         { "aac", pxvis::host::SoundCoding::Aac },
-                                         { "opus", pxvis::host::SoundCoding::Opus },
-                                         { "copy", pxvis::host::SoundCoding::Copy },
-                                     })
-                        .description(""))
-        ->type_name("CODING");
+    using Level = pxvis::host::EncodeLevel;
+    AddText(command, "--encode",
+        ChoiceText<Level, Level> {
+            { { "draft", Level::Draft }, { "good", Level::Good }, { "best", Level::Best } },
+            options.level },
+        "Quality: draft, good, best", "good");
+    using Coding = pxvis::host::SoundCoding;
+    AddText(command, "--audio",
+        ChoiceText<Coding, std::optional<Coding>> {
+            { { "copy", Coding::Copy }, { "aac", Coding::Aac }, { "opus", Coding::Opus } },
+            options.sound },
+        "Sound: copy, aac, opus", "aac; opus in *.webm, which takes no other");
     AddKernelAndThreads(command, kernel, options.threads);
     command.add_flag("--force", options.replace, "Replace an existing output");
 }
@@ -168,7 +232,9 @@ void AddFrames(CLI::App& app, pxvis::FramesOptions& options, std::string& kernel
 {
     CLI::App& command = *app.add_subcommand("frames",
         "Read audio records from standard input, write a picture for each to standard output");
-    command.add_option("--script", options.script, "The script's file")->required();
+    command.add_option("--script", options.script, "The script's file or name")
+        ->required()
+        ->check(NotEmpty("the script's name"));
     AddText(command, "--size", SizeText { options.session.width, options.session.height }, "Pixels",
         "none")
         ->required();
@@ -186,13 +252,12 @@ void AddAnalyze(CLI::App& app, pxvis::AnalyzeOptions& options)
 {
     CLI::App& command
         = *app.add_subcommand("analyze", "Write a song's audio records to standard output");
-    command.add_option("AUDIO", options.song, "The song: any file that can be decoded")->required();
+    command.add_option("AUDIO", options.song, "The song: any file that can be decoded")
+        ->required()
+        ->check(NotEmpty("the song's name"));
     AddText(
         command, "--step-rate", RateText { options.stepRate }, "Records a second, N or N/D", "60");
-    command.add_option("--from", options.from, "Start in the song, in seconds")
-        ->check(NumberIn(0.0, 1e6));
-    command.add_option("--to", options.to, "End in the song, in seconds")
-        ->check(NumberIn(0.0, 1e6));
+    AddPart(command, options.from, options.to);
 }
 
 void AddCheck(CLI::App& app, pxvis::CheckOptions& options)
@@ -207,7 +272,8 @@ void AddCheck(CLI::App& app, pxvis::CheckOptions& options)
         "{\"file\":text,\"line\":n,\"column\":n,\"component\":text|null,\n"
         "\"row\":text|null,\"position\":n|null,\"message\":text}; position is that character.");
     command.add_option("FILE", options.scripts, "Scripts: files, names, or folders of them")
-        ->required();
+        ->required()
+        ->check(NotEmpty("a script's name"));
     command.add_flag("--json", options.json, "Findings as JSON, an object a line");
 }
 

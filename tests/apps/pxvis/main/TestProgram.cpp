@@ -123,3 +123,20 @@ TEST_CASE("A reader that goes away ends what is written for it, in silence")
     CHECK(analyze.Wait(60) == -SIGPIPE);
     CHECK(folder.Read("errors").empty());
 }
+
+TEST_CASE("Moments are seconds or clock times, and what else they can't be is told")
+{
+    const auto run = [](std::vector<std::string> options) {
+        std::vector<std::string> arguments = { "analyze", song };
+        arguments.insert(arguments.end(), options.begin(), options.end());
+        return RunProgram(arguments, "");
+    };
+    const ProgramResult seconds = run({ "--from", "1.5", "--to", "2" });
+    CHECK(seconds.output.size() == 30u * 3088);
+    CHECK(run({ "--from", "0:01.5", "--to", "0:00:02" }).output == seconds.output);
+    for (const char* text : { "1,5", "1:70", ":5", "1:2:3:4", "nan", "-1", "", "1e3" }) {
+        const ProgramResult refused = run({ "--from", text });
+        CHECK(refused.status == 2);
+        CHECK(refused.errors.find("is not a number of seconds") != std::string::npos);
+    }
+}
