@@ -38,6 +38,8 @@ public:
         return Byte(at) << 24 | Byte(at + 1) << 16 | Byte(at + 2) << 8 | Byte(at + 3);
     }
 
+    uint32_t Big16(size_t at) const { return Byte(at) << 8 | Byte(at + 1); }
+
 private:
     std::string_view m_bytes;
 };
@@ -188,6 +190,26 @@ bool ExamineBmp(std::string_view bytes, PictureFile& file)
     return (isPacked || static_cast<int64_t>(bytes.size()) >= needed) && TakeAll(bytes, file);
 }
 
+// JPEGs in a TIFF may be progressive and shared by all tiles: work that nothing here could bound.
+bool ExamineTiff(std::string_view bytes, PictureFile& file)
+{
+    const Bytes numbers(bytes);
+    const bool isBig = bytes.front() == 'M';
+    const auto number16
+        = [&](size_t at) { return isBig ? numbers.Big16(at) : numbers.Little16(at); };
+    const size_t directory = isBig ? numbers.Big32(4) : numbers.Little32(4);
+    constexpr uint32_t compression = 259;
+    constexpr size_t entrySize = 12;
+    const uint32_t count = number16(directory);
+    for (uint32_t i = 0; i < count; ++i) {
+        const size_t entry = directory + 2 + entrySize * i;
+        const uint32_t value = number16(entry + 8);
+        if (number16(entry) == compression && (value == 6 || value == 7))
+            return false;
+    }
+    return TakeAll(bytes, file);
+}
+
 // A list of pictures, of which the decoder takes one, but none that is a PNG, as the largest one
 // usually is.
 bool ExamineIco(std::string_view bytes, PictureFile& file)
@@ -290,8 +312,8 @@ bool Examine(std::string_view bytes, PictureFile& file)
         { "GIF87a"sv, "gif", &ExamineGif },
         { "GIF89a"sv, "gif", &ExamineGif },
         { "BM"sv, "bmp", &ExamineBmp },
-        { "II*\0"sv, "tiff", &TakeAll },
-        { "MM\0*"sv, "tiff", &TakeAll },
+        { "II*\0"sv, "tiff", &ExamineTiff },
+        { "MM\0*"sv, "tiff", &ExamineTiff },
         { "\0\0\1\0"sv, "ico", &ExamineIco },
         { "RIFF"sv, "webp", &ExamineWebp },
     };
