@@ -64,16 +64,16 @@ TEST_CASE("A folder's name stands for the user's and the shipped scripts in it")
 {
     const TestFolder folder;
     const TestVariable data("XDG_DATA_HOME", folder.Path("data").c_str());
-    const std::string own = "data/pxvis/Visualizations/Vis Studio/Bright";
+    const std::string own = "data/pxvis/Visualizations/Vis Studio/Dense";
     std::filesystem::create_directories(folder / own);
     folder.Write(own + "/Own.pxv", "<PXV Version=\"1.0\"/>");
-    folder.Write(own + "/Undertow.pxv", "<PXV Version=\"1.0\"/>"); // hides the shipped one
+    folder.Write(own + "/Sleeve.pxv", "<PXV Version=\"1.0\"/>"); // hides the shipped one
     std::string error;
-    const auto scripts = pxvis::FindScripts("bright/", error);
+    const auto scripts = pxvis::FindScripts("dense/", error);
     REQUIRE(scripts.size() == 3);
     CHECK(scripts[0] == folder.Path(own + "/Own.pxv"));
-    CHECK(scripts[1].ends_with("data/Visualizations/Vis Studio/Bright/Sleeve.pxv"));
-    CHECK(scripts[2] == folder.Path(own + "/Undertow.pxv"));
+    CHECK(scripts[1].ends_with("data/Visualizations/Vis Studio/Dense/Rosette.pxv"));
+    CHECK(scripts[2] == folder.Path(own + "/Sleeve.pxv"));
 }
 
 TEST_CASE("check goes on behind a script that can't be read")

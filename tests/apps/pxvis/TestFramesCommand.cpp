@@ -111,7 +111,7 @@ TEST_CASE("Bad scripts and sizes are refused in one line before any picture")
     const TestFile other("other.pxv", "<html/>");
     const TestFile version("version.pxv", "<PXV Version=\"2.0\"/>");
     for (const std::string& script : { unclosed.Path(), other.Path(), version.Path(),
-             std::string("/nowhere.pxv"), std::string("/"), std::string("Bright"), demoSong }) {
+             std::string("/nowhere.pxv"), std::string("/"), std::string("Dense"), demoSong }) {
         const Outcome frames = Frames(script, 16, 16, Records(1, 0));
         CHECK(frames.status == 1);
         CHECK(frames.output.empty());
