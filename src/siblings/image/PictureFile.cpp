@@ -197,13 +197,19 @@ bool ExamineTiff(std::string_view bytes, PictureFile& file)
     const bool isBig = bytes.front() == 'M';
     const auto number16
         = [&](size_t at) { return isBig ? numbers.Big16(at) : numbers.Little16(at); };
-    const size_t directory = isBig ? numbers.Big32(4) : numbers.Little32(4);
+    const auto number32
+        = [&](size_t at) { return isBig ? numbers.Big32(at) : numbers.Little32(at); };
+    const size_t directory = number32(4);
     constexpr uint32_t compression = 259;
     constexpr size_t entrySize = 12;
     const uint32_t count = number16(directory);
     for (uint32_t i = 0; i < count; ++i) {
         const size_t entry = directory + 2 + entrySize * i;
-        const uint32_t value = number16(entry + 8);
+        // Of one byte, of two or of four: the decoder takes any.
+        const uint32_t type = number16(entry + 2);
+        const uint32_t value = type == 1 || type == 6 ? numbers.Byte(entry + 8)
+            : type == 3 || type == 8                  ? number16(entry + 8)
+                                                      : number32(entry + 8);
         if (number16(entry) == compression && (value == 6 || value == 7))
             return false;
     }
