@@ -65,6 +65,12 @@ void CRowVisComponent::Bind(const OQChar* name, Color& field, uint32_t standard)
     m_bindings.push_back({ name, &field, Color { standard }, nullptr, CVisRowForm::Color });
 }
 
+void CRowVisComponent::Bind(const OQChar* name, CGradientEx& field, const CVisPresetMap& map)
+{
+    field.SetDefault();
+    m_bindings.push_back({ name, &field, int32_t { 0 }, &map, CVisRowForm::Gradient });
+}
+
 int32_t CRowVisComponent::SaveProperties(CVisPropertyList& list)
 {
     for (const Binding& binding : m_bindings)
@@ -99,6 +105,7 @@ void CRowVisComponent::SetToStandard(const Binding& binding)
     // Bind pairs each field with a default of its own kind.
     std::visit(Overloaded {
                    [&](OQString* field) { *field = std::get<const OQChar*>(binding.standard); },
+                   [](CGradientEx*) {},
                    [&]<typename T>(T* field) { *field = std::get<T>(binding.standard); },
                },
         binding.field);
@@ -124,6 +131,7 @@ void CRowVisComponent::Save(const Binding& binding, CVisPropertyList& list)
                    [&](const OQString* field) { addText(*field); },
                    [&](const VisFractionRect* field) { addText(RectToText(*field)); },
                    [&](const VisFractionPoint* field) { addText(PointToText(*field)); },
+                   [&](const CGradientEx* field) { addText(field->GetText()); },
                    [&](const Color* field) { addText(ColorToText(field->value)); },
                },
         binding.field);
@@ -138,6 +146,7 @@ void CRowVisComponent::Load(const Binding& binding, const OQString& rowValue)
                    [&](OQString* field) { *field = text; },
                    [&](VisFractionRect* field) { TextToRect(text, *field); },
                    [&](VisFractionPoint* field) { TextToPoint(text, *field); },
+                   [&](CGradientEx* field) { field->SetText(text); },
                    [&](Color* field) { field->value = TextToColor(text); },
                },
         binding.field);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "engine2d/CGradientEx.h"
 #include "engine2d/CVisComponent.h"
 #include "engine2d/CVisPropertyList.h"
 #include "engine2d/VisPropertyText.h"
@@ -40,10 +41,13 @@ protected:
     void Bind(const OQChar* name, VisFractionRect& field, const CVisPresetMap* map = nullptr);
     void Bind(const OQChar* name, VisFractionPoint& field);
     void Bind(const OQChar* name, Color& field, uint32_t standard);
+    // Without a row the gradient stays as it is: the default one at first, which is set, with its
+    // seeding of the random numbers, here.
+    void Bind(const OQChar* name, CGradientEx& field, const CVisPresetMap& map);
 
 private:
-    using Field
-        = std::variant<int32_t*, float*, OQString*, VisFractionRect*, VisFractionPoint*, Color*>;
+    using Field = std::variant<int32_t*, float*, OQString*, VisFractionRect*, VisFractionPoint*,
+        Color*, CGradientEx*>;
     using Value
         = std::variant<int32_t, float, const OQChar*, VisFractionRect, VisFractionPoint, Color>;
 

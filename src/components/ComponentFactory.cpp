@@ -9,19 +9,29 @@ std::unique_ptr<CVisComponent> CreateVisComponent(int32_t index)
     switch (index) {
     case 0:
         return std::make_unique<CTransformVisComponent>();
+    case 1: // Flush
+        return std::make_unique<CPendingVisComponent>();
     case 2:
         return std::make_unique<CSpectrumAnalyzerVisComponent>();
-    case 1:
-    case 3:
-    case 4:
-    case 5:
-    case 6:
-    case 7:
-    case 8:
-    case 9:
-    case 10:
-    case 11:
-    case 12:
+    case 3: // Oscilloscope
+        return std::make_unique<CPendingVisComponent>();
+    case 4: // Starfield
+        return std::make_unique<CPendingVisComponent>();
+    case 5: // Text
+        return std::make_unique<CPendingVisComponent>();
+    case 6: // Image
+        return std::make_unique<CPendingVisComponent>();
+    case 7: // Blob Oscilloscope
+        return std::make_unique<CPendingVisComponent>();
+    case 8: // Particle
+        return std::make_unique<CPendingVisComponent>();
+    case 9: // Dot Fountain
+        return std::make_unique<CPendingVisComponent>();
+    case 10: // Super Transform
+        return std::make_unique<CPendingVisComponent>();
+    case 11: // Super-Scope
+        return std::make_unique<CPendingVisComponent>();
+    case 12: // Dynamic Transform
         return std::make_unique<CPendingVisComponent>();
     default:
         return nullptr;

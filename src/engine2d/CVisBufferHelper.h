@@ -22,6 +22,10 @@ public:
 
     int32_t Height() const { return m_height; }
 
+    int32_t HalfWidth() const { return (m_width + 1) / 2; }
+
+    int32_t HalfHeight() const { return (m_height + 1) / 2; }
+
 private:
     IVisBuffer& m_buffer;
     uint32_t* m_bits;

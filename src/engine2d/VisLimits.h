@@ -20,6 +20,12 @@ constexpr int32_t gradientTableEntries = 16384;
 constexpr int32_t pictureSide = 16384;
 constexpr int64_t picturePixels = int64_t { 64 } << 20;
 
+// In one frame.
+constexpr int32_t scopePoints = 65536;
+constexpr int64_t blobRayPixels = int64_t { 16 } << 20;
+
+constexpr int32_t stars = 100000; // alive at once
+
 // Pixels, 4 bytes each, that the images, maps and pictures of a script may take, or as many
 // pictures of the root layer's size if that is more. A layer or component that needs more is not
 // drawn.
@@ -42,5 +48,14 @@ constexpr int64_t fillPixelWork = 1;
 constexpr int64_t fillRowWork = 64;
 constexpr int64_t gradientColorWork = 64;
 constexpr int64_t spectrumBarWork = 256;
+constexpr int64_t scopePointWork = 64;
+constexpr int64_t linePixelWork = 4;
+constexpr int64_t lineWork = 64;
+constexpr int64_t rayWork = 64;
+constexpr int64_t rayPixelWork = 4;
+constexpr int64_t starWork = 16;
+constexpr int64_t superTransformPixelWork = 20;
+constexpr int64_t dynamicTransformPixelWork = 24;
+constexpr int64_t gridPointWork = 64;
 
 }
