@@ -6,6 +6,7 @@
 #include "engine2d/VisPresets.h"
 #include "foundation/OQEngineContext.h"
 #include "foundation/OQNumberText.h"
+#include "foundation/OQParallelRows.h"
 #include "foundation/OQTruncate.h"
 #include "kernels/Wrapped.h"
 
@@ -170,6 +171,8 @@ void CTransformVisComponent::DrawRows(pxvis::kernels::TransformPass& pass, const
     }
     if (pass.left >= pass.right)
         return;
-    for (size_t i = 0; i < m_rowStarts.size(); ++i)
-        pxvis::kernels::TransformRow(pass, top + static_cast<int32_t>(i), m_rowStarts[i]);
+    OQParallelRows(top, std::max(top, bottom), pass.width, [&](int32_t first, int32_t end) {
+        for (int32_t y = first; y < end; ++y)
+            pxvis::kernels::TransformRow(pass, y, m_rowStarts[static_cast<size_t>(y - top)]);
+    });
 }

@@ -6,6 +6,7 @@
 #include "engine2d/VisLimits.h"
 #include "foundation/OQDataRoots.h"
 #include "foundation/OQFileSystem.h"
+#include "foundation/OQFloatingPointScope.h"
 #include "foundation/OQNumberText.h"
 
 #include <algorithm>
@@ -169,6 +170,7 @@ int32_t CVisualization::Draw(const OQRect& rect, bool showFps)
 
 void CVisualization::DrawRootLayer(const OQRect& rect)
 {
+    const OQFloatingPointScope floatingPoint;
     int64_t& workLeft = OQCurrentEngineContext().workLeft;
     const int64_t workBefore = workLeft;
     workLeft = std::min(workBefore,

@@ -15,6 +15,8 @@ struct OQEngineContext
     bool equationsSeeded
         = false; // rand and randn of the equations seed the generator at their first use
 
+    int32_t mostThreads = 0; // that a loop may take; 0: as many as there are processors
+
     // What the running operation may still cost, in units of about a nanosecond. Counted, not
     // measured, so that the same input is cut off at the same place everywhere. Set from outside it
     // bounds each operation further.

@@ -1,9 +1,12 @@
 #include "os/Thread.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <new>
 #include <pthread.h>
+#include <sched.h>
+#include <unistd.h>
 
 namespace pxvis::os {
 
@@ -46,6 +49,14 @@ int Thread::Start(void (*body)(void*), void* context)
     if (error == 0)
         m_native = std::move(native);
     return error;
+}
+
+int ProcessorCount()
+{
+    cpu_set_t processors;
+    if (sched_getaffinity(0, sizeof processors, &processors) == 0)
+        return std::max(CPU_COUNT(&processors), 1);
+    return std::max(static_cast<int>(sysconf(_SC_NPROCESSORS_ONLN)), 1);
 }
 
 void Thread::Join()

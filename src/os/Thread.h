@@ -27,4 +27,7 @@ private:
     std::unique_ptr<Native> m_native; // null: nothing to join
 };
 
+// How many processors the process may run on; at least 1.
+int ProcessorCount();
+
 }

@@ -27,7 +27,7 @@ struct RenderOptions
     double pictureScale = 1.0; // 0.05 to 1
     host::EncodeLevel level = host::EncodeLevel::Good;
     std::optional<host::SoundCoding> sound; // none: what the kind of file is known for
-    int threads = 0; // of the encoder; 0: as many as suit the machine
+    int threads = 0; // of the encoder, and of the engine; 0: as many as suit the machine
     bool replace = false;
 
     // Of the pictures that the engine draws, in pixels.

@@ -86,6 +86,7 @@ std::unique_ptr<SongPlayback> SongPlayback::Open(
     session.width = options.DrawnWidth();
     session.height = options.DrawnHeight();
     session.stepRate = options.stepRate;
+    session.threads = options.threads;
     // Seeds next to each other start the random numbers far apart.
     if (options.seeded)
         session.clockStartMs

@@ -13,6 +13,7 @@ VisualSession::VisualSession(const VisualSessionSettings& settings)
 {
     m_context.virtualClock = true;
     m_context.virtualNanoseconds = settings.clockStartMs * 1'000'000;
+    m_context.mostThreads = settings.threads;
     m_engine.SetEngineContext(&m_context);
     m_audio->frameRate = static_cast<int32_t>(settings.stepRate.PerSecond() * 1000.0);
 }

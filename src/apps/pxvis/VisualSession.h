@@ -28,6 +28,7 @@ struct VisualSessionSettings
     int64_t clockStartMs
         = 1'000'000; // the engine's time at step 0, from which its random numbers come, too
     Rate stepRate;
+    int32_t threads = 0; // 0: as many as there are processors
 };
 
 // A 2D engine with a time of its own, fed with one audio record a step: the same records always

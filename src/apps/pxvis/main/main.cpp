@@ -228,7 +228,7 @@ void AddRender(CLI::App& app, pxvis::RenderOptions& options, std::string& kernel
     command.add_flag("--force", options.replace, "Replace an existing output");
 }
 
-void AddFrames(CLI::App& app, pxvis::FramesOptions& options, std::string& kernel, int& threads)
+void AddFrames(CLI::App& app, pxvis::FramesOptions& options, std::string& kernel)
 {
     CLI::App& command = *app.add_subcommand("frames",
         "Read audio records from standard input, write a picture for each to standard output");
@@ -245,7 +245,7 @@ void AddFrames(CLI::App& app, pxvis::FramesOptions& options, std::string& kernel
         ->capture_default_str();
     AddText(command, "--fps", RateText { options.session.stepRate }, "Records a second, N or N/D",
         "60");
-    AddKernelAndThreads(command, kernel, threads);
+    AddKernelAndThreads(command, kernel, options.session.threads);
 }
 
 void AddAnalyze(CLI::App& app, pxvis::AnalyzeOptions& options)
@@ -307,14 +307,13 @@ int Run(int argc, char** argv)
     app.require_subcommand(1);
     app.set_version_flag("--version", "pxvis " PXVIS_VERSION);
     std::string kernel = "auto";
-    int threads = 0;
     pxvis::RenderOptions render;
     pxvis::FramesOptions frames;
     pxvis::AnalyzeOptions analyze;
     pxvis::CheckOptions check;
     pxvis::ListOptions list;
     AddRender(app, render, kernel);
-    AddFrames(app, frames, kernel, threads);
+    AddFrames(app, frames, kernel);
     AddAnalyze(app, analyze);
     AddCheck(app, check);
     AddList(app, list);
