@@ -18,6 +18,7 @@ import pathlib
 import subprocess
 import sys
 
+KICKS = pathlib.Path(__file__).resolve().parent.parent / "data" / "demo" / "kicks.txt"
 STEPS_AFTER = 3
 SAMPLES = 20000  # bytes compared in a frame: enough for a mean, quick without numpy
 
@@ -59,6 +60,19 @@ def mean(values):
     return sum(values) / len(values) if values else 0.0
 
 
+def kick_ratio(change, rate, path=KICKS):
+    """The mean change after kicks, that between them, their ratio, and by step the steps since its kick."""
+    kicks = [k for k in kick_steps(path, rate) if 0 < k < len(change)]
+    since = {}
+    for kick, following in zip(kicks, kicks[1:] + [len(change)]):
+        for step in range(kick, min(following, kick + rate)):
+            if following - kick < rate or step < kick + STEPS_AFTER:
+                since[step] = step - kick
+    after = mean(change[s] for s, n in since.items() if n < STEPS_AFTER)
+    between = mean(change[s] for s, n in since.items() if n >= STEPS_AFTER)
+    return after, between, after / between if between else math.inf if after else 0.0, since
+
+
 def decoded(video, width, height, rate):
     caps = f"video/x-raw,format=BGRx,width={width},height={height},framerate={rate}/1"
     uri = pathlib.Path(video).resolve().as_uri()
@@ -68,11 +82,10 @@ def decoded(video, width, height, rate):
 
 def main():
     parser = argparse.ArgumentParser(description="Measures whether pictures move with the music.")
-    root = pathlib.Path(__file__).resolve().parent.parent
     parser.add_argument("--size", default="320x180", help="of the frames, or to scale a video to")
     parser.add_argument("--video", help="a video file instead of frames on standard input")
     parser.add_argument("--rate", type=int, default=60, help="frames a second")
-    parser.add_argument("--kicks", type=pathlib.Path, default=root / "data" / "demo" / "kicks.txt")
+    parser.add_argument("--kicks", type=pathlib.Path, default=KICKS)
     parser.add_argument("--least", type=float, default=2.0, help="the ratio that is asked for")
     args = parser.parse_args()
     width, height = map(int, args.size.split("x"))
@@ -82,19 +95,10 @@ def main():
     if player and player.wait() != 0:
         sys.exit(f"{args.video}: can't be decoded")
     change = [row[0] for row in rows]
-    kicks = [k for k in kick_steps(args.kicks, args.rate) if 0 < k < len(rows)]
-    if not kicks:
+    after, between, ratio, since = kick_ratio(change, args.rate, args.kicks)
+    if not since:
         sys.exit("there are no frames at the times of the kicks")
-
-    since = {}  # step: steps since the kick before
-    for kick, following in zip(kicks, kicks[1:] + [len(rows)]):
-        for step in range(kick, min(following, kick + args.rate)):
-            if following - kick < args.rate or step < kick + STEPS_AFTER:
-                since[step] = step - kick
-    after = mean(change[s] for s, n in since.items() if n < STEPS_AFTER)
-    between = mean(change[s] for s, n in since.items() if n >= STEPS_AFTER)
-    ratio = after / between if between else math.inf if after else 0.0
-    print(f"{len(rows)} frames, {len(kicks)} kicks")
+    print(f"{len(rows)} frames, {sum(n == 0 for n in since.values())} kicks")
     print(f"change after a kick {after:.3f}, between kicks {between:.3f}, ratio {ratio:.2f}")
     print("by steps since the kick:", " ".join(
         f"{mean(change[s] for s, n in since.items() if n == at):.1f}" for at in range(max(since.values()) + 1)))
