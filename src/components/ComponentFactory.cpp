@@ -1,3 +1,4 @@
+#include "components/CFlushVisComponent.h"
 #include "components/CPendingVisComponent.h"
 #include "components/CSpectrumAnalyzerVisComponent.h"
 #include "components/CTransformVisComponent.h"
@@ -9,8 +10,8 @@ std::unique_ptr<CVisComponent> CreateVisComponent(int32_t index)
     switch (index) {
     case 0:
         return std::make_unique<CTransformVisComponent>();
-    case 1: // Flush
-        return std::make_unique<CPendingVisComponent>();
+    case 1:
+        return std::make_unique<CFlushVisComponent>();
     case 2:
         return std::make_unique<CSpectrumAnalyzerVisComponent>();
     case 3: // Oscilloscope
