@@ -1,6 +1,7 @@
 #include "components/CFlushVisComponent.h"
 #include "components/CPendingVisComponent.h"
 #include "components/CSpectrumAnalyzerVisComponent.h"
+#include "components/CStarfieldVisComponent.h"
 #include "components/CTransformVisComponent.h"
 #include "engine2d/CComponentManager.h"
 
@@ -16,8 +17,8 @@ std::unique_ptr<CVisComponent> CreateVisComponent(int32_t index)
         return std::make_unique<CSpectrumAnalyzerVisComponent>();
     case 3: // Oscilloscope
         return std::make_unique<CPendingVisComponent>();
-    case 4: // Starfield
-        return std::make_unique<CPendingVisComponent>();
+    case 4:
+        return std::make_unique<CStarfieldVisComponent>();
     case 5: // Text
         return std::make_unique<CPendingVisComponent>();
     case 6: // Image

@@ -7,6 +7,7 @@
 #include <doctest/doctest.h>
 
 #include <initializer_list>
+#include <memory>
 #include <utility>
 
 namespace {
