@@ -1,5 +1,7 @@
+#include "components/CFlushVisComponent.h"
 #include "components/CPendingVisComponent.h"
 #include "components/CSpectrumAnalyzerVisComponent.h"
+#include "components/CStarfieldVisComponent.h"
 #include "components/CTransformVisComponent.h"
 #include "engine2d/CComponentManager.h"
 
@@ -9,14 +11,14 @@ std::unique_ptr<CVisComponent> CreateVisComponent(int32_t index)
     switch (index) {
     case 0:
         return std::make_unique<CTransformVisComponent>();
-    case 1: // Flush
-        return std::make_unique<CPendingVisComponent>();
+    case 1:
+        return std::make_unique<CFlushVisComponent>();
     case 2:
         return std::make_unique<CSpectrumAnalyzerVisComponent>();
     case 3: // Oscilloscope
         return std::make_unique<CPendingVisComponent>();
-    case 4: // Starfield
-        return std::make_unique<CPendingVisComponent>();
+    case 4:
+        return std::make_unique<CStarfieldVisComponent>();
     case 5: // Text
         return std::make_unique<CPendingVisComponent>();
     case 6: // Image

@@ -188,6 +188,24 @@ CVisRowFault EquationListFault(const CVisRowInfo& row, const OQString& text)
     return {};
 }
 
+CVisRowFault ColorListFault(const CVisRowInfo& row, const OQString& text)
+{
+    if (text.IsEmpty())
+        return {};
+    OQStringArray parts;
+    text.Split(u';', parts);
+    CVisRowFault fault { IntegerFault({ row.name, CVisRowForm::Integer, nullptr }, parts[0]) };
+    int32_t start = 0;
+    for (int32_t i = 1; fault.reason.IsEmpty() && i < parts.GetCount(); ++i) {
+        start += parts[i - 1].GetLength() + 1;
+        fault.reason = ColorFault(parts[i]);
+    }
+    fault.position = start + 1;
+    if (fault.reason.IsEmpty() && parts.GetCount() == 1)
+        return { u"there are no colours behind the seconds: Color stays" };
+    return fault;
+}
+
 OQString FontFault(const OQString& text, const OQStringArray* fonts)
 {
     if (!fonts || text.CompareNoCase(u"DEFAULT") == 0)
@@ -241,6 +259,8 @@ CVisRowFault CheckRowText(const CVisRowInfo& row, const OQString& text, const OQ
         return EquationFault(row, text);
     case CVisRowForm::EquationList:
         return EquationListFault(row, isPreset ? OQString() : text);
+    case CVisRowForm::ColorList:
+        return ColorListFault(row, text);
     }
     return {};
 }
