@@ -1,5 +1,6 @@
 #include "components/CTransformMap.h"
 
+#include "components/PolarTransform.h"
 #include "engine2d/VisLimits.h"
 #include "expression/CMathEvaluator.h"
 #include "foundation/OQEngineContext.h"
@@ -13,17 +14,11 @@ namespace {
 
 namespace maths = pxvis::maths;
 
-constexpr float twoPi = 6.2831855f;
-constexpr int64_t largestSmallPicture = 1'920'000; // pixels
-constexpr int32_t largestSmallSide = 2047;
+using PolarTransform::TakesSmallEntries;
+using PolarTransform::twoPi;
+
 constexpr uint16_t clipped16 = 32767; // not a mark: scroll and zoom move it like any position
 constexpr uint32_t clipped32 = 0x7FFFFFFF;
-
-bool TakesSmallEntries(int32_t width, int32_t height)
-{
-    return int64_t { width } * height <= largestSmallPicture && width <= largestSmallSide
-        && height <= largestSmallSide;
-}
 
 float Radius(int32_t mode, int32_t halfWidth, int32_t halfHeight)
 {
@@ -40,16 +35,6 @@ float Radius(int32_t mode, int32_t halfWidth, int32_t halfHeight)
         return std::sqrt(static_cast<float>(halfWidth * halfWidth + halfHeight * halfHeight))
             + 1.0f;
     }
-}
-
-// Clockwise on the screen from the positive x axis, 0 to 2 pi. dy is positive above the centre.
-float Angle(int64_t dx, int64_t dy, float distance)
-{
-    if (distance == 0.0f)
-        return 0.0f;
-    const float cosine = static_cast<float>(dx) / distance;
-    const float angle = static_cast<float>(maths::Acos(double { cosine }));
-    return dy < 1 ? angle : twoPi - angle;
 }
 
 uint64_t Square(int64_t value)
@@ -123,7 +108,9 @@ void CTransformMap::Fill(
             const int64_t dx = int64_t { column } - centerX;
             const int64_t dy = int64_t { centerY } - row;
             const float distance = std::sqrt(static_cast<float>(Square(dx) + Square(dy)));
-            const float angle = Angle(dx, dy, distance);
+            // Clockwise on the screen: dy is positive above the centre.
+            const float angle
+                = PolarTransform::Angle(static_cast<float>(dx), static_cast<float>(dy), distance);
             d = double { distance / radius };
             r = double { angle / twoPi };
             x = double { static_cast<float>(dx) / radius };

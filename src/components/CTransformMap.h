@@ -32,8 +32,7 @@ public:
     // not cost it.
     bool Build(int32_t width, int32_t height, const Settings& settings);
 
-    // One of the two is null: 16-bit entries serve every picture that a window asks for. A larger
-    // picture, made only in files, would wrap in them and takes 32 bits.
+    // One of the two is null: see PolarTransform::TakesSmallEntries.
     const uint16_t* Entries16() const { return m_entries16.empty() ? nullptr : m_entries16.data(); }
 
     const uint32_t* Entries32() const { return m_entries32.empty() ? nullptr : m_entries32.data(); }

@@ -1,7 +1,9 @@
+#include "components/CDynamicTransformVisComponent.h"
 #include "components/CFlushVisComponent.h"
 #include "components/CPendingVisComponent.h"
 #include "components/CSpectrumAnalyzerVisComponent.h"
 #include "components/CStarfieldVisComponent.h"
+#include "components/CSuperTransformVisComponent.h"
 #include "components/CTransformVisComponent.h"
 #include "engine2d/CComponentManager.h"
 
@@ -29,12 +31,12 @@ std::unique_ptr<CVisComponent> CreateVisComponent(int32_t index)
         return std::make_unique<CPendingVisComponent>();
     case 9: // Dot Fountain
         return std::make_unique<CPendingVisComponent>();
-    case 10: // Super Transform
-        return std::make_unique<CPendingVisComponent>();
+    case 10:
+        return std::make_unique<CSuperTransformVisComponent>();
     case 11: // Super-Scope
         return std::make_unique<CPendingVisComponent>();
-    case 12: // Dynamic Transform
-        return std::make_unique<CPendingVisComponent>();
+    case 12:
+        return std::make_unique<CDynamicTransformVisComponent>();
     default:
         return nullptr;
     }

@@ -42,6 +42,7 @@ constexpr int64_t compileCharacterWork = 200;
 constexpr int64_t pictureLoadWork = int64_t { 1 } << 20; // and more by size, once it is known
 constexpr int64_t picturePixelWork = 12;
 constexpr int64_t mapEntryWork = 100;
+constexpr int64_t polarMapEntryWork = 20;
 constexpr int64_t transformPixelWork = 16;
 constexpr int64_t mergePixelWork = 4;
 constexpr int64_t fillPixelWork = 1;

@@ -1,0 +1,69 @@
+#include "components/CDynamicTransformVisComponent.h"
+
+#include "components/SuperTransformPresets.h"
+#include "engine2d/IVisBuffer.h"
+#include "engine2d/VisLimits.h"
+#include "foundation/OQEngineContext.h"
+#include "kernels/DynamicTransformRow.h"
+
+CDynamicTransformVisComponent::CDynamicTransformVisComponent()
+{
+    Bind(u"PixelEquation", m_pixelEquation, u"r=r;d=d", &SuperTransformPresets());
+    Bind(u"FrameEquation", m_frameEquation, u"", &SuperTransformPresets());
+    BindColors();
+    BindBorders();
+    m_frame.UseVariables(m_variables);
+    m_pixel.UseVariables(m_variables);
+    LoadProperties(nullptr);
+}
+
+int64_t CDynamicTransformVisComponent::KeptPixels() const
+{
+    return CDisplacementGrid::KeptPixels(m_rect.Width(), m_rect.Height());
+}
+
+int32_t CDynamicTransformVisComponent::Prepare(IVisBuffer&, IVisAudioData&)
+{
+    m_grid.Resize(m_rect.Width(), m_rect.Height());
+    // The programs hold addresses of the variables, so both go before those do.
+    m_frame.UseVariables(m_variables);
+    m_pixel.UseVariables(m_variables);
+    m_variables.ClearVariables();
+    m_variables.AddVariables(m_beat.Table());
+    m_frame.SetEquation(m_frameEquation);
+    m_pixel.SetEquation(m_pixelEquation);
+    PrepareColors();
+    OQSeedRand(static_cast<uint32_t>(OQClockMilliseconds()));
+    m_prepared = true;
+    return 0;
+}
+
+int32_t CDynamicTransformVisComponent::Draw(IVisBuffer& buffer, IVisAudioData& audio)
+{
+    if (!TakePassWork(VisLimits::dynamicTransformPixelWork))
+        return -1;
+    const int64_t points = CDisplacementGrid::PointCount(m_rect.Width(), m_rect.Height());
+    if (!m_prepared) {
+        if (!OQTakeWork(VisLimits::mapEntryWork * points))
+            return -1;
+        Prepare(buffer, audio);
+    }
+    if (!OQTakeWork((VisLimits::gridPointWork + m_pixel.GetWork()) * points))
+        return -1;
+    m_beat.Hear(audio);
+    if (OQTakeWork(m_frame.GetWork()))
+        m_frame.Evaluate();
+    m_grid.Fill(m_pixel);
+
+    pxvis::kernels::DynamicTransformPass pass;
+    if (!TakePictures(buffer, pass))
+        return -1;
+    pass.points = m_grid.Points();
+    pass.gridWidth = m_grid.Width();
+    pass.gridHeight = m_grid.Height();
+    RunColors(pass);
+    for (int32_t y = 1; y < pass.height - 1; ++y)
+        pxvis::kernels::DynamicTransformRow(pass, y);
+    pxvis::kernels::RepairFrame(pass.target, pass.width, pass.height);
+    return 0;
+}

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "components/CDisplacementGrid.h"
+#include "components/CFeedbackVisComponent.h"
+
+// Feedback through an equation that runs afresh in each frame, on a coarse grid of points; between
+// them positions are interpolated.
+class CDynamicTransformVisComponent final : public CFeedbackVisComponent
+{
+public:
+    CDynamicTransformVisComponent();
+
+    int32_t Draw(IVisBuffer& buffer, IVisAudioData& audio) override;
+    int32_t Prepare(IVisBuffer& buffer, IVisAudioData& audio) override;
+    int64_t KeptPixels() const override;
+
+private:
+    OQString m_pixelEquation;
+    OQString m_frameEquation;
+
+    CDisplacementGrid m_grid;
+    CVariableTable m_variables; // of both equations, so that points see what the frame sets
+    CMathEvaluator m_frame;
+    CMathEvaluator m_pixel;
+};
