@@ -113,7 +113,9 @@ TEST_CASE("A Dynamic Transform refuses a buffer of another size and what a draw 
     const int64_t work = area * VisLimits::dynamicTransformPixelWork
         + points * (VisLimits::gridPointWork + equation.GetWork());
     const int64_t colors = 100; // of the equation that the scene sets
-    for (const int64_t prepare : { points * VisLimits::mapEntryWork, int64_t { 0 } }) {
+    const int64_t start = points * VisLimits::mapEntryWork
+        + (3 + 15) * VisLimits::compileCharacterWork; // of the pixel and the colour equation
+    for (const int64_t prepare : { start, int64_t { 0 } }) {
         scene.context.workLeft = prepare + work - 1;
         CHECK(scene.Draw() == -1);
         CHECK(PixelAt(scene.buffer, 9, 9) == 0x0909);

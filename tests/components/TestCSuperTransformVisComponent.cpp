@@ -288,11 +288,14 @@ TEST_CASE("A super map that a draw may not cost waits; once there is one it stay
     const int64_t fill = 3 * VisLimits::compileCharacterWork
         + area * (VisLimits::polarMapEntryWork + equation.GetWork());
     const int64_t polars = 13 * 40 * VisLimits::mapEntryWork;
+    // Of the colour and the change equation.
+    const int64_t prepare = (15 + 3) * VisLimits::compileCharacterWork;
     const int64_t change = equation.GetWork(); // of "c=1", which has the same steps
 
-    scene.context.workLeft = pass + change + fill + polars - 1;
+    scene.context.workLeft = pass + prepare + change + fill + polars - 1;
     CHECK(scene.Draw() == -1);
     CHECK(PixelAt(scene.buffer, 9, 9) == 0x0909);
+    // Now it is prepared.
     scene.context.workLeft = pass + change + fill + polars + 1000;
     CHECK(scene.Draw() == 0);
     CHECK(scene.SourceOf(9, 9) == std::pair(20, 12));
