@@ -44,7 +44,9 @@ int32_t CDynamicTransformVisComponent::Draw(IVisBuffer& buffer, IVisAudioData& a
         return -1;
     const int64_t points = CDisplacementGrid::PointCount(m_rect.Width(), m_rect.Height());
     if (!m_prepared) {
-        if (!OQTakeWork(VisLimits::mapEntryWork * points))
+        const int64_t characters
+            = int64_t { m_pixelEquation.GetLength() } + m_frameEquation.GetLength();
+        if (!TakePrepareWork(characters) || !OQTakeWork(VisLimits::mapEntryWork * points))
             return -1;
         Prepare(buffer, audio);
     }

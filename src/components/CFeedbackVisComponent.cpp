@@ -2,6 +2,7 @@
 
 #include "components/SuperTransformPresets.h"
 #include "engine2d/IVisBuffer.h"
+#include "engine2d/VisLimits.h"
 #include "engine2d/VisPresets.h"
 #include "foundation/OQEngineContext.h"
 #include "foundation/OQTruncate.h"
@@ -22,6 +23,12 @@ void CFeedbackVisComponent::PrepareColors()
 {
     m_fade.Compile(m_colorFadeEquation, m_beat, 1.0);
     m_add.Compile(m_colorAddEquation, m_beat, 0.0);
+}
+
+bool CFeedbackVisComponent::TakePrepareWork(int64_t characters) const
+{
+    characters += int64_t { m_colorFadeEquation.GetLength() } + m_colorAddEquation.GetLength();
+    return OQTakeWork(VisLimits::compileCharacterWork * characters);
 }
 
 bool CFeedbackVisComponent::TakePassWork(int64_t pixelWork) const

@@ -19,6 +19,10 @@ protected:
     // Compiles the colour equations.
     void PrepareColors();
 
+    // Takes the work of a Prepare that compiles so many characters and the colour equations. False
+    // if the Draw may not cost it.
+    bool TakePrepareWork(int64_t characters) const;
+
     // Takes the work of the pass, `pixelWork` for each pixel. False if the Draw may not cost
     // it, and for an empty rectangle.
     bool TakePassWork(int64_t pixelWork) const;

@@ -68,8 +68,15 @@ int32_t CSuperTransformVisComponent::Draw(IVisBuffer& buffer, IVisAudioData& aud
 {
     if (!TakePassWork(VisLimits::superTransformPixelWork))
         return -1;
-    if (!m_prepared)
+    if (!m_prepared) {
+        int64_t characters = 0;
+        for (const OQString* text :
+            { &m_zoomEquation, &m_scrollEquation, &m_rotateEquation, &m_transformChangeEquation })
+            characters += text->GetLength();
+        if (!TakePrepareWork(characters))
+            return -1;
         Prepare(buffer, audio);
+    }
     m_beat.Hear(audio);
     // The change equation runs in the first frame, too.
     if (IsChangeDue() || !m_map.IsBuilt())

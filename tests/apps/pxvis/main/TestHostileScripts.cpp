@@ -29,6 +29,8 @@ constexpr int height = 240;
 
 const std::string transform = "EB13A0B7-0B36-4bea-B95A-92ED8FEA86CD";
 const std::string spectrum = "B21F9002-EF2E-4d5b-9D40-F61B8F3B34D8";
+const std::string superTransform = "DCE4B5AB-25A0-432f-B4A2-8E91B9FD1060";
+const std::string dynamicTransform = "91A53739-48CC-425c-89EB-0DB399261FD9";
 const std::string picture = "63B96C06-29A4-4de2-9A9D-9F3E08F8C014";
 
 // One loud record: level 120, a beat, no change; a saw tooth and a full spectrum.
@@ -225,6 +227,31 @@ TEST_CASE("What a script may keep and compute has an end")
             + Repeat(Layer(add + Row("OnEquation", "on=1" + Repeat("^sin(1)", 100)), ""), 4000)));
     CheckDrawn("work-of-bars",
         Script(Repeat(Piece(spectrum, Row("BarWidth", "0.0001") + Row("Channels", "2")), 4000)));
+}
+
+TEST_CASE("Feedback that changes each frame or costs much per pixel has an end")
+{
+    const std::string change = Row("TransformChangeEquation", "c=1");
+    const auto super = [&](const std::string& list) {
+        return Script(Piece(superTransform, Row("TransformEquation", list) + change) + bars);
+    };
+    CheckDrawn("transforms-100000", super(Repeat("d=d*sin(r)|", 100'000)));
+    CheckDrawn("transforms-empty-4000000", super(std::string(4'000'000, '|')));
+    CheckDrawn("transforms-dear",
+        super("d=d" + Repeat("^sin(d)", 90) + "|d=d" + Repeat("^cos(r)", 100'000)));
+    CheckDrawn("super-transforms-4000", Script(Repeat(Piece(superTransform, change), 4000) + bars));
+    const std::string large = add + Row("Rectangle", "0;0;20;20");
+    for (const std::string& guid : { superTransform, dynamicTransform })
+        CheckDrawn("feedback-of-large-layer-" + guid, Script(bars + Layer(large, Piece(guid))));
+    CheckDrawn("dynamic-transforms-4000", Script(Repeat(Piece(dynamicTransform), 4000) + bars));
+    CheckDrawn("dynamic-transforms-dear-200",
+        Script(
+            Repeat(
+                Piece(dynamicTransform, Row("PixelEquation", "d=d" + Repeat("^sin(d)", 1000))), 200)
+            + bars));
+    CheckDrawn("dynamic-transform-long",
+        Script(
+            Piece(dynamicTransform, Row("FrameEquation", "d=d" + Repeat("+1", 1'900'000))) + bars));
 }
 
 TEST_CASE("Pictures that are no pictures are passed over")
