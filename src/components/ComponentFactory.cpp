@@ -1,3 +1,4 @@
+#include "components/CImageVisComponent.h"
 #include "components/CPendingVisComponent.h"
 #include "components/CSpectrumAnalyzerVisComponent.h"
 #include "components/CTransformVisComponent.h"
@@ -19,8 +20,8 @@ std::unique_ptr<CVisComponent> CreateVisComponent(int32_t index)
         return std::make_unique<CPendingVisComponent>();
     case 5: // Text
         return std::make_unique<CPendingVisComponent>();
-    case 6: // Image
-        return std::make_unique<CPendingVisComponent>();
+    case 6:
+        return std::make_unique<CImageVisComponent>();
     case 7: // Blob Oscilloscope
         return std::make_unique<CPendingVisComponent>();
     case 8: // Particle

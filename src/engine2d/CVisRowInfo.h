@@ -16,6 +16,7 @@ enum class CVisRowForm
     Font,
     Equation,
     EquationList, // separated by "|"
+    PictureList, // separated by "|"
 };
 
 // A row that a piece reads, for checks and lists. Name and map live as long as the piece.
