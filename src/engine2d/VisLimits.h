@@ -24,7 +24,7 @@ constexpr int64_t picturePixels = int64_t { 64 } << 20;
 // equation may swap them cheaply: so many, as long as they have so many pixels together.
 constexpr int32_t picturesInList = 4096;
 constexpr int32_t listPicturesKept = 8;
-constexpr int64_t listPicturesPixels = int64_t { 4 } << 20;
+constexpr int64_t listPicturesPixels = int64_t { 8 } << 20;
 
 // In one frame.
 constexpr int32_t scopePoints = 65536;
@@ -50,7 +50,7 @@ constexpr int64_t picturePixelWork = 12;
 constexpr int64_t mapEntryWork = 100;
 constexpr int64_t transformPixelWork = 16;
 constexpr int64_t mergePixelWork = 4;
-constexpr int64_t blendPixelWork = 4;
+constexpr int64_t blendPixelWork = 2;
 constexpr int64_t fillPixelWork = 1;
 constexpr int64_t fillRowWork = 64;
 constexpr int64_t gradientColorWork = 64;

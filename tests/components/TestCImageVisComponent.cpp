@@ -266,7 +266,7 @@ TEST_CASE("What is seen of the pictures counts as what the script keeps")
     CHECK(kept(u"-1e30;-1e30;1e30;1e30", u"a", 50) == 0);
     CHECK(kept(u"0.5;0;1;1", u"a|b|c", 50) == 3 * 25 * 50);
     CHECK(kept(u"0;0;1;1", u"a|b|c|d|e|f|g|h|i", 50) == 8 * 50 * 50);
-    CHECK(kept(u"0;0;1;1", u"a|b|c|d|e|f|g|h|i", 1024) == 4 * 1024 * 1024);
+    CHECK(kept(u"0;0;1;1", u"a|b|c|d|e|f|g|h|i", 2048) == 2 * 2048 * 2048);
     CHECK(kept(u"0;0;1;1", u"a|b|c|d|e|f|g|h|i", 4000) == 4000 * 4000);
     CHECK(kept(u"1;1;0;0", u"a", 50) == 0);
     CHECK(kept(u"2;0;1;1", u"a", 50) == 0);

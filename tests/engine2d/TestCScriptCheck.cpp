@@ -197,7 +197,7 @@ TEST_CASE("What is past a limit is told once, with the limit")
     };
     CHECK(picture(500, "0;0;.2;.2", 1).empty());
     CHECK(picture(63, "0;0;1;1", 1).empty());
-    CHECK(Tells(picture(32, "0;0;1;1", 9).at(0), u"134217728 pixels"));
+    CHECK(Tells(picture(16, "0;0;1;1", 9).at(0), u"134217728 pixels"));
     CHECK(picture(1, "0;0;.1;.1", VisLimits::picturesInList).empty());
     const auto longList = picture(1, "0;0;.1;.1", VisLimits::picturesInList + 1);
     CHECK(Tells(longList.at(0), u"more than 4096 pictures"));
