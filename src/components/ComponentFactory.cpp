@@ -1,5 +1,6 @@
 #include "components/CDynamicTransformVisComponent.h"
 #include "components/CFlushVisComponent.h"
+#include "components/CImageVisComponent.h"
 #include "components/CPendingVisComponent.h"
 #include "components/CSpectrumAnalyzerVisComponent.h"
 #include "components/CStarfieldVisComponent.h"
@@ -23,8 +24,8 @@ std::unique_ptr<CVisComponent> CreateVisComponent(int32_t index)
         return std::make_unique<CStarfieldVisComponent>();
     case 5: // Text
         return std::make_unique<CPendingVisComponent>();
-    case 6: // Image
-        return std::make_unique<CPendingVisComponent>();
+    case 6:
+        return std::make_unique<CImageVisComponent>();
     case 7: // Blob Oscilloscope
         return std::make_unique<CPendingVisComponent>();
     case 8: // Particle

@@ -335,22 +335,27 @@ void CScriptCheck::CheckComponent()
     if (info.category != 0 || rows.name == fillingComponent)
         ++m_painterCount;
 
-    CVisComponent& component = *rows.piece->GetComponent();
-    component.SetRect({ 0, 0, m_size.cx, m_size.cy });
-    KeepPixels(m_document.GetOffset(), rows.name, component.KeptPixels());
-
+    const int32_t offset = m_document.GetOffset();
+    CVisPropertyList values;
     bool hasProperties = false;
     m_document.IntoElem();
     while (m_document.FindElem()) {
         if (m_document.GetTagName() == u"Properties" && !std::exchange(hasProperties, true))
-            CheckProperties(rows.name, rows);
+            CheckProperties(rows.name, rows, &values);
         else
             CheckStray(rows.name, true);
     }
     m_document.OutOfElem();
+
+    CVisComponent& component = *rows.piece->GetComponent();
+    component.LoadProperties(&values);
+    component.SetRect({ 0, 0, m_size.cx, m_size.cy });
+    KeepPixels(offset, rows.name, component.KeptPixels());
 }
 
-void CScriptCheck::CheckProperties(const OQString& component, const Rows& rows)
+// Reads the rows into `values`, if that is given, as loading does.
+void CScriptCheck::CheckProperties(
+    const OQString& component, const Rows& rows, CVisPropertyList* values)
 {
     std::set<OQString> seen;
     int32_t count = 0;
@@ -367,6 +372,8 @@ void CScriptCheck::CheckProperties(const OQString& component, const Rows& rows)
             Add(m_document.GetOffset(), component,
                 u"the row " + QuoteForMessage(name) + u" stands here again: the last one counts");
         CheckRow(component, rows, name);
+        if (values)
+            values->AddRow(name.GetText(), m_document.GetData());
     }
     m_document.OutOfElem();
 }

@@ -48,7 +48,8 @@ private:
     void CheckStray(const OQString& around, bool behindProperties);
     void CheckLayer();
     void CheckComponent();
-    void CheckProperties(const OQString& component, const Rows& rows);
+    void CheckProperties(
+        const OQString& component, const Rows& rows, CVisPropertyList* values = nullptr);
     void CheckRow(const OQString& component, const Rows& rows, const OQString& name);
     void CheckArea(const OQString& text);
     // False for a piece that the script's pictures leave no memory for.

@@ -17,6 +17,7 @@ enum class CVisRowForm
     Equation,
     EquationList, // separated by "|"
     ColorList, // whole seconds, then colours, separated by ";"
+    PictureList, // separated by "|"
 };
 
 // A row that a piece reads, for checks and lists. Name and map live as long as the piece.

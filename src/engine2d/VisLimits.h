@@ -20,6 +20,12 @@ constexpr int32_t gradientTableEntries = 16384;
 constexpr int32_t pictureSide = 16384;
 constexpr int64_t picturePixels = int64_t { 64 } << 20;
 
+// Of a list of pictures: how many entries are read, and how many pictures are kept so that the
+// equation may swap them cheaply: so many, as long as they have so many pixels together.
+constexpr int32_t picturesInList = 4096;
+constexpr int32_t listPicturesKept = 8;
+constexpr int64_t listPicturesPixels = int64_t { 8 } << 20;
+
 // In one frame.
 constexpr int32_t scopePoints = 65536;
 constexpr int64_t blobRayPixels = int64_t { 16 } << 20;
@@ -45,6 +51,7 @@ constexpr int64_t mapEntryWork = 100;
 constexpr int64_t polarMapEntryWork = 20;
 constexpr int64_t transformPixelWork = 16;
 constexpr int64_t mergePixelWork = 4;
+constexpr int64_t blendPixelWork = 2;
 constexpr int64_t fillPixelWork = 1;
 constexpr int64_t fillRowWork = 64;
 constexpr int64_t gradientColorWork = 64;

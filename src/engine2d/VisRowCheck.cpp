@@ -7,6 +7,7 @@
 #include "foundation/OQCharacters.h"
 #include "foundation/OQNumberText.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace {
@@ -206,6 +207,15 @@ CVisRowFault ColorListFault(const CVisRowInfo& row, const OQString& text)
     return fault;
 }
 
+OQString PictureListFault(const OQString& text)
+{
+    const std::u16string_view view = text.View();
+    if (std::count(view.begin(), view.end(), u'|') < VisLimits::picturesInList)
+        return {};
+    return u"the list has more than " + OQIntToText(VisLimits::picturesInList)
+        + u" pictures: the further ones are left out";
+}
+
 OQString FontFault(const OQString& text, const OQStringArray* fonts)
 {
     if (!fonts || text.CompareNoCase(u"DEFAULT") == 0)
@@ -261,6 +271,8 @@ CVisRowFault CheckRowText(const CVisRowInfo& row, const OQString& text, const OQ
         return EquationListFault(row, isPreset ? OQString() : text);
     case CVisRowForm::ColorList:
         return ColorListFault(row, text);
+    case CVisRowForm::PictureList:
+        return { PictureListFault(text) };
     }
     return {};
 }

@@ -110,6 +110,13 @@ public:
     // What the last Load cost, whether it went well or not, as pixels that a decoder went over;
     // bytes that were only looked at count as a quarter of one.
     virtual int64_t GetLoadedPixels() const = 0;
+
+    // Makes `result` the very pixels that DrawTo would lay over a target of that size, and `place`
+    // where they go, inside the target: whoever draws a picture often keeps them, and draws them
+    // there with no stretching. False, with `place` and `result` empty, where nothing would be
+    // drawn or there is no memory. `result` is another image.
+    virtual bool StretchForDrawTo(IOQImage& result, const OQSize& target, const OQRect& rect,
+        bool keepShape, OQRect& place) const = 0;
 };
 
 // The image module's interface, given by its one export, extern "C" IOQImageApp*

@@ -7,7 +7,6 @@ namespace pxvis::kernels {
 namespace {
 
 constexpr int32_t kOne = 65536;
-constexpr uint32_t kOpaque = 255 * 255;
 
 uint32_t Value(uint32_t sum)
 {
@@ -86,20 +85,6 @@ void ResampleStoreRow(uint32_t* target, const uint32_t* sums, int32_t count)
             for (int channel = 0; channel < 3; ++channel)
                 pixel |= std::min((Value(sums[4 * i + channel]) * 255 + alpha / 2) / alpha, 255u)
                     << 8 * channel;
-        target[i] = pixel;
-    }
-}
-
-void ResampleBlendRow(uint32_t* target, const uint32_t* sums, int32_t count)
-{
-    for (int32_t i = 0; i < count; ++i) {
-        const uint32_t rest = kOpaque - Value(sums[4 * i + 3]);
-        uint32_t pixel = target[i] & 0xFF000000;
-        for (int channel = 0; channel < 3; ++channel) {
-            const uint32_t there = target[i] >> 8 * channel & 0xFF;
-            const uint32_t mixed = Value(sums[4 * i + channel]) * 255 + there * rest;
-            pixel |= std::min((mixed + kOpaque / 2) / kOpaque, 255u) << 8 * channel;
-        }
         target[i] = pixel;
     }
 }

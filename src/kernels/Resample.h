@@ -35,7 +35,4 @@ void ResampleAddRow(uint32_t* sums, const uint16_t* row, uint32_t weight, int32_
 // Writes finished sums as pixels; where alpha is 0 the whole pixel is.
 void ResampleStoreRow(uint32_t* target, const uint32_t* sums, int32_t count);
 
-// Lays finished sums over what is there; the target's alpha bytes stay.
-void ResampleBlendRow(uint32_t* target, const uint32_t* sums, int32_t count);
-
 }

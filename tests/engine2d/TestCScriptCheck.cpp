@@ -187,6 +187,21 @@ TEST_CASE("What is past a limit is told once, with the limit")
     CHECK(Tells(large[0], u"134217728 pixels"));
     CHECK(large[0].component == u"Layer");
 
+    // Pictures count by what is seen of them, so that a small one takes little.
+    const auto picture = [&](int count, const char* rectangle, int entries) {
+        return CheckBody(repeat(count,
+            std::string("<Component GUID=\"63B96C06-29A4-4de2-9A9D-9F3E08F8C014\">"
+                        "<Properties><MainRectangle>")
+                + rectangle + "</MainRectangle><ImageFile>" + repeat(entries - 1, "a|")
+                + "</ImageFile></Properties></Component>"));
+    };
+    CHECK(picture(500, "0;0;.2;.2", 1).empty());
+    CHECK(picture(63, "0;0;1;1", 1).empty());
+    CHECK(Tells(picture(16, "0;0;1;1", 9).at(0), u"134217728 pixels"));
+    CHECK(picture(1, "0;0;.1;.1", VisLimits::picturesInList).empty());
+    const auto longList = picture(1, "0;0;.1;.1", VisLimits::picturesInList + 1);
+    CHECK(Tells(longList.at(0), u"more than 4096 pictures"));
+
     // The findings themselves have one, too.
     const auto many = CheckBody(flush + repeat(100000, "<x/>"));
     CHECK(many.size() == CScriptCheck::mostFindings + 1);

@@ -91,21 +91,6 @@ TEST_CASE("Smooth rows: an exact copy, averages, mixes, and no colour of what ca
     }
 }
 
-TEST_CASE("A blend lets through what alpha leaves, and keeps the target's alpha")
-{
-    const uint32_t half = 65025u / 255 * 128; // times 255, as the pieces hold it
-    const uint32_t sums[8] = { 0, 0, half << 16, half << 16, 0, 0, 0, 0 };
-    uint32_t target[3] = { 0x7F0000FF, 0x12345678, kGuard };
-    ResampleBlendRow(target, sums, 2);
-    CHECK(target[0] == 0x7F80007F);
-    CHECK(target[1] == 0x12345678);
-    CHECK(target[2] == kGuard);
-
-    const uint32_t full[4] = { 0, 65025u << 16, 0, 65025u << 16 };
-    ResampleBlendRow(target, full, 1);
-    CHECK(target[0] == 0x7F00FF00);
-}
-
 TEST_CASE("Bytes become pixels, side by side or in steps, and nothing between them changes")
 {
     std::vector<uint8_t> bytes(4 * 67);

@@ -7,10 +7,12 @@
 #include "engine2d/CVisComponent.h"
 #include "engine2d/CVisLayer.h"
 #include "engine2d/CVisLayerPiece.h"
+#include "engine2d/VisPresets.h"
 #include "foundation/OQDataRoots.h"
 
 #include <algorithm>
 #include <ostream>
+#include <span>
 #include <vector>
 
 namespace pxvis {
@@ -44,8 +46,31 @@ const char* FormName(CVisRowForm form)
         return "equation";
     case CVisRowForm::EquationList:
         return "equations";
+    case CVisRowForm::ColorList:
+        return "seconds and colours";
+    case CVisRowForm::PictureList:
+        return "pictures";
     }
     return "";
+}
+
+// A map of presets that rows of several kinds may have in common.
+struct SharedMap
+{
+    const char* title;
+    const CVisPresetMap* map;
+};
+
+std::span<const SharedMap> SharedMaps()
+{
+    static const SharedMap maps[] = {
+        { "No, Yes", &NoYesPresets() },
+        { "Rectangles", &RectanglePresets() },
+        { "On-equations", &OnEquationPresets() },
+        { "Gradients", &GradientPresets() },
+        { "Gradients and Take Red", &GradientPresetsWithTakeRed() },
+    };
+    return maps;
 }
 
 struct Row
@@ -106,17 +131,71 @@ std::string Padded(std::string text, size_t width)
 }
 
 // In a table a "|" ends the cell, also between backquotes.
-std::string MarkdownCode(const std::string& text)
+std::string MarkdownText(const std::string& text)
 {
-    if (text.empty())
-        return "";
-    std::string code = "`";
+    std::string escaped;
     for (const char character : PrintableLine(text)) {
         if (character == '|')
-            code += '\\';
-        code += character;
+            escaped += '\\';
+        escaped += character;
     }
-    return code + '`';
+    return escaped;
+}
+
+std::string MarkdownCode(const std::string& text)
+{
+    return text.empty() ? std::string() : '`' + MarkdownText(text) + '`';
+}
+
+void PrintMarkdownPresets(const CVisPresetMap& map, std::ostream& output)
+{
+    output << "| preset | value |\n|---|---|\n";
+    for (const auto& preset : map)
+        output << "| " << MarkdownText(preset.key.ToUtf8()) << " | "
+               << MarkdownCode(preset.value.ToUtf8()) << " |\n";
+    output << '\n';
+}
+
+// Which table below tells the presets: that of the map's first row, or a shared one.
+std::string MapTitle(const Kind& kind, const CVisPresetMap* map)
+{
+    for (const SharedMap& shared : SharedMaps()) {
+        if (shared.map == map)
+            return shared.title;
+    }
+    const auto first = std::find_if(
+        kind.rows.begin(), kind.rows.end(), [map](const Row& row) { return row.map == map; });
+    return MarkdownCode(first->name);
+}
+
+// The section of a kind: its rows, and the presets that no other kind has.
+void PrintMarkdown(const Kind& kind, std::ostream& output)
+{
+    output << "## " << kind.name << "\n\n";
+    if (!kind.guid.empty())
+        output << "GUID " << MarkdownCode(kind.guid) << ", "
+               << (kind.category == "paint" ? "paints" : "reworks the picture") << ".\n\n";
+    output << "| row | form | default | presets |\n|---|---|---|---|\n";
+    for (const Row& row : kind.rows)
+        output << "| " << MarkdownCode(row.name) << " | " << row.form << " | "
+               << MarkdownCode(row.standard) << " | " << (row.map ? MapTitle(kind, row.map) : "")
+               << " |\n";
+    output << (kind.complete ? "\n" : "\nIts other rows can't be told yet.\n\n");
+    for (const Row& row : kind.rows) {
+        if (row.map && MapTitle(kind, row.map) == MarkdownCode(row.name)) {
+            output << "Presets of " << MarkdownCode(row.name) << ":\n\n";
+            PrintMarkdownPresets(*row.map, output);
+        }
+    }
+}
+
+void PrintSharedMaps(std::ostream& output)
+{
+    output << "## Shared presets\n\n";
+    for (const SharedMap& shared : SharedMaps()) {
+        output << shared.title << ":\n\n";
+        PrintMarkdownPresets(*shared.map, output);
+    }
 }
 
 void PrintNames(
@@ -164,34 +243,24 @@ void PrintComponent(const Kind& kind, ListForm form, std::ostream& output)
         return;
     }
     if (form == ListForm::Markdown) {
-        output << "## " << kind.name << "\n\n";
-        if (!kind.guid.empty())
-            output << "GUID " << MarkdownCode(kind.guid) << ", "
-                   << (kind.category == "paint" ? "paints" : "reworks the picture") << ".\n\n";
-        output << "| row | form | default | presets |\n|---|---|---|---|\n";
-    } else {
-        output << kind.name << (kind.guid.empty() ? "" : "  ") << kind.guid << '\n';
+        PrintMarkdown(kind, output);
+        return;
     }
-    for (const Row& row : kind.rows) {
-        if (form == ListForm::Markdown)
-            output << "| " << MarkdownCode(row.name) << " | " << row.form << " | "
-                   << MarkdownCode(row.standard) << " | "
-                   << (row.map ? std::to_string(row.map->GetCount()) : "") << " |\n";
-        else
-            output << "  " << Padded(row.name, 22) << ' ' << Padded(row.form, 12) << ' '
-                   << PrintableLine(row.standard) << '\n';
-    }
-    if (!kind.complete)
-        output << (form == ListForm::Markdown ? "\nIts other rows can't be told yet.\n"
-                                              : "  (its other rows can't be told yet)\n");
-    output << '\n';
+    output << kind.name << (kind.guid.empty() ? "" : "  ") << kind.guid << '\n';
+    for (const Row& row : kind.rows)
+        output << "  " << Padded(row.name, 22) << ' ' << Padded(row.form, 12) << ' '
+               << PrintableLine(row.standard) << '\n';
+    output << (kind.complete ? "\n" : "  (its other rows can't be told yet)\n\n");
 }
 
 void PrintPresets(const Kind& kind, const Row& row, ListForm form, std::ostream& output)
 {
-    if (form == ListForm::Markdown)
-        output << "## " << kind.name << ": " << row.name << "\n\n| preset | value |\n|---|---|\n";
-    else if (form == ListForm::Lines)
+    if (form == ListForm::Markdown) {
+        output << "## " << kind.name << ": " << row.name << "\n\n";
+        PrintMarkdownPresets(*row.map, output);
+        return;
+    }
+    if (form == ListForm::Lines)
         output << kind.name << " \"" << row.name << "\"\n";
     for (const auto& preset : *row.map) {
         const std::string name = preset.key.ToUtf8();
@@ -199,8 +268,6 @@ void PrintPresets(const Kind& kind, const Row& row, ListForm form, std::ostream&
         if (form == ListForm::Json)
             output << "{\"component\":" << JsonText(kind.name) << ",\"row\":" << JsonText(row.name)
                    << ",\"name\":" << JsonText(name) << ",\"value\":" << JsonText(value) << "}\n";
-        else if (form == ListForm::Markdown)
-            output << "| " << name << " | " << MarkdownCode(value) << " |\n";
         else
             output << "  " << Padded(name, 22) << ' ' << value << '\n';
     }
@@ -236,6 +303,8 @@ int RunList(const ListOptions& options, std::ostream& output, std::ostream& erro
                     PrintPresets(kind, row, options.form, output);
             }
         }
+        if (components && options.form == ListForm::Markdown)
+            PrintSharedMaps(output);
     }
     return output.flush() ? 0 : PrintError(errors, "the list can't be written");
 }

@@ -274,3 +274,25 @@ int64_t CImage::GetLoadedPixels() const
 {
     return m_loadedPixels;
 }
+
+bool CImage::StretchForDrawTo(
+    IOQImage& result, const OQSize& target, const OQRect& rect, bool keepShape, OQRect& place) const
+{
+    place = {};
+    result.Create(0, 0, 0, 0);
+    if (!m_bits || pxvis::image::IsEmpty(rect))
+        return false;
+    const pxvis::image::Placement whole = pxvis::image::PlacementIn(rect, View(), keepShape);
+    const OQRect visible = pxvis::image::VisiblePart(whole, target.cx, target.cy);
+    if (pxvis::image::IsEmpty(visible) || !result.Create(visible.Width(), visible.Height(), 0, 0))
+        return false;
+    try {
+        m_stretch.StorePart(
+            ViewOf(result.GetBits(), visible.Width(), visible.Height()), View(), whole, visible);
+        place = visible;
+        return true;
+    } catch (...) {
+        result.Create(0, 0, 0, 0);
+        return false;
+    }
+}

@@ -113,9 +113,11 @@ Pixbuf Decode(std::string_view bytes, int32_t enough, int64_t& pixels)
     }
     // That of GIF moves all that it has been given and not yet used with each block, and copies the
     // picture with each piece.
-    constexpr size_t pieces = 64; // about where both cost the same
-    const size_t pieceSize
-        = decoder == "gif" ? file.head.size() / pieces + 1 : std::string_view::npos;
+    constexpr size_t mostPieces = 64; // about where both cost the same for large files
+    constexpr size_t smallestPiece = 65536; // moved in a millisecond
+    const size_t pieceSize = decoder == "gif"
+        ? std::max(file.head.size() / mostPieces + 1, smallestPiece)
+        : std::string_view::npos;
     bool good = Write(loader.get(), file.head, pieceSize);
     for (size_t i = 0; good && i < file.parts.size(); ++i)
         good = Write(loader.get(), file.parts[i], pieceSize);

@@ -1,5 +1,8 @@
 #include "siblings/image/ImageStretch.h"
 
+#include "kernels/Blend.h"
+#include "siblings/image/ImageDrawing.h"
+
 #include <algorithm>
 
 namespace pxvis::image {
@@ -24,27 +27,49 @@ Placement PlacementIn(const OQRect& rect, const Pixels& picture, bool keepShape)
     return place;
 }
 
+OQRect VisiblePart(const Placement& place, int32_t width, int32_t height)
+{
+    const auto within = [](int64_t position, int32_t side) {
+        return static_cast<int32_t>(std::clamp<int64_t>(position, 0, side));
+    };
+    return { within(place.left, width), within(place.top, height),
+        within(place.left + place.width, width), within(place.top + place.height, height) };
+}
+
 void ImageStretch::Store(const Pixels& target, const Pixels& source)
 {
-    PrepareColumns(0, target.width, target.width, source.width);
+    StorePart(target, source, { 0, 0, target.width, target.height }, Bounds(target));
+}
+
+void ImageStretch::StorePart(
+    const Pixels& target, const Pixels& source, const Placement& place, const OQRect& visible)
+{
+    PrepareColumns(visible.left - place.left, target.width, place.width, source.width);
     for (int32_t y = 0; y < target.height; ++y)
-        kernels::ResampleStoreRow(
-            target.At(0, y), SumsOfRow(source, y, target.height), target.width);
+        kernels::ResampleStoreRow(target.At(0, y),
+            SumsOfRow(source, visible.top + y - place.top, place.height), target.width);
 }
 
 void ImageStretch::Blend(const Pixels& target, const Pixels& source, const Placement& place)
 {
-    const int64_t left = std::max<int64_t>(place.left, 0);
-    const int64_t right = std::min<int64_t>(place.left + place.width, target.width);
-    const int64_t top = std::max<int64_t>(place.top, 0);
-    const int64_t bottom = std::min<int64_t>(place.top + place.height, target.height);
-    if (left >= right || top >= bottom)
+    const OQRect visible = VisiblePart(place, target.width, target.height);
+    if (IsEmpty(visible))
         return;
-    const auto count = static_cast<int32_t>(right - left);
-    PrepareColumns(left - place.left, count, place.width, source.width);
-    for (int64_t y = top; y < bottom; ++y)
-        kernels::ResampleBlendRow(target.At(static_cast<int32_t>(left), static_cast<int32_t>(y)),
-            SumsOfRow(source, y - place.top, place.height), count);
+    const int32_t count = visible.Width();
+    if (place.width == source.width && place.height == source.height) {
+        const auto left = static_cast<int32_t>(visible.left - place.left);
+        for (int32_t y = visible.top; y < visible.bottom; ++y)
+            kernels::BlendRow(target.At(visible.left, y),
+                source.At(left, static_cast<int32_t>(y - place.top)), count);
+        return;
+    }
+    PrepareColumns(visible.left - place.left, count, place.width, source.width);
+    m_row.resize(static_cast<size_t>(count));
+    for (int32_t y = visible.top; y < visible.bottom; ++y) {
+        kernels::ResampleStoreRow(
+            m_row.data(), SumsOfRow(source, y - place.top, place.height), count);
+        kernels::BlendRow(target.At(visible.left, y), m_row.data(), count);
+    }
 }
 
 void ImageStretch::PrepareColumns(

@@ -22,6 +22,9 @@ struct Placement
 // isn't empty.
 Placement PlacementIn(const OQRect& rect, const Pixels& picture, bool keepShape);
 
+// What of the place lies inside a target of that size; empty if nothing does.
+OQRect VisiblePart(const Placement& place, int32_t width, int32_t height);
+
 // Stretches pictures smoothly. Keeps its memory for the next time, and what it has worked out for
 // as long as sizes and places stay the same. One thread at a time. May throw std::bad_alloc.
 class ImageStretch
@@ -29,6 +32,11 @@ class ImageStretch
 public:
     // Fills the whole target.
     void Store(const Pixels& target, const Pixels& source);
+
+    // Fills the target with the part of the stretched picture that lies in `visible`, which has the
+    // target's size and lies inside the place.
+    void StorePart(
+        const Pixels& target, const Pixels& source, const Placement& place, const OQRect& visible);
 
     // Lays the picture over the target by its alpha, clipped; the target's alpha bytes stay.
     void Blend(const Pixels& target, const Pixels& source, const Placement& place);
@@ -47,6 +55,7 @@ private:
 
     std::vector<uint32_t> m_rowWeights;
     std::vector<uint32_t> m_sums;
+    std::vector<uint32_t> m_row; // stretched
 
     // The last source rows that were mixed: neighbours in the target share them.
     struct Mixed

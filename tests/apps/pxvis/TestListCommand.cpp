@@ -34,7 +34,16 @@ TEST_CASE("list tells components with their rows, forms and defaults")
         "{\"name\":\"ClearEachFrame\",\"form\":\"choice\",\"default\":\"0\","
         "\"presets\":2}"));
     CHECK(Holds(List("components", Lines), "\nSpectrum Analyzer  B21F9002-EF2E-4d5b-9D40"));
-    CHECK(Holds(List("components", Markdown), "| `BarWidth` | number | `0.01` | "));
+
+    // A row names the table of its presets: its own, or one that many rows share.
+    const std::string page = List("components", Markdown);
+    CHECK(Holds(page, "| `BarWidth` | number | `0.01` | `BarWidth` |\n"));
+    CHECK(Holds(page, "| `BarGravity` | whole number | `1024` | `PeakGravity` |\n"));
+    CHECK(Holds(page, "\nPresets of `PeakGravity`:\n\n| preset | value |\n|---|---|\n| "));
+    CHECK_FALSE(Holds(page, "Presets of `BarGravity`"));
+    CHECK(Holds(page, "| `MainRectangle` | rectangle | `0;0;1;1` | Rectangles |\n"));
+    CHECK(Holds(page, "\nRectangles:\n\n| preset | value |\n"));
+    CHECK(page.find("| Bottom Half |") == page.rfind("| Bottom Half |"));
 }
 
 TEST_CASE("list tells presets by component and row")

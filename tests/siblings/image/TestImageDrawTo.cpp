@@ -89,3 +89,36 @@ TEST_CASE("Alpha lets the target through, whose own alpha stays")
     CHECK(PixelAt(*self, 2, 0) == 0xFF00FF00);
     CHECK(PixelAt(*self, 3, 0) == 0xFF000000);
 }
+
+TEST_CASE("What is stretched beforehand is drawn as the picture itself, and no larger than is seen")
+{
+    Image picture = MakeImage(9, 6);
+    for (uint32_t i = 0; i < 54; ++i)
+        picture->GetBits()[i] = i * 0x07153B65;
+    const OQRect rects[] = { { 0, 0, 20, 20 }, { 3, 2, 12, 8 }, { 1, 1, 4, 3 }, { -30, -5, 14, 60 },
+        { kLeast, kLeast, kMost, kMost }, { 19, 19, 20, 20 } };
+    for (const OQRect& rect : rects) {
+        for (const bool keepShape : { false, true }) {
+            Image direct = MakeImage(20, 20);
+            Image kept = MakeImage(20, 20);
+            direct->Clear(0x204060, 9);
+            kept->Clear(0x204060, 9);
+            picture->DrawTo(*direct, rect, keepShape);
+            Image stretched(OQCreateImage());
+            OQRect place;
+            REQUIRE(picture->StretchForDrawTo(*stretched, { 20, 20 }, rect, keepShape, place));
+            CHECK((stretched->GetSize() == OQSize { place.Width(), place.Height() }));
+            CHECK((place.left >= 0 && place.top >= 0 && place.right <= 20 && place.bottom <= 20));
+            stretched->DrawTo(*kept, place, false);
+            for (int i = 0; i < 400; ++i)
+                REQUIRE(direct->GetBits()[i] == kept->GetBits()[i]);
+        }
+    }
+    Image stretched = MakeImage(3, 3);
+    OQRect place { 1, 2, 3, 4 };
+    CHECK_FALSE(picture->StretchForDrawTo(*stretched, { 20, 20 }, { 20, 0, 40, 9 }, false, place));
+    CHECK((place == OQRect {}));
+    CHECK_FALSE(stretched->IsValid());
+    CHECK_FALSE(picture->StretchForDrawTo(*stretched, { 20, 20 }, { 9, 0, 2, 9 }, true, place));
+    CHECK_FALSE(picture->StretchForDrawTo(*stretched, { 0, 0 }, { 0, 0, 2, 9 }, true, place));
+}

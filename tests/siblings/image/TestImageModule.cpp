@@ -63,7 +63,8 @@ TEST_CASE("Each operation keeps its slot, which modules built at other times rel
         SlotOf(&IOQImage::GetBitmapInfo), SlotOf(&IOQImage::FillRect), SlotOf(&IOQImage::DrawLine),
         SlotOf(&IOQImage::CopyRect), SlotOf(&IOQImage::Blit), SlotOf(&IOQImage::DrawText),
         SlotOf(&IOQImage::SavePng), SlotOf(&IOQImage::Load), SlotOf(&IOQImage::LoadFromHost),
-        SlotOf(&IOQImage::IsValid), SlotOf(&IOQImage::DrawTo), SlotOf(&IOQImage::SaveJpeg) };
+        SlotOf(&IOQImage::IsValid), SlotOf(&IOQImage::DrawTo), SlotOf(&IOQImage::SaveJpeg),
+        SlotOf(&IOQImage::GetLoadedPixels), SlotOf(&IOQImage::StretchForDrawTo) };
     for (size_t i = 0; i < std::size(slots); ++i)
         CHECK(slots[i] == static_cast<long>(i) + 2);
     CHECK(SlotOf(&IOQImageApp::Initialize) == 0);

@@ -284,6 +284,18 @@ TEST_CASE("Large pictures are not all loaded for one frame")
     const std::string file = Row("ImageFile", (folder / "large.bmp").string());
     CheckDrawn("pictures-large-40",
         Script(bars + Repeat(Piece(spectrum, Row("DrawSource", "1") + file), 40)));
+    CheckDrawn("pictures-large-stretched-40",
+        Script(bars + Repeat(Piece(picture, file + Row("MainRectangle", "-99;-99;99;99")), 40)));
+}
+
+TEST_CASE("Pictures by the thousand and lists by the million end, too")
+{
+    CheckDrawn("pictures-4000", Script(bars + Repeat(Piece(picture), 4000)));
+    CheckDrawn("picture-list-1000000",
+        Script(bars
+            + Piece(picture,
+                Row("ImageFile", std::string(1'000'000, '|'))
+                    + Row("ImageChangeEquation", "i=rand(1000)/1000"))));
 }
 
 TEST_CASE("Floods of XML are read in time")
