@@ -4,6 +4,7 @@
 #include "engine2d/IVisBuffer.h"
 #include "engine2d/VisLimits.h"
 #include "foundation/OQEngineContext.h"
+#include "foundation/OQParallelRows.h"
 #include "kernels/DynamicTransformRow.h"
 
 CDynamicTransformVisComponent::CDynamicTransformVisComponent()
@@ -64,8 +65,10 @@ int32_t CDynamicTransformVisComponent::Draw(IVisBuffer& buffer, IVisAudioData& a
     pass.gridWidth = m_grid.Width();
     pass.gridHeight = m_grid.Height();
     RunColors(pass);
-    for (int32_t y = 1; y < pass.height - 1; ++y)
-        pxvis::kernels::DynamicTransformRow(pass, y);
+    OQParallelRows(1, pass.height - 1, pass.width, [&pass](int32_t first, int32_t end) {
+        for (int32_t y = first; y < end; ++y)
+            pxvis::kernels::DynamicTransformRow(pass, y);
+    });
     pxvis::kernels::RepairFrame(pass.target, pass.width, pass.height);
     return 0;
 }

@@ -4,6 +4,7 @@
 #include "engine2d/IVisBuffer.h"
 #include "engine2d/VisLimits.h"
 #include "foundation/OQEngineContext.h"
+#include "foundation/OQParallelRows.h"
 #include "foundation/OQTruncate.h"
 #include "kernels/Maths.h"
 #include "kernels/SuperTransformRow.h"
@@ -91,8 +92,10 @@ int32_t CSuperTransformVisComponent::Draw(IVisBuffer& buffer, IVisAudioData& aud
     pass.map32 = m_map.Entries32();
     RunMoves(pass);
     RunColors(pass);
-    for (int32_t y = 1; y < pass.height - 1; ++y)
-        pxvis::kernels::SuperTransformRow(pass, y);
+    OQParallelRows(1, pass.height - 1, pass.width, [&pass](int32_t first, int32_t end) {
+        for (int32_t y = first; y < end; ++y)
+            pxvis::kernels::SuperTransformRow(pass, y);
+    });
     pxvis::kernels::RepairFrame(pass.target, pass.width, pass.height);
     return 0;
 }
