@@ -11,6 +11,7 @@
 #include "foundation/OQDataRoots.h"
 
 #include <algorithm>
+#include <map>
 #include <ostream>
 #include <span>
 #include <vector>
@@ -149,27 +150,46 @@ std::string MarkdownCode(const std::string& text)
 
 void PrintMarkdownPresets(const CVisPresetMap& map, std::ostream& output)
 {
-    output << "| preset | value |\n|---|---|\n";
+    std::map<std::string, std::string> sorted; // as people look them up
     for (const auto& preset : map)
-        output << "| " << MarkdownText(preset.key.ToUtf8()) << " | "
-               << MarkdownCode(preset.value.ToUtf8()) << " |\n";
+        sorted.emplace(preset.key.ToUtf8(), preset.value.ToUtf8());
+    output << "| preset | value |\n|---|---|\n";
+    for (const auto& [name, value] : sorted)
+        output << "| " << MarkdownText(name) << " | " << MarkdownCode(value) << " |\n";
     output << '\n';
 }
 
-// Which table below tells the presets: that of the map's first row, or a shared one.
-std::string MapTitle(const Kind& kind, const CVisPresetMap* map)
+// The table of presets that stands with the first row that has the map, unless many kinds share it.
+std::string MapTitle(const std::vector<Kind>& kinds, const Kind& kind, const CVisPresetMap* map)
 {
     for (const SharedMap& shared : SharedMaps()) {
         if (shared.map == map)
             return shared.title;
     }
-    const auto first = std::find_if(
-        kind.rows.begin(), kind.rows.end(), [map](const Row& row) { return row.map == map; });
-    return MarkdownCode(first->name);
+    for (const Kind& owner : kinds) {
+        for (const Row& row : owner.rows) {
+            if (row.map == map)
+                return MarkdownCode(row.name) + (&owner == &kind ? "" : " of " + owner.name);
+        }
+    }
+    return {};
 }
 
-// The section of a kind: its rows, and the presets that no other kind has.
-void PrintMarkdown(const Kind& kind, std::ostream& output)
+// The default's text, or, of a long one that is a preset, the preset's name.
+std::string MarkdownDefault(const Row& row)
+{
+    constexpr size_t longest = 120; // bytes
+    if (row.map && row.standard.size() > longest) {
+        for (const auto& preset : *row.map) {
+            if (preset.value.ToUtf8() == row.standard)
+                return MarkdownText(preset.key.ToUtf8());
+        }
+    }
+    return MarkdownCode(row.standard);
+}
+
+// The section of a kind: its rows, and the presets that no kind before has.
+void PrintMarkdown(const std::vector<Kind>& kinds, const Kind& kind, std::ostream& output)
 {
     output << "## " << kind.name << "\n\n";
     if (!kind.guid.empty())
@@ -178,11 +198,11 @@ void PrintMarkdown(const Kind& kind, std::ostream& output)
     output << "| row | form | default | presets |\n|---|---|---|---|\n";
     for (const Row& row : kind.rows)
         output << "| " << MarkdownCode(row.name) << " | " << row.form << " | "
-               << MarkdownCode(row.standard) << " | " << (row.map ? MapTitle(kind, row.map) : "")
-               << " |\n";
+               << MarkdownDefault(row) << " | "
+               << (row.map ? MapTitle(kinds, kind, row.map) : std::string()) << " |\n";
     output << (kind.complete ? "\n" : "\nIts other rows can't be told yet.\n\n");
     for (const Row& row : kind.rows) {
-        if (row.map && MapTitle(kind, row.map) == MarkdownCode(row.name)) {
+        if (row.map && MapTitle(kinds, kind, row.map) == MarkdownCode(row.name)) {
             output << "Presets of " << MarkdownCode(row.name) << ":\n\n";
             PrintMarkdownPresets(*row.map, output);
         }
@@ -226,7 +246,8 @@ void PrintScripts(ListForm form, std::ostream& output)
         PrintNames(names, "Scripts", form, output);
 }
 
-void PrintComponent(const Kind& kind, ListForm form, std::ostream& output)
+void PrintComponent(
+    const std::vector<Kind>& kinds, const Kind& kind, ListForm form, std::ostream& output)
 {
     if (form == ListForm::Json) {
         output << "{\"name\":" << JsonText(kind.name)
@@ -243,7 +264,7 @@ void PrintComponent(const Kind& kind, ListForm form, std::ostream& output)
         return;
     }
     if (form == ListForm::Markdown) {
-        PrintMarkdown(kind, output);
+        PrintMarkdown(kinds, kind, output);
         return;
     }
     output << kind.name << (kind.guid.empty() ? "" : "  ") << kind.guid << '\n';
@@ -293,9 +314,10 @@ int RunList(const ListOptions& options, std::ostream& output, std::ostream& erro
         const bool components = options.what == "components";
         if (options.form == ListForm::Markdown)
             output << (components ? "# Components\n\n" : "# Presets\n\n");
-        for (const Kind& kind : Kinds()) {
+        const std::vector<Kind> kinds = Kinds();
+        for (const Kind& kind : kinds) {
             if (components)
-                PrintComponent(kind, options.form, output);
+                PrintComponent(kinds, kind, options.form, output);
             for (const Row& row : kind.rows) {
                 // For people the row that all have is told once.
                 const bool again = row.name == "OnEquation" && !kind.guid.empty();
