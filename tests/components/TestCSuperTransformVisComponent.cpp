@@ -86,7 +86,7 @@ TEST_CASE("Large pictures take 32-bit super entries, which don't wrap")
     CHECK(CSuperTransformMap::KeptPixels(-5, -5) == 0);
 }
 
-TEST_CASE("Super Transform: rows come in their order with the defaults, the list is cut at each |")
+TEST_CASE("Super Transform: rows come in their order with the defaults, the list as its entries")
 {
     CSuperTransformVisComponent component;
     CVisPropertyList saved;
@@ -278,7 +278,7 @@ TEST_CASE("Any number in a Super Transform, in a picture of any size, is harmles
     }
 }
 
-TEST_CASE("A super map that a draw may not cost waits; once there is one it stays in its place")
+TEST_CASE("A super map that a draw may not cost waits, and an old one stays in its place")
 {
     Scene scene({ { transform, u"d=0|d=0" }, { u"TransformChangeEquation", u"c=1" } });
     const int64_t area = 40 * 24;
