@@ -224,6 +224,9 @@ void AddRender(CLI::App& app, pxvis::RenderOptions& options, std::string& kernel
             { { "copy", Coding::Copy }, { "aac", Coding::Aac }, { "opus", Coding::Opus } },
             options.sound },
         "Sound: copy, aac, opus", "aac; opus in *.webm, which takes no other");
+    AddText(command, "--flash-limit",
+        ChoiceText<bool, bool> { { { "on", true }, { "off", false } }, options.flashLimit },
+        "Damp what flashes more than three times a second: on, off", "on");
     AddKernelAndThreads(command, kernel, options.threads);
     command.add_flag("--force", options.replace, "Replace an existing output");
 }
