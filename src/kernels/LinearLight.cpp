@@ -3,6 +3,7 @@
 #include "kernels/Maths.h"
 
 #include <array>
+#include <cmath>
 #include <cstddef>
 
 namespace pxvis::kernels {
@@ -18,7 +19,8 @@ std::array<uint16_t, byteCount> MakeLinearLight()
         const double value = byte / 255.0;
         const double linear
             = value <= 0.04045 ? value / 12.92 : maths::Pow((value + 0.055) / 1.055, 2.4);
-        light[static_cast<size_t>(byte)] = static_cast<uint16_t>(linear * linearLightFull + 0.5);
+        light[static_cast<size_t>(byte)]
+            = static_cast<uint16_t>(std::floor(linear * linearLightFull + 0.5));
     }
     return light;
 }
