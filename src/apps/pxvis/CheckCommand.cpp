@@ -1,6 +1,7 @@
 #include "apps/pxvis/CheckCommand.h"
 
 #include "apps/pxvis/ErrorLine.h"
+#include "apps/pxvis/FlashCheck.h"
 #include "apps/pxvis/FontList.h"
 #include "apps/pxvis/JsonText.h"
 #include "apps/pxvis/ScriptSet.h"
@@ -44,6 +45,8 @@ std::string HumanLine(const std::string& file, const CScriptFinding& finding)
 
 int RunCheck(const CheckOptions& options, std::ostream& output, std::ostream& errors)
 {
+    if (options.flash)
+        return RunFlashCheck(options, output, errors);
     OQStringArray fonts;
     CScriptCheck check(ListFonts(fonts) ? &fonts : nullptr);
     int status = 0;

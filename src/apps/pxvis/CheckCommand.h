@@ -10,6 +10,9 @@ struct CheckOptions
 {
     std::vector<std::string> scripts; // each as FindScripts takes it
     bool json = false;
+    bool flash = false; // look for flashing light, see RunFlashCheck, and for nothing else
+    std::string song
+        = {}; // for that; empty: the demo song, or a ClickTrack if that isn't installed
 };
 
 // The command "check": prints what loading a script passes over in silence, a finding a line,

@@ -3,8 +3,8 @@
 #include "apps/pxvis/ErrorLine.h"
 #include "apps/pxvis/Interrupt.h"
 #include "apps/pxvis/NumberedName.h"
+#include "apps/pxvis/OutputPicture.h"
 #include "apps/pxvis/SongPlayback.h"
-#include "foundation/OQSiblingModules.h"
 #include "host/ProgressLine.h"
 #include "host/VideoWriter.h"
 #include "os/File.h"
@@ -65,36 +65,10 @@ int64_t StepAt(uint64_t picture, const Rate& frameRate, const Rate& stepRate)
         / (uint64_t { frameRate.numerator } * stepRate.denominator));
 }
 
-// Pictures at the output's size, whatever size they are drawn at.
-class OutputPicture
+FlashLimit LimitOf(const RenderOptions& options)
 {
-public:
-    // False without memory.
-    bool Create(const RenderOptions& options)
-    {
-        if (options.pictureScale == 1.0)
-            return true;
-        m_width = options.width;
-        m_height = options.height;
-        m_scaled.reset(OQCreateImage());
-        return m_scaled && m_scaled->Create(m_width, m_height, 0, 0);
-    }
-
-    // Good until the next step.
-    IOQImage& Of(IOQImage& picture)
-    {
-        if (!m_scaled)
-            return picture;
-        uint32_t* top = m_scaled->GetBits() + int64_t { m_height - 1 } * m_width;
-        picture.Blit(top, m_width, m_height, -m_width * 4);
-        return *m_scaled;
-    }
-
-private:
-    int32_t m_width = 0;
-    int32_t m_height = 0;
-    std::unique_ptr<IOQImage> m_scaled; // null: nothing to scale
-};
+    return options.flashLimit ? FlashLimit::On : FlashLimit::Off;
+}
 
 constexpr const char* noMemory = "no memory for a picture of this size";
 
@@ -155,7 +129,7 @@ int RenderPicture(const RenderOptions& options, SongPlayback& playback, std::ost
     if (songLength > 0 && at > 2 * songLength + 60)
         return PrintError(errors, tooLate);
     OutputPicture output;
-    if (!output.Create(options))
+    if (!output.Create(options, FlashLimit::Off))
         return PrintError(errors, noMemory);
 
     const int64_t last = static_cast<int64_t>((at - options.from) * options.stepRate.PerSecond());
@@ -174,17 +148,18 @@ int RenderPicture(const RenderOptions& options, SongPlayback& playback, std::ost
             static_cast<uint64_t>(playback.StepCount()), static_cast<uint64_t>(last + 1));
     }
     progress.Clear();
-    if (!SavePicture(output.Of(playback.Picture()), options.output))
+    if (!SavePicture(output.Of(playback.Picture(), 0), options.output))
         return PrintError(errors, SaveFault(options.output));
     for (const std::string& warning : playback.Warnings())
         PrintWarning(errors, warning);
     return 0;
 }
 
-// Draws the part's pictures one after the other, until `add`, which takes each, gives false, or
-// Ctrl-C. Gives their number.
+// Draws the part's pictures one after the other, until `add`, which takes each as it goes out,
+// gives false, or Ctrl-C. Gives their number.
 template <typename Add>
-uint64_t DrawPictures(const RenderOptions& options, SongPlayback& playback, const Add& add)
+uint64_t DrawPictures(
+    const RenderOptions& options, SongPlayback& playback, OutputPicture& output, const Add& add)
 {
     const double rate = options.frameRate.PerSecond();
     const auto total
@@ -198,19 +173,27 @@ uint64_t DrawPictures(const RenderOptions& options, SongPlayback& playback, cons
         bool songGoesOn = true;
         while (songGoesOn && playback.StepCount() <= step)
             songGoesOn = playback.NextStep();
-        if (!songGoesOn || !add(playback.Picture()))
+        if (!songGoesOn)
+            break;
+        const int64_t time = options.frameRate.Nanoseconds(pictures);
+        if (!add(output.Of(playback.Picture(), time)))
             break;
         progress.Update(++pictures, total);
     }
     return pictures;
 }
 
-int Finished(const RenderOptions& options, const SongPlayback& playback, uint64_t pictures,
-    std::ostream& errors)
+int Finished(const RenderOptions& options, const SongPlayback& playback,
+    const OutputPicture& output, uint64_t pictures, std::ostream& errors)
 {
     if (!Interrupt::Requested()) {
         for (const std::string& warning : playback.Warnings())
             PrintWarning(errors, warning);
+        if (output.DampedCount() > 0)
+            PrintWarning(errors,
+                std::to_string(output.DampedCount()) + " of " + std::to_string(pictures)
+                    + " pictures were damped, as they flashed more than three times a second;"
+                      " --flash-limit off leaves them");
         return 0;
     }
     std::ostringstream place;
@@ -232,17 +215,17 @@ int RenderNumbered(const RenderOptions& options, const NumberedName& name, SongP
     if (!fault.empty())
         return PrintError(errors, fault);
     OutputPicture output;
-    if (!output.Create(options))
+    if (!output.Create(options, LimitOf(options)))
         return PrintError(errors, noMemory);
 
     uint64_t number = firstNumber;
-    const uint64_t pictures = DrawPictures(options, playback, [&](IOQImage& picture) {
+    const uint64_t pictures = DrawPictures(options, playback, output, [&](IOQImage& picture) {
         const std::string path = name.At(number++);
         if (!options.replace && Exists(path))
             fault = path + ": exists already; --force replaces it";
         else if (fault = InputFault(options, path); !fault.empty())
             return false;
-        else if (!SavePicture(output.Of(picture), path))
+        else if (!SavePicture(picture, path))
             fault = SaveFault(path);
         return fault.empty();
     });
@@ -250,7 +233,7 @@ int RenderNumbered(const RenderOptions& options, const NumberedName& name, SongP
         fault = playback.Error();
     if (fault.empty() && pictures == 0)
         fault = options.song + ": holds no sound in that part";
-    return fault.empty() ? Finished(options, playback, pictures, errors)
+    return fault.empty() ? Finished(options, playback, output, pictures, errors)
                          : PrintError(errors, fault);
 }
 
@@ -271,7 +254,7 @@ int RenderVideo(const RenderOptions& options, host::VideoContainer container,
     settings.replace = options.replace;
     settings.tags = playback.Info().tags;
     OutputPicture output;
-    if (!output.Create(options))
+    if (!output.Create(options, LimitOf(options)))
         return PrintError(errors, noMemory);
     std::string error;
     const auto writer = host::VideoWriter::Open(options.output, settings, error);
@@ -281,10 +264,9 @@ int RenderVideo(const RenderOptions& options, host::VideoContainer container,
     interrupt.RemoveAtEnd(writer->UnfinishedPath());
     playback.SetSoundSink(
         [&](const float* interleaved, size_t frames) { writer->AddSound(interleaved, frames); });
-    const uint64_t pictures = DrawPictures(options, playback, [&](IOQImage& picture) {
-        const uint32_t* bits = output.Of(picture).GetBits();
-        return writer->AddPicture(
-            bits + int64_t { options.height - 1 } * options.width, -ptrdiff_t { options.width });
+    const uint64_t pictures = DrawPictures(options, playback, output, [&](IOQImage& picture) {
+        const CVisPixels pixels = PixelsOf(picture);
+        return writer->AddPicture(pixels.topRow, pixels.stride);
     });
 
     if (!playback.Error().empty())
@@ -299,7 +281,7 @@ int RenderVideo(const RenderOptions& options, host::VideoContainer container,
                                     : writer->Error());
     if (!writer->Finish())
         return PrintError(errors, writer->Error());
-    return Finished(options, playback, pictures, errors);
+    return Finished(options, playback, output, pictures, errors);
 }
 
 // What is wrong with the options as such, whatever the song is; empty: nothing.

@@ -29,6 +29,7 @@ struct RenderOptions
     std::optional<host::SoundCoding> sound; // none: what the kind of file is known for
     int threads = 0; // of the encoder, and of the engine; 0: as many as suit the machine
     bool replace = false;
+    bool flashLimit = true; // of videos and numbered pictures; one by itself does not flash
 
     // Of the pictures that the engine draws, in pixels.
     int32_t DrawnWidth() const { return static_cast<int32_t>(width * pictureScale); }

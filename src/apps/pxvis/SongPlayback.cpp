@@ -4,6 +4,7 @@
 #include "apps/pxvis/FontList.h"
 #include "apps/pxvis/RenderCommand.h"
 #include "apps/pxvis/ScriptText.h"
+#include "host/analysis/ClickTrack.h"
 
 #include <algorithm>
 #include <cmath>
@@ -111,21 +112,36 @@ std::unique_ptr<SongPlayback> SongPlayback::Open(
         return nullptr;
     }
 
-    playback->m_decoder = host::SongDecoder::Open(options.song, error);
-    if (!playback->m_decoder)
+    if (!playback->OpenSong(options.song, error))
         return nullptr;
-    playback->m_cover.emplace(playback->m_decoder->Info().tags);
-    playback->m_session->SetSong(playback->m_decoder->Info(), playback->m_cover->Path());
+    playback->m_cover.emplace(playback->m_info.tags);
+    playback->m_session->SetSong(playback->m_info, playback->m_cover->Path());
     if (options.to >= 0)
         playback->m_end = SamplesIn(options.to);
-    playback->m_tap = std::make_unique<SoundTap>(
-        *playback->m_decoder, SamplesIn(options.from), playback->m_end);
+    playback->m_tap
+        = std::make_unique<SoundTap>(*playback->m_song, SamplesIn(options.from), playback->m_end);
     host::AnalysisOptions analysis;
     analysis.stepNumerator = options.stepRate.numerator;
     analysis.stepDenominator = options.stepRate.denominator;
     analysis.from = options.from;
     playback->m_analyzer.emplace(*playback->m_tap, analysis);
     return playback;
+}
+
+bool SongPlayback::OpenSong(const std::string& path, std::string& error)
+{
+    if (path.empty()) {
+        m_song = std::make_unique<host::ClickTrack>();
+        m_info.durationSeconds = host::ClickTrack::Seconds;
+        return true;
+    }
+    auto decoder = host::SongDecoder::Open(path, error);
+    if (!decoder)
+        return false;
+    m_info = decoder->Info();
+    m_decoder = decoder.get();
+    m_song = std::move(decoder);
+    return true;
 }
 
 void SongPlayback::SetSoundSink(SoundSink sink)
@@ -167,8 +183,8 @@ bool SongPlayback::NextStep()
     host::AudioRecord record;
     if (!m_analyzer->Next(record)) {
         if (StepCount() == 0)
-            m_error = m_decoder->Error();
-        else
+            m_error = m_song->Error();
+        else if (m_decoder)
             m_loss = m_decoder->Loss();
         return false;
     }

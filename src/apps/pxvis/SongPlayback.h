@@ -28,7 +28,8 @@ public:
     // them: interleaved pairs.
     using SoundSink = std::function<void(const float* interleaved, size_t frames)>;
 
-    // Null, and one line, if the song or every script fails. `warnings` gets a line for each script
+    // Null, and one line, if the song or every script fails. Without a song's name there is a
+    // ClickTrack. `warnings` gets a line for each script
     // of several that does not parse and is left out.
     static std::unique_ptr<SongPlayback> Open(
         const RenderOptions& options, std::string& error, std::ostream& warnings);
@@ -50,7 +51,7 @@ public:
     // heard are black. A line each.
     std::vector<std::string> Warnings() const;
 
-    const host::SongInfo& Info() const { return m_decoder->Info(); }
+    const host::SongInfo& Info() const { return m_info; }
 
     // A file that is gone with the object; empty if there is none.
     const std::string& CoverFile() const { return m_cover->Path(); }
@@ -60,6 +61,7 @@ private:
 
     SongPlayback() = default;
 
+    bool OpenSong(const std::string& path, std::string& error);
     bool LoadScriptFor(double seconds);
     void CountFaults(size_t script);
     bool ShouldHaveDrawn() const;
@@ -69,7 +71,9 @@ private:
     Rate m_stepRate;
     std::vector<std::string> m_scripts;
     size_t m_current = SIZE_MAX; // index of the loaded script
-    std::unique_ptr<host::SongDecoder> m_decoder;
+    std::unique_ptr<host::SampleSource> m_song;
+    const host::SongDecoder* m_decoder = nullptr; // m_song, if that is one
+    host::SongInfo m_info;
     std::optional<host::CoverFile> m_cover;
     std::unique_ptr<SoundTap> m_tap;
     std::optional<host::SongAnalyzer> m_analyzer;

@@ -75,11 +75,8 @@ void VisualSession::SetSong(const host::SongInfo& info, const std::string& cover
 
 bool VisualSession::Step(const host::AudioRecord& record)
 {
-    const uint64_t units = static_cast<uint64_t>(m_steps) * m_settings.stepRate.denominator;
-    const uint64_t rate = m_settings.stepRate.numerator;
-    const uint64_t elapsed = units / rate * 1'000'000'000 + units % rate * 1'000'000'000 / rate;
-    m_context.virtualNanoseconds
-        = m_settings.clockStartMs * 1'000'000 + static_cast<int64_t>(elapsed);
+    m_context.virtualNanoseconds = m_settings.clockStartMs * 1'000'000
+        + m_settings.stepRate.Nanoseconds(static_cast<uint64_t>(m_steps));
     ++m_steps;
     m_audio->record = record;
     m_audio->ready = true;

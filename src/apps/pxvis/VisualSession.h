@@ -19,6 +19,15 @@ struct Rate
     uint32_t denominator = 1;
 
     double PerSecond() const { return static_cast<double>(numerator) / denominator; }
+
+    // The time of event k, counted from 0, rounded down.
+    int64_t Nanoseconds(uint64_t k) const
+    {
+        constexpr uint64_t second = 1'000'000'000;
+        const uint64_t units = k * denominator;
+        return static_cast<int64_t>(
+            units / numerator * second + units % numerator * second / numerator);
+    }
 };
 
 struct VisualSessionSettings

@@ -1,32 +1,10 @@
 #include "TestFolder.h"
 #include "TestVariable.h"
 #include "VisTesting.h"
-#include "apps/pxvis/CheckCommand.h"
+#include "apps/pxvis/Checked.h"
 #include "apps/pxvis/ScriptSet.h"
 
 #include <doctest/doctest.h>
-
-#include <sstream>
-
-namespace {
-
-struct Checked
-{
-    explicit Checked(const pxvis::CheckOptions& options)
-    {
-        std::ostringstream output;
-        std::ostringstream errors;
-        status = pxvis::RunCheck(options, output, errors);
-        text = output.str();
-        fault = errors.str();
-    }
-
-    int status;
-    std::string text;
-    std::string fault;
-};
-
-}
 
 TEST_CASE("check passes the shipped scripts")
 {

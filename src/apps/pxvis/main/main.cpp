@@ -224,6 +224,9 @@ void AddRender(CLI::App& app, pxvis::RenderOptions& options, std::string& kernel
             { { "copy", Coding::Copy }, { "aac", Coding::Aac }, { "opus", Coding::Opus } },
             options.sound },
         "Sound: copy, aac, opus", "aac; opus in *.webm, which takes no other");
+    AddText(command, "--flash-limit",
+        ChoiceText<bool, bool> { { { "on", true }, { "off", false } }, options.flashLimit },
+        "Damp what flashes more than three times a second: on, off", "on");
     AddKernelAndThreads(command, kernel, options.threads);
     command.add_flag("--force", options.replace, "Replace an existing output");
 }
@@ -270,11 +273,20 @@ void AddCheck(CLI::App& app, pxvis::CheckOptions& options)
         "any. \"character N\" counts in the row's text, from 1.\n"
         "--json: an object a line, "
         "{\"file\":text,\"line\":n,\"column\":n,\"component\":text|null,\n"
-        "\"row\":text|null,\"position\":n|null,\"message\":text}; position is that character.");
+        "\"row\":text|null,\"position\":n|null,\"message\":text}; position is that character.\n"
+        "--flash: a span a line, FILE: 0:12.4 to 0:15.0: 5 flashes a second over 60 % of the "
+        "picture\n"
+        "(general|red); with --json {\"file\":text,\"from\":seconds,\"to\":seconds,\"flashes\":n,\n"
+        "\"area\":percent,\"kind\":\"general\"|\"red\"}.");
     command.add_option("FILE", options.scripts, "Scripts: files, names, or folders of them")
         ->required()
         ->check(NotEmpty("a script's name"));
     command.add_flag("--json", options.json, "Findings as JSON, an object a line");
+    CLI::Option* flash = command.add_flag("--flash", options.flash,
+        "Draw them over a song instead, tell where they flash more than three times a second");
+    command.add_option("--song", options.song, "The song for --flash [the demo song]")
+        ->check(NotEmpty("the song's name"))
+        ->needs(flash);
 }
 
 void AddList(CLI::App& app, pxvis::ListOptions& options)

@@ -86,6 +86,20 @@ TEST_CASE("The second Ctrl-C leaves nothing")
     CHECK(folder.Names().empty());
 }
 
+TEST_CASE("Ctrl-C ends a check for flashes, which has told what it found so far")
+{
+    const TestFolder folder;
+    const std::string strobe = PXVIS_SOURCE_DIR "/tests/data/flash/strobe-8-a-second.pxv";
+    Program check(
+        { "check", "--flash", strobe, strobe }, { folder.Path("errors"), folder.Path("found") });
+    WaitForFile(check, folder.Path("found"), 1);
+    usleep(50000);
+    check.Signal(SIGINT);
+    CHECK(check.Wait(60) == 130);
+    CHECK(folder.Read("found").find(strobe + ": 0:00.") == 0);
+    CHECK(folder.Read("errors").find("pxvis: " + strobe + ": stopped at ") == 0);
+}
+
 TEST_CASE("What a killed render left is in nobody's way")
 {
     const TestFolder folder;
