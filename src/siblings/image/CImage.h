@@ -37,6 +37,8 @@ public:
     bool DrawTo(IOQImage& target, const OQRect& rect, bool keepShape) const override;
     bool SaveJpeg(const OQChar* path, int32_t quality, int32_t reserved) const override;
     int64_t GetLoadedPixels() const override;
+    OQSize MeasureText(const OQChar* text, IOQFont* font, int32_t alignment,
+        int32_t availableWidth) const override;
 
 private:
     struct FreeBits
