@@ -1,5 +1,6 @@
 #include "components/CPendingVisComponent.h"
 #include "components/CSpectrumAnalyzerVisComponent.h"
+#include "components/CTextVisComponent.h"
 #include "components/CTransformVisComponent.h"
 #include "engine2d/CComponentManager.h"
 
@@ -17,8 +18,8 @@ std::unique_ptr<CVisComponent> CreateVisComponent(int32_t index)
         return std::make_unique<CPendingVisComponent>();
     case 4: // Starfield
         return std::make_unique<CPendingVisComponent>();
-    case 5: // Text
-        return std::make_unique<CPendingVisComponent>();
+    case 5:
+        return std::make_unique<CTextVisComponent>();
     case 6: // Image
         return std::make_unique<CPendingVisComponent>();
     case 7: // Blob Oscilloscope

@@ -1,11 +1,11 @@
 #include "apps/pxvis/CheckCommand.h"
 
 #include "apps/pxvis/ErrorLine.h"
-#include "apps/pxvis/FontList.h"
 #include "apps/pxvis/JsonText.h"
 #include "apps/pxvis/ScriptSet.h"
 #include "apps/pxvis/ScriptText.h"
 #include "engine2d/CScriptCheck.h"
+#include "engine2d/VisFonts.h"
 
 #include <ostream>
 
@@ -45,7 +45,7 @@ std::string HumanLine(const std::string& file, const CScriptFinding& finding)
 int RunCheck(const CheckOptions& options, std::ostream& output, std::ostream& errors)
 {
     OQStringArray fonts;
-    CScriptCheck check(ListFonts(fonts) ? &fonts : nullptr);
+    CScriptCheck check(VisListFonts(fonts) ? &fonts : nullptr);
     int status = 0;
     for (const std::string& name : options.scripts) {
         std::string error;

@@ -100,14 +100,14 @@ void CFont::SetText(std::u16string_view text)
     m_measured.reset();
     m_drawn.reset();
     m_text = text;
-    m_utf8 = OQString(m_text.data(), static_cast<int>(m_text.size())).ToUtf8();
 }
 
 template <typename Use>
 void CFont::LayOut(int32_t width, Use use)
 {
+    const std::string utf8 = OQString(m_text.data(), static_cast<int>(m_text.size())).ToUtf8();
     pxvis::image::ImageText::Get().WithLayout(
-        m_style, m_utf8, width, [&](const TextLayout& layout, bool isNew) {
+        m_style, utf8, width, [&](const TextLayout& layout, bool isNew) {
             if (isNew) {
                 ++m_layoutCount;
                 m_work += layout.Work();

@@ -50,7 +50,6 @@ private:
     int64_t m_work = 0;
 
     std::u16string m_text;
-    std::string m_utf8; // the same
     std::optional<Shape> m_measured;
     std::optional<Shape> m_drawn;
     int32_t m_drawnAlignment = 0; // horizontal
