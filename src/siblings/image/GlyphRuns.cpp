@@ -158,15 +158,15 @@ void GlyphRuns::DrawLargeColored(cairo_t* cairo, const Run& run) const
 {
     const std::unique_ptr<PangoFontDescription, decltype(&pango_font_description_free)> description(
         pango_font_describe_with_absolute_size(run.font), &pango_font_description_free);
-    const double stretch = pango_font_description_get_size(description.get())
-        / (double { PANGO_SCALE } * kLargestColored);
+    // The description of a font that has one size tells that one.
+    const double stretch = static_cast<double>(m_pixels) / kLargestColored;
     pango_font_description_set_absolute_size(
         description.get(), double { PANGO_SCALE } * kLargestColored);
     const std::unique_ptr<PangoContext, decltype(&g_object_unref)> context(
         pango_font_map_create_context(pango_font_get_font_map(run.font)), &g_object_unref);
     const std::unique_ptr<PangoFont, decltype(&g_object_unref)> font(
         pango_context_load_font(context.get(), description.get()), &g_object_unref);
-    if (!font || !(stretch > 0))
+    if (!font)
         return;
 
     constexpr int32_t side = kLargestColored * 3; // room around what may be wider than the em
