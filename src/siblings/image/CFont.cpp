@@ -18,7 +18,7 @@ namespace {
 
 constexpr int kMostNameUnits = 128; // of a family's name
 
-// A new size of a font asks the system for fonts that go with it.
+// Of the first layout: a new size of a font asks the system for fonts that go with it.
 constexpr int64_t kFontWork = 1 << 21;
 
 // Small texts in small pictures are kept whole.
@@ -74,7 +74,6 @@ CFont::CFont(const OQFontDescriptor& descriptor)
         .weight = std::clamp(descriptor.weight, 100, 900),
         .italic = descriptor.italic,
         .strikeout = descriptor.strikeout }
-    , m_work(kFontWork)
 {
 }
 
@@ -109,8 +108,8 @@ void CFont::LayOut(int32_t width, Use use)
     pxvis::image::ImageText::Get().WithLayout(
         m_style, utf8, width, [&](const TextLayout& layout, bool isNew) {
             if (isNew) {
+                m_work += layout.Work() + (m_layoutCount == 0 ? kFontWork : 0);
                 ++m_layoutCount;
-                m_work += layout.Work();
             }
             use(layout);
         });
