@@ -83,10 +83,12 @@ int32_t CTextVisComponent::Prepare(IVisBuffer&, IVisAudioData&)
 }
 
 // The font keeps up to twice the picture's pixels, or those of a small picture, in a byte each, and
-// three copies of a text are about.
+// three copies of a text are about. Before the layer has a size nothing is drawn and nothing kept.
 int64_t CTextVisComponent::KeptPixels() const
 {
     const int64_t pixels = int64_t { m_rect.Width() } * m_rect.Height();
+    if (pixels <= 0)
+        return 0;
     return std::max<int64_t>(pixels, VisLimits::textLeastKeptPixels) / 2
         + VisLimits::textUnits * 3 / 2;
 }
