@@ -72,17 +72,18 @@ public:
         return which >= 0 && which < 4 ? values[which] : 0;
     }
 
-    const void* GetPlayInfo() override { return nullptr; }
+    const void* GetPlayInfo() override { return &m_playInfo; }
 
     char16_t* GetTrackField(int32_t which) override
     {
         return SysAllocString(which == VisTrackFieldCoverFile ? CoverPath().GetText() : u"text");
     }
 
-    char16_t* ExpandText(const char16_t*) override { return nullptr; }
+    char16_t* ExpandText(const char16_t* text) override { return SysAllocString(text); }
 
 private:
     VisAudioBlock m_block {};
+    VisPlayInfo m_playInfo { .playlistPosition = 3, .totalSeconds = 200, .elapsedSeconds = 3671 };
     int m_frame = 0;
 };
 

@@ -8,6 +8,7 @@
 #include <pxvis/SysString.h>
 
 #include <cstdint>
+#include <map>
 #include <string>
 
 // Audio that a test sets as it likes.
@@ -21,19 +22,30 @@ struct TestAudio final : IVisAudioData
 
     int32_t GetValue(int32_t which) override { return which >= 0 && which < 4 ? values[which] : 0; }
 
-    const void* GetPlayInfo() override { return nullptr; }
+    const void* GetPlayInfo() override { return &playInfo; }
 
     char16_t* GetTrackField(int32_t which) override
     {
-        return which == VisTrackFieldCoverFile ? SysAllocString(coverFile.c_str()) : nullptr;
+        ++fieldsAsked;
+        if (which == VisTrackFieldCoverFile)
+            return SysAllocString(coverFile.c_str());
+        const auto field = fields.find(which);
+        return field == fields.end() ? nullptr : SysAllocString(field->second.c_str());
     }
 
-    char16_t* ExpandText(const char16_t*) override { return nullptr; }
+    char16_t* ExpandText(const char16_t* text) override
+    {
+        return SysAllocString(expandsTo.empty() ? text : expandsTo.c_str());
+    }
 
     VisAudioBlock block {};
     int32_t values[4] = { 0, 0, 60000, 0 }; // level, beat, frame rate, change
     int32_t refreshResult = 0;
     std::u16string coverFile;
+    std::map<int32_t, std::u16string> fields; // by VisTrackField; a missing one is unknown
+    int fieldsAsked = 0;
+    VisPlayInfo playInfo;
+    std::u16string expandsTo; // empty: the text itself
 };
 
 // Gives an engine audio that the test goes on setting through `audio`.

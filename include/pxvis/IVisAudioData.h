@@ -34,6 +34,21 @@ enum VisTrackField : int32_t
     VisTrackFieldCustom3 = 10,
 };
 
+// What GetPlayInfo points at. The front is the host's own.
+struct VisPlayInfo
+{
+    uint8_t unused[524] {};
+    int32_t playlistPosition = 0; // from 1
+    int32_t playlistLength = 0;
+    int32_t totalSeconds = 0; // of the track
+    int32_t elapsedSeconds = 0;
+    int32_t bitRate = 0; // kbit/s; 0 unknown, 10000 an analog and 10001 a digital CD
+    int32_t channels = 0;
+    int32_t sampleRate = 0;
+};
+
+static_assert(sizeof(VisPlayInfo) == 552);
+
 // What a host gives the 2D engine once a frame. The engine owns the object and destroys it through
 // the destructor; all calls come from the drawing thread. Slots: add at the end only.
 class IVisAudioData
@@ -47,7 +62,7 @@ public:
     virtual void Reserved() = 0;
     virtual const VisAudioBlock* GetData() = 0;
     virtual int32_t GetValue(int32_t which) = 0; // a VisAudioValue
-    virtual const void* GetPlayInfo() = 0;
+    virtual const void* GetPlayInfo() = 0; // a VisPlayInfo, or null
 
     // Null or a text from SysAllocString that the caller frees.
     virtual char16_t* GetTrackField(int32_t which) = 0; // a VisTrackField

@@ -1,5 +1,6 @@
 #include "components/CRowVisComponent.h"
 
+#include "engine2d/VisFonts.h"
 #include "engine2d/VisPresets.h"
 #include "foundation/OQNumberText.h"
 
@@ -118,6 +119,10 @@ void CRowVisComponent::Save(const Binding& binding, CVisPropertyList& list)
     const auto addText = [&](const OQString& text) {
         if (map)
             list.AddPresetRow(name, text, *map);
+        else if (binding.form == CVisRowForm::Pages)
+            list.AddRow(name, text, CVisPropertyRow::KindLongText, u"Edit");
+        else if (binding.form == CVisRowForm::Font)
+            list.AddRow(name, text, CVisPropertyRow::KindFont, VisFontPresets());
         else
             list.AddRow(name, text);
     };

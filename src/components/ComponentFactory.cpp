@@ -5,6 +5,7 @@
 #include "components/CSpectrumAnalyzerVisComponent.h"
 #include "components/CStarfieldVisComponent.h"
 #include "components/CSuperTransformVisComponent.h"
+#include "components/CTextVisComponent.h"
 #include "components/CTransformVisComponent.h"
 #include "engine2d/CComponentManager.h"
 
@@ -22,8 +23,8 @@ std::unique_ptr<CVisComponent> CreateVisComponent(int32_t index)
         return std::make_unique<CPendingVisComponent>();
     case 4:
         return std::make_unique<CStarfieldVisComponent>();
-    case 5: // Text
-        return std::make_unique<CPendingVisComponent>();
+    case 5:
+        return std::make_unique<CTextVisComponent>();
     case 6:
         return std::make_unique<CImageVisComponent>();
     case 7: // Blob Oscilloscope

@@ -6,6 +6,7 @@
 enum class CVisRowForm
 {
     Text, // anything
+    Pages, // of text, see CutTextPages
     Integer,
     Choice, // an integer that means something only if it is a value of the map
     Float,

@@ -16,6 +16,11 @@ constexpr int64_t gradientCells = 65536;
 // worked out as it is read.
 constexpr int32_t gradientTableEntries = 16384;
 
+// Of a text, in 16-bit units once its tokens are expanded.
+constexpr int32_t textPages = 4096;
+constexpr int32_t textUnits = 8192;
+constexpr int64_t textLeastKeptPixels = 65536;
+
 // Of a picture that a component shows, in pixels; a larger one is not loaded.
 constexpr int32_t pictureSide = 16384;
 constexpr int64_t picturePixels = int64_t { 64 } << 20;
@@ -62,6 +67,9 @@ constexpr int64_t lineWork = 64;
 constexpr int64_t rayWork = 64;
 constexpr int64_t rayPixelWork = 4;
 constexpr int64_t starWork = 16;
+constexpr int64_t textWork = 10'000; // and what its font tells, once it is laid out
+constexpr int64_t textExpandWork = 64; // a unit
+constexpr int64_t textPixelWork = 4;
 constexpr int64_t superTransformPixelWork = 20;
 constexpr int64_t dynamicTransformPixelWork = 24;
 constexpr int64_t gridPointWork = 64;

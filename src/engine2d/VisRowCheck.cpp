@@ -3,6 +3,7 @@
 #include "engine2d/CGradientEx.h"
 #include "engine2d/VisLimits.h"
 #include "engine2d/VisPropertyText.h"
+#include "engine2d/VisTextPages.h"
 #include "expression/CMathEvaluator.h"
 #include "foundation/OQCharacters.h"
 #include "foundation/OQNumberText.h"
@@ -248,6 +249,8 @@ CVisRowFault CheckRowText(const CVisRowInfo& row, const OQString& text, const OQ
     switch (row.form) {
     case CVisRowForm::Text:
         break;
+    case CVisRowForm::Pages:
+        return { TextPagesFault(text) };
     case CVisRowForm::Integer:
         return { IntegerFault(row, text) };
     case CVisRowForm::Choice:

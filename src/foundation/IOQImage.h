@@ -1,12 +1,11 @@
 #pragma once
 
 #include "foundation/IOQDllString.h"
+#include "foundation/IOQFont.h"
 #include "foundation/OQChar.h"
 #include "foundation/OQGeometry.h"
 
 #include <cstdint>
-
-class IOQFont;
 
 // What a device needs to know about an image's pixel array: 32 bits a pixel, rows bottom-up,
 // no padding between rows.
@@ -71,8 +70,9 @@ public:
 
     // Draws text into the rectangle, wrapped at its width and clipped to it and to the image; alpha
     // bytes stay as they are. The text ends at a 0 or at 16384 units. alignment: the low two bits
-    // 0 left, 1 centre, 2 right; the next two 0 top, 1 centre, 2 bottom. The font must be null,
-    // which is a sans-serif of 12 pixels; this module makes no others.
+    // 0 left, 1 centre, 2 right; the next two 0 top, 1 centre, 2 bottom. The font is one of this
+    // module's, or null, which is a sans-serif of 12 pixels. With a font, the same text again in a
+    // box of the same width, wherever it lies and in whatever colour, is only blended.
     virtual void DrawText(const OQChar* text, const OQRect& rect, uint32_t color, IOQFont* font,
         int32_t alignment, int32_t reserved1, int32_t reserved2)
         = 0;
@@ -117,6 +117,12 @@ public:
     // drawn or there is no memory. `result` is another image.
     virtual bool StretchForDrawTo(IOQImage& result, const OQSize& target, const OQRect& rect,
         bool keepShape, OQRect& place) const = 0;
+
+    // The size in pixels of what DrawText would draw into a box of that width: the widest line's
+    // width and the height of all lines. The text ends as in DrawText, and the font is as there.
+    // The alignment makes no difference. 0 by 0 for an empty text or a width below 1.
+    virtual OQSize MeasureText(
+        const OQChar* text, IOQFont* font, int32_t alignment, int32_t availableWidth) const = 0;
 };
 
 // The image module's interface, given by its one export, extern "C" IOQImageApp*
@@ -132,6 +138,11 @@ public:
     // The font families that text can be drawn with, sorted, an LF between two. False, and an empty
     // text, without memory.
     virtual bool ListFonts(IOQDllString& names) = 0;
+
+    // The caller owns it. Another font stands in for a family that isn't there, and for characters
+    // that the family doesn't have. A name is only ever compared with those of installed families.
+    // Null without memory.
+    virtual IOQFont* CreateFont(const OQFontDescriptor& descriptor) = 0;
 
 protected:
     ~IOQImageApp() = default;

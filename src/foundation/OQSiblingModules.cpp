@@ -124,6 +124,12 @@ IOQImage* OQCreateImage()
     return app ? app->CreateImage() : nullptr;
 }
 
+IOQFont* OQCreateFont(const OQFontDescriptor& descriptor)
+{
+    IOQImageApp* app = OQSiblingModules::Get().ImageApp();
+    return app ? app->CreateFont(descriptor) : nullptr;
+}
+
 IOQText* OQToolsText()
 {
     IOQTools* tools = OQSiblingModules::Get().Tools();

@@ -6,10 +6,12 @@
 #include <mutex>
 #include <string>
 
+class IOQFont;
 class IOQImage;
 class IOQImageApp;
 class IOQText;
 class IOQTools;
+struct OQFontDescriptor;
 
 // How a sibling module is found and started.
 struct OQSiblingSetup
@@ -73,6 +75,9 @@ private:
 // An empty image from the process's image module, which the caller owns; null without that module
 // or without memory.
 IOQImage* OQCreateImage();
+
+// A font from the same module, which the caller owns; null alike.
+IOQFont* OQCreateFont(const OQFontDescriptor& descriptor);
 
 // Comparing and searching by the process's tools module; null without that module.
 IOQText* OQToolsText();

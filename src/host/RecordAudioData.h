@@ -10,28 +10,13 @@
 
 namespace pxvis::host {
 
-// What GetPlayInfo points at. The front is the host's own and stays zero.
-struct PlayInfo
-{
-    uint8_t unused[524] {};
-    int32_t playlistPosition = 1; // from 1
-    int32_t playlistLength = 1;
-    int32_t totalSeconds = 0;
-    int32_t elapsedSeconds = 0;
-    int32_t bitRate = 0; // kbit/s, 0: unknown
-    int32_t channels = 0;
-    int32_t sampleRate = 0;
-};
-
-static_assert(sizeof(PlayInfo) == 552);
-
 // Written between frames by whoever drives the engine, on the drawing thread.
 struct RecordAudioState
 {
     bool ready = false; // false: no frame is drawn
     AudioRecord record;
     int32_t frameRate = 60'000; // frames a second x 1000
-    PlayInfo playInfo;
+    VisPlayInfo playInfo { .playlistPosition = 1, .playlistLength = 1 };
     std::array<std::u16string, 11> fields; // by VisTrackField; an empty one is unknown
 
     // Fields and play info of a song; `coverFile` is UTF-8 and may be empty.

@@ -2,11 +2,11 @@
 
 #include "apps/pxvis/ErrorLine.h"
 #include "apps/pxvis/FlashCheck.h"
-#include "apps/pxvis/FontList.h"
 #include "apps/pxvis/JsonText.h"
 #include "apps/pxvis/ScriptSet.h"
 #include "apps/pxvis/ScriptText.h"
 #include "engine2d/CScriptCheck.h"
+#include "engine2d/VisFonts.h"
 
 #include <ostream>
 
@@ -48,7 +48,7 @@ int RunCheck(const CheckOptions& options, std::ostream& output, std::ostream& er
     if (options.flash)
         return RunFlashCheck(options, output, errors);
     OQStringArray fonts;
-    CScriptCheck check(ListFonts(fonts) ? &fonts : nullptr);
+    CScriptCheck check(VisListFonts(fonts) ? &fonts : nullptr);
     int status = 0;
     for (const std::string& name : options.scripts) {
         std::string error;

@@ -1,12 +1,12 @@
 #include "apps/pxvis/ListCommand.h"
 
 #include "apps/pxvis/ErrorLine.h"
-#include "apps/pxvis/FontList.h"
 #include "apps/pxvis/JsonText.h"
 #include "engine2d/CComponentManager.h"
 #include "engine2d/CVisComponent.h"
 #include "engine2d/CVisLayer.h"
 #include "engine2d/CVisLayerPiece.h"
+#include "engine2d/VisFonts.h"
 #include "engine2d/VisPresets.h"
 #include "foundation/OQDataRoots.h"
 
@@ -27,6 +27,8 @@ const char* FormName(CVisRowForm form)
     switch (form) {
     case CVisRowForm::Text:
         return "text";
+    case CVisRowForm::Pages:
+        return "pages";
     case CVisRowForm::Integer:
         return "whole number";
     case CVisRowForm::Choice:
@@ -304,7 +306,7 @@ int RunList(const ListOptions& options, std::ostream& output, std::ostream& erro
         PrintScripts(options.form, output);
     } else if (options.what == "fonts") {
         OQStringArray fonts;
-        if (!ListFonts(fonts))
+        if (!VisListFonts(fonts))
             return PrintError(errors, "the image module, which draws texts, is missing");
         std::vector<std::string> names;
         for (const OQString& font : fonts)

@@ -1,9 +1,9 @@
 #include "apps/pxvis/SongPlayback.h"
 
 #include "apps/pxvis/ErrorLine.h"
-#include "apps/pxvis/FontList.h"
 #include "apps/pxvis/RenderCommand.h"
 #include "apps/pxvis/ScriptText.h"
+#include "engine2d/VisFonts.h"
 #include "host/analysis/ClickTrack.h"
 
 #include <algorithm>
@@ -165,7 +165,7 @@ void SongPlayback::CountFaults(size_t script)
     if (!m_checked.insert(script).second)
         return;
     if (!m_check)
-        m_check.emplace(ListFonts(m_fonts) ? &m_fonts : nullptr);
+        m_check.emplace(VisListFonts(m_fonts) ? &m_fonts : nullptr);
     OQString text;
     std::string ignored; // loading tells
     if (!ReadScriptText(m_scripts[script], text, ignored))
@@ -190,6 +190,7 @@ bool SongPlayback::NextStep()
     }
     if (m_analyzer->SamplePosition() >= m_end)
         return false;
+    m_session->SetElapsed(static_cast<double>(m_analyzer->SamplePosition()) / host::SampleRate);
     if (!m_session->Step(record)) {
         m_error = "no memory for a picture of this size";
         return false;

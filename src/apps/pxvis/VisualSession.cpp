@@ -2,6 +2,7 @@
 
 #include "apps/pxvis/ScriptText.h"
 #include "foundation/OQSiblingModules.h"
+#include "foundation/OQTruncate.h"
 #include "foundation/OQXmlDocument.h"
 
 namespace pxvis {
@@ -71,6 +72,11 @@ bool VisualSession::LoadScript(const std::string& path, std::string& error)
 void VisualSession::SetSong(const host::SongInfo& info, const std::string& coverFile)
 {
     m_audio->SetSong(info, coverFile);
+}
+
+void VisualSession::SetElapsed(double seconds)
+{
+    m_audio->playInfo.elapsedSeconds = OQTruncateToInt32(seconds);
 }
 
 bool VisualSession::Step(const host::AudioRecord& record)

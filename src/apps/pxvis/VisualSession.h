@@ -63,6 +63,9 @@ public:
 
     void SetSong(const host::SongInfo& info, const std::string& coverFile);
 
+    // How much of the song has been played, in seconds, as texts tell it from the next step on.
+    void SetElapsed(double seconds);
+
     // Draws the next step. False if there is no memory for the picture.
     bool Step(const host::AudioRecord& record);
 

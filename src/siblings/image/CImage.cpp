@@ -5,13 +5,14 @@
 #include "kernels/PixelFromColor.h"
 #include "kernels/Stretch.h"
 #include "os/File.h"
+#include "siblings/image/CFont.h"
 #include "siblings/image/ImageDecoder.h"
 #include "siblings/image/ImageDrawing.h"
 #include "siblings/image/ImageSaving.h"
-#include "siblings/image/ImageText.h"
 
 #include <algorithm>
 #include <cstdlib>
+#include <mutex>
 #include <pxvis/IOQVisualizationHost.h>
 
 using pxvis::image::Pixels;
@@ -29,12 +30,32 @@ Pixels ViewOf(uint32_t* bits, int32_t width, int32_t height)
     return { bits + ptrdiff_t { height - 1 } * width, -ptrdiff_t { width }, width, height };
 }
 
-std::string Utf8(const OQChar* text)
+std::u16string_view TextOf(const OQChar* text)
 {
-    int length = 0;
+    size_t length = 0;
     while (length < CImage::kMaxTextUnits && text[length])
         ++length;
-    return OQString(text, length).ToUtf8();
+    return { text, length };
+}
+
+std::string Utf8(const OQChar* text)
+{
+    const std::u16string_view view = TextOf(text);
+    return OQString(view.data(), static_cast<int>(view.size())).ToUtf8();
+}
+
+// Calls `use` with the font, or with the one that stands for null and that all threads share.
+template <typename Use>
+void WithFont(IOQFont* font, Use use)
+{
+    if (font) {
+        use(*static_cast<CFont*>(font));
+        return;
+    }
+    static std::mutex lock;
+    static CFont* const common = new CFont(OQFontDescriptor {});
+    const std::lock_guard guard(lock);
+    use(*common);
 }
 
 // Those who write scripts elsewhere part folders by "\\".
@@ -144,16 +165,29 @@ bool CImage::Blit(void* target, int32_t width, int32_t height, int32_t strideByt
     return true;
 }
 
-void CImage::DrawText(const OQChar* text, const OQRect& rect, uint32_t color, IOQFont*,
+void CImage::DrawText(const OQChar* text, const OQRect& rect, uint32_t color, IOQFont* font,
     int32_t alignment, int32_t, int32_t)
 {
     if (!m_bits || !text)
         return;
     try {
-        pxvis::image::ImageText::Get().Draw(View(), Utf8(text), rect, color, alignment);
+        WithFont(font, [&](CFont& own) { own.Draw(View(), TextOf(text), rect, color, alignment); });
     } catch (...) {
         // Without memory there is no text; nothing crosses the module's border.
     }
+}
+
+OQSize CImage::MeasureText(const OQChar* text, IOQFont* font, int32_t, int32_t availableWidth) const
+{
+    OQSize size;
+    if (!m_bits || !text)
+        return size;
+    try {
+        WithFont(font, [&](CFont& own) { size = own.Measure(TextOf(text), availableWidth); });
+    } catch (...) {
+        // As above.
+    }
+    return size;
 }
 
 bool CImage::SavePng(const OQChar* path, bool opaque) const

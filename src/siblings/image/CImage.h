@@ -39,6 +39,8 @@ public:
     int64_t GetLoadedPixels() const override;
     bool StretchForDrawTo(IOQImage& result, const OQSize& target, const OQRect& rect,
         bool keepShape, OQRect& place) const override;
+    OQSize MeasureText(const OQChar* text, IOQFont* font, int32_t alignment,
+        int32_t availableWidth) const override;
 
 private:
     struct FreeBits

@@ -2,6 +2,7 @@
 
 #include "foundation/IOQDllString.h"
 #include "foundation/OQString.h"
+#include "siblings/image/CFont.h"
 #include "siblings/image/CImage.h"
 #include "siblings/image/ImageText.h"
 
@@ -33,6 +34,15 @@ bool CImageApp::ListFonts(IOQDllString& names)
         return true;
     } catch (...) {
         return false;
+    }
+}
+
+IOQFont* CImageApp::CreateFont(const OQFontDescriptor& descriptor)
+{
+    try {
+        return new CFont(descriptor);
+    } catch (...) {
+        return nullptr;
     }
 }
 

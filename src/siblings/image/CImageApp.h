@@ -9,6 +9,7 @@ public:
     void Uninitialize() override;
     IOQImage* CreateImage() override;
     bool ListFonts(IOQDllString& names) override;
+    IOQFont* CreateFont(const OQFontDescriptor& descriptor) override;
 };
 
 // The module's one export. The object is the module's and lives as long as the process.

@@ -13,6 +13,14 @@ OQRect Intersection(const OQRect& a, const OQRect& b)
         std::min(a.bottom, b.bottom) };
 }
 
+OQRect Union(const OQRect& a, const OQRect& b)
+{
+    if (IsEmpty(a) || IsEmpty(b))
+        return IsEmpty(a) ? b : a;
+    return { std::min(a.left, b.left), std::min(a.top, b.top), std::max(a.right, b.right),
+        std::max(a.bottom, b.bottom) };
+}
+
 bool IsEmpty(const OQRect& rect)
 {
     return rect.right <= rect.left || rect.bottom <= rect.top;

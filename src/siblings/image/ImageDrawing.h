@@ -7,6 +7,8 @@ namespace pxvis::image {
 
 // What of the rectangle lies inside the other one; empty ones give an empty one.
 OQRect Intersection(const OQRect& a, const OQRect& b);
+// The smallest rectangle with both; an empty one adds nothing.
+OQRect Union(const OQRect& a, const OQRect& b);
 bool IsEmpty(const OQRect& rect);
 OQRect Bounds(const Pixels& pixels);
 

@@ -64,13 +64,18 @@ TEST_CASE("Each operation keeps its slot, which modules built at other times rel
         SlotOf(&IOQImage::CopyRect), SlotOf(&IOQImage::Blit), SlotOf(&IOQImage::DrawText),
         SlotOf(&IOQImage::SavePng), SlotOf(&IOQImage::Load), SlotOf(&IOQImage::LoadFromHost),
         SlotOf(&IOQImage::IsValid), SlotOf(&IOQImage::DrawTo), SlotOf(&IOQImage::SaveJpeg),
-        SlotOf(&IOQImage::GetLoadedPixels), SlotOf(&IOQImage::StretchForDrawTo) };
+        SlotOf(&IOQImage::GetLoadedPixels), SlotOf(&IOQImage::StretchForDrawTo),
+        SlotOf(&IOQImage::MeasureText) };
     for (size_t i = 0; i < std::size(slots); ++i)
         CHECK(slots[i] == static_cast<long>(i) + 2);
     CHECK(SlotOf(&IOQImageApp::Initialize) == 0);
     CHECK(SlotOf(&IOQImageApp::Uninitialize) == 1);
     CHECK(SlotOf(&IOQImageApp::CreateImage) == 2);
     CHECK(SlotOf(&IOQImageApp::ListFonts) == 3);
+    CHECK(SlotOf(&IOQImageApp::CreateFont) == 4);
+    CHECK(SlotOf(&IOQFont::GetHeight) == 2);
+    CHECK(SlotOf(&IOQFont::GetLayoutCount) == 3);
+    CHECK(SlotOf(&IOQFont::GetWork) == 4);
 }
 
 TEST_CASE("The fonts are listed by name, each once, in order")

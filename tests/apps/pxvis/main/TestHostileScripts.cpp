@@ -31,6 +31,7 @@ const std::string transform = "EB13A0B7-0B36-4bea-B95A-92ED8FEA86CD";
 const std::string spectrum = "B21F9002-EF2E-4d5b-9D40-F61B8F3B34D8";
 const std::string superTransform = "DCE4B5AB-25A0-432f-B4A2-8E91B9FD1060";
 const std::string dynamicTransform = "91A53739-48CC-425c-89EB-0DB399261FD9";
+const std::string text = "BBEC668A-420F-4faa-856D-880DACE05B5B";
 const std::string picture = "63B96C06-29A4-4de2-9A9D-9F3E08F8C014";
 
 // One loud record: level 120, a beat, no change; a saw tooth and a full spectrum.
@@ -252,6 +253,32 @@ TEST_CASE("Feedback that changes each frame or costs much per pixel has an end")
     CheckDrawn("dynamic-transform-long",
         Script(
             Piece(dynamicTransform, Row("FrameEquation", "d=d" + Repeat("+1", 1'900'000))) + bars));
+}
+
+TEST_CASE("Texts made to cost much are laid out in time, or later")
+{
+    const std::string all = Row("TextLocationEquation", "x1=0;y1=0;x2=1;y2=1");
+    const std::string narrow = Row("TextLocationEquation", "x1=0;y1=0;x2=.003;y2=1");
+    const auto script = [](const std::string& rows, const std::string& words, int count = 1) {
+        return Script(bars + Repeat(Piece(text, Row("Text", words) + rows), count));
+    };
+    for (const std::string& box : { all, narrow }) {
+        CheckDrawn("text-word-of-1000000", script(box, std::string(1'000'000, 'W')));
+        CheckDrawn("text-blanks-1000000", script(box, std::string(1'000'000, ' ')));
+        CheckDrawn("text-lines-10000", script(box, Repeat("a\n", 10'000)));
+        CheckDrawn("text-marks-100000", script(box, "W" + Repeat("\xCC\xB8", 100'000)));
+        CheckDrawn("text-directions", script(box, Repeat("a\xD7\x90", 100'000)));
+    }
+    CheckDrawn("text-pages-600000", script(all, Repeat("a\r\n|\r\n", 600'000)));
+    CheckDrawn("texts-4000", script(all, Repeat("word ", 100), 4000));
+    CheckDrawn("texts-400-long", script(all, Repeat("word\n", 1600), 400));
+    CheckDrawn("texts-tokens", script(all, Repeat("PN_POSITIONELAPSED_TIME", 400), 400));
+    std::string sizes;
+    for (int i = 1; i <= 4000; ++i)
+        sizes += Piece(text,
+            all + Row("Text", "H") + Row("FontSize", std::to_string(i) + "e-2")
+                + Row("FontName", "Font " + std::to_string(i)));
+    CheckDrawn("text-fonts-4000", Script(bars + sizes));
 }
 
 TEST_CASE("Pictures that are no pictures are passed over")

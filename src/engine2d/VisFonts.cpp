@@ -1,12 +1,10 @@
-#include "apps/pxvis/FontList.h"
+#include "engine2d/VisFonts.h"
 
 #include "foundation/IOQImage.h"
 #include "foundation/OQDllString.h"
 #include "foundation/OQSiblingModules.h"
 
-namespace pxvis {
-
-bool ListFonts(OQStringArray& fonts)
+bool VisListFonts(OQStringArray& fonts)
 {
     fonts.Clear();
     IOQImageApp* module = OQSiblingModules::Get().ImageApp();
@@ -19,4 +17,15 @@ bool ListFonts(OQStringArray& fonts)
     return true;
 }
 
+const OQString& VisFontPresets()
+{
+    static const OQString presets = [] {
+        OQString text = u"DEFAULT|";
+        OQStringArray fonts;
+        VisListFonts(fonts);
+        for (const OQString& font : fonts)
+            text += font + u'|';
+        return text;
+    }();
+    return presets;
 }
