@@ -44,6 +44,8 @@ const char* FormName(CVisRowForm form)
         return "equation";
     case CVisRowForm::EquationList:
         return "equations";
+    case CVisRowForm::EquationStages:
+        return "equations in stages";
     }
     return "";
 }
