@@ -19,7 +19,10 @@ enum class CVisRowForm
     EquationList, // separated by "|"
     ColorList, // whole seconds, then colours, separated by ";"
     PictureList, // separated by "|"
+    EquationStages, // separated by "|", each for a moment of its own; further ones are not read
 };
+
+constexpr int32_t equationStages = 5;
 
 // A row that a piece reads, for checks and lists. Name and map live as long as the piece.
 struct CVisRowInfo

@@ -62,6 +62,7 @@ constexpr int64_t fillRowWork = 64;
 constexpr int64_t gradientColorWork = 64;
 constexpr int64_t spectrumBarWork = 256;
 constexpr int64_t scopePointWork = 64;
+constexpr int64_t scopePixelWork = 8;
 constexpr int64_t linePixelWork = 4;
 constexpr int64_t lineWork = 64;
 constexpr int64_t rayWork = 64;

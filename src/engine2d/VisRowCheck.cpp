@@ -172,20 +172,35 @@ CVisRowFault EquationFault(const CVisRowInfo& row, const OQString& text)
     return { error.reason + PresetHint(row.map, text), error.position + 1 };
 }
 
-CVisRowFault EquationListFault(const CVisRowInfo& row, const OQString& text)
+bool IsBlank(const OQString& text)
 {
-    if (text.IsEmpty())
-        return { u"the list of equations is empty: they do nothing" };
+    return SkipSpaces(text, 0) == text.GetLength();
+}
+
+// Equations with "|" between them, each checked as a row of its own would be; a blank one is one
+// left out. `piece`: what one of them is called.
+CVisRowFault EquationPiecesFault(
+    const CVisRowInfo& row, const OQString& text, const OQChar* piece, int32_t mostPieces)
+{
     OQStringArray parts;
     text.Split(u'|', parts);
     int32_t start = 0;
-    for (const OQString& part : parts) {
-        CVisRowFault fault = EquationFault(row, part);
+    for (int32_t i = 0; i < parts.GetCount(); ++i) {
+        const bool isBlank = IsBlank(parts[i]);
+        if (!isBlank && i >= mostPieces)
+            return { OQString(u"only the first ") + OQIntToText(mostPieces) + u" " + piece
+                    + u"s are read",
+                start };
+        CVisRowFault fault;
+        if (!isBlank)
+            fault = EquationFault(row, parts[i]);
         if (!fault.reason.IsEmpty()) {
+            if (parts.GetCount() > 1)
+                fault.reason = piece + (u" " + OQIntToText(i + 1)) + u": " + fault.reason;
             fault.position += start;
             return fault;
         }
-        start += part.GetLength() + 1;
+        start += parts[i].GetLength() + 1;
     }
     return {};
 }
@@ -240,11 +255,7 @@ OQString QuoteForMessage(const OQString& text)
 CVisRowFault CheckRowText(const CVisRowInfo& row, const OQString& text, const OQStringArray* fonts)
 {
     OQString resolved;
-    const bool isPreset
-        = row.map && (row.map->Lookup(text, resolved) || IsMapValue(*row.map, text));
-    // "(none)" is a preset, too.
-    if (isPreset
-        && !(row.form == CVisRowForm::EquationList && ResolvePreset(text, *row.map).IsEmpty()))
+    if (row.map && (row.map->Lookup(text, resolved) || IsMapValue(*row.map, text)))
         return {};
     switch (row.form) {
     case CVisRowForm::Text:
@@ -271,11 +282,13 @@ CVisRowFault CheckRowText(const CVisRowInfo& row, const OQString& text, const OQ
     case CVisRowForm::Equation:
         return EquationFault(row, text);
     case CVisRowForm::EquationList:
-        return EquationListFault(row, isPreset ? OQString() : text);
+        return EquationPiecesFault(row, text, u"equation", text.GetLength() + 1);
     case CVisRowForm::ColorList:
         return ColorListFault(row, text);
     case CVisRowForm::PictureList:
         return { PictureListFault(text) };
+    case CVisRowForm::EquationStages:
+        return EquationPiecesFault(row, text, u"stage", equationStages);
     }
     return {};
 }

@@ -53,6 +53,8 @@ const char* FormName(CVisRowForm form)
         return "seconds and colours";
     case CVisRowForm::PictureList:
         return "pictures";
+    case CVisRowForm::EquationStages:
+        return "equations in stages";
     }
     return "";
 }

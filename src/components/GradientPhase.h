@@ -1,0 +1,11 @@
+#pragma once
+
+// How far a gradient's colours, which move with every frame, have come in its second coordinate.
+constexpr float gradientPhaseStep = 0.005f;
+
+// From 0 to below 1, and from the start again.
+constexpr float NextGradientPhase(float phase)
+{
+    const float next = phase + gradientPhaseStep;
+    return next >= 1.0f ? 0.0f : next;
+}

@@ -1,0 +1,5 @@
+#pragma once
+
+#include "engine2d/CVisPropertyList.h"
+
+const CVisPresetMap& SuperScopePresets();
