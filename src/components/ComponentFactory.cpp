@@ -1,4 +1,6 @@
+#include "components/CDotFountainVisComponent.h"
 #include "components/CFlushVisComponent.h"
+#include "components/CParticleVisComponent.h"
 #include "components/CPendingVisComponent.h"
 #include "components/CSpectrumAnalyzerVisComponent.h"
 #include "components/CStarfieldVisComponent.h"
@@ -25,10 +27,10 @@ std::unique_ptr<CVisComponent> CreateVisComponent(int32_t index)
         return std::make_unique<CPendingVisComponent>();
     case 7: // Blob Oscilloscope
         return std::make_unique<CPendingVisComponent>();
-    case 8: // Particle
-        return std::make_unique<CPendingVisComponent>();
-    case 9: // Dot Fountain
-        return std::make_unique<CPendingVisComponent>();
+    case 8:
+        return std::make_unique<CParticleVisComponent>();
+    case 9:
+        return std::make_unique<CDotFountainVisComponent>();
     case 10: // Super Transform
         return std::make_unique<CPendingVisComponent>();
     case 11: // Super-Scope
