@@ -50,7 +50,6 @@ struct CScriptCheck::Rows
     std::unique_ptr<CVisLayerPiece> piece; // whose names and maps the list holds
     OQString name;
     CVisRowInfoList list;
-    bool complete = false; // false: the piece may have rows that it can't tell
 
     const CVisRowInfo* Find(const OQString& wanted) const
     {
@@ -383,8 +382,6 @@ void CScriptCheck::CheckRow(const OQString& component, const Rows& rows, const O
     const int32_t offset = m_document.GetOffset();
     const CVisRowInfo* row = rows.Find(name);
     if (!row) {
-        if (!rows.complete)
-            return;
         OQString message = u"has no row " + QuoteForMessage(name) + u": it isn't read";
         for (const CVisRowInfo& known : rows.list) {
             if (name.CompareNoCase(known.name) == 0)
@@ -439,7 +436,7 @@ const CScriptCheck::Rows& CScriptCheck::RowsOf(int32_t position)
             rows.piece->MakeComponent(m_manager.MakeComponent(position));
         const CVisComponent* component = rows.piece->GetComponent();
         rows.name = component ? OQString::FromNarrow(component->name) : OQString(layerName);
-        rows.complete = rows.piece->DescribeRows(rows.list) == 0;
+        rows.piece->DescribeRows(rows.list);
     }
     return *entry;
 }

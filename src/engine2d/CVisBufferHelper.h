@@ -16,6 +16,14 @@ public:
     // Flips the buffer and takes the pixels of what is current now.
     virtual void Flip();
 
+    // Blends a disc into the picture: at the distance `d` from the middle, in the lengths from
+    // there to a corner, in the direction `r`, in turns anticlockwise from the right; `s` is its
+    // radius in the same unit. `color` is a pixel, blended by its four bytes; mode 0 replaces, 1
+    // adds, 2 subtracts, 3 averages, others change nothing. Rows beyond the upper and lower edges
+    // are blended into the edge's own row, and a row that leaves the picture on the right goes on
+    // in the next one in memory. A disc that the Draw may not cost is left out.
+    void DrawDisc(float d, float r, float s, int32_t color, int32_t mode);
+
     uint32_t* Bits() const { return m_bits; }
 
     int32_t Width() const { return m_width; }

@@ -35,7 +35,7 @@ int32_t CVisComponent::Prepare(IVisBuffer&, IVisAudioData&)
 
 int32_t CVisComponent::DescribeRows(CVisRowInfoList&) const
 {
-    return -1;
+    return 0;
 }
 
 int64_t CVisComponent::KeptPixels() const

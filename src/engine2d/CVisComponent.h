@@ -43,8 +43,7 @@ public:
     // Pixels, 4 bytes each, that the component keeps for its rectangle beside the layer's images.
     virtual int64_t KeptPixels() const;
 
-    // Appends what is to be known of the component's rows, in the order of saving. -1, with none,
-    // if the component can't tell.
+    // Appends what is to be known of the component's rows, in the order of saving.
     virtual int32_t DescribeRows(CVisRowInfoList& rows) const;
 
     // Filled by CComponentManager::MakeComponent.

@@ -48,8 +48,7 @@ public:
 
     int32_t SaveProperties(CVisPropertyList& list) const;
 
-    // The rows that LoadProperties reads, in the order of saving. -1 if the component can't tell
-    // its own; those of every piece are there all the same.
+    // The rows that LoadProperties reads, in the order of saving. -1 for an empty piece.
     int32_t DescribeRows(CVisRowInfoList& rows) const;
     int32_t LoadProperties(const CVisPropertyList* list);
     int32_t Resize(const OQRect& rect);

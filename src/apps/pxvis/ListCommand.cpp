@@ -94,14 +94,13 @@ struct Kind
     std::string category;
     std::unique_ptr<CVisLayerPiece> piece; // whose maps the rows point at
     std::vector<Row> rows;
-    bool complete = false; // false: it has rows that it can't tell
 };
 
 void ReadRows(Kind& kind)
 {
     CVisRowInfoList infos;
     CVisPropertyList values;
-    kind.complete = kind.piece->DescribeRows(infos) == 0;
+    kind.piece->DescribeRows(infos);
     kind.piece->SaveProperties(values);
     for (const CVisRowInfo& info : infos) {
         const auto value = std::find_if(values.begin(), values.end(),
@@ -116,12 +115,12 @@ std::vector<Kind> Kinds()
     CComponentManager manager;
     manager.Fill();
     std::vector<Kind> kinds;
-    kinds.push_back({ "Layer", "", "layer", std::make_unique<CVisLayerPiece>(nullptr), {}, false });
+    kinds.push_back({ "Layer", "", "layer", std::make_unique<CVisLayerPiece>(nullptr), {} });
     kinds.back().piece->MakeLayer();
     VISUALIZATION_COMPONENT_INFO_EX info;
     for (int32_t i = 0; CComponentManager::GetInfo(i, info) == 0; ++i) {
         kinds.push_back({ info.name, info.guid, info.category == 0 ? "rework" : "paint",
-            std::make_unique<CVisLayerPiece>(nullptr), {}, false });
+            std::make_unique<CVisLayerPiece>(nullptr), {} });
         kinds.back().piece->MakeComponent(manager.MakeComponent(i));
     }
     for (Kind& kind : kinds)
@@ -204,7 +203,7 @@ void PrintMarkdown(const std::vector<Kind>& kinds, const Kind& kind, std::ostrea
         output << "| " << MarkdownCode(row.name) << " | " << row.form << " | "
                << MarkdownDefault(row) << " | "
                << (row.map ? MapTitle(kinds, kind, row.map) : std::string()) << " |\n";
-    output << (kind.complete ? "\n" : "\nIts other rows can't be told yet.\n\n");
+    output << '\n';
     for (const Row& row : kind.rows) {
         if (row.map && MapTitle(kinds, kind, row.map) == MarkdownCode(row.name)) {
             output << "Presets of " << MarkdownCode(row.name) << ":\n\n";
@@ -275,7 +274,7 @@ void PrintComponent(
     for (const Row& row : kind.rows)
         output << "  " << Padded(row.name, 22) << ' ' << Padded(row.form, 12) << ' '
                << PrintableLine(row.standard) << '\n';
-    output << (kind.complete ? "\n" : "  (its other rows can't be told yet)\n\n");
+    output << '\n';
 }
 
 void PrintPresets(const Kind& kind, const Row& row, ListForm form, std::ostream& output)

@@ -1,0 +1,36 @@
+#include "kernels/BlendColor.h"
+
+#include "kernels/ForEachByte.h"
+
+#include <algorithm>
+
+namespace pxvis::kernels {
+
+void ReplaceColor(uint32_t* target, int32_t count, uint32_t pixel)
+{
+    for (int32_t i = 0; i < count; ++i)
+        target[i] = pixel;
+}
+
+void AddColor(uint32_t* target, int32_t count, uint32_t pixel)
+{
+    for (int32_t i = 0; i < count; ++i)
+        target[i] = ForEachByte(target[i], pixel,
+            [](uint32_t a, uint32_t b) { return std::min<uint32_t>(a + b, 255); });
+}
+
+void SubtractColor(uint32_t* target, int32_t count, uint32_t pixel)
+{
+    for (int32_t i = 0; i < count; ++i)
+        target[i] = ForEachByte(
+            target[i], pixel, [](uint32_t a, uint32_t b) { return std::max(a, b) - b; });
+}
+
+void AverageColor(uint32_t* target, int32_t count, uint32_t pixel)
+{
+    for (int32_t i = 0; i < count; ++i)
+        target[i]
+            = ForEachByte(target[i], pixel, [](uint32_t a, uint32_t b) { return (a + b) / 2; });
+}
+
+}
