@@ -54,21 +54,19 @@ int32_t CTextVisComponent::Prepare(IVisBuffer&, IVisAudioData&)
     m_stamp = 0;
 
     m_location.Compile(m_textLocationEquation);
-    const OQChar* const edges[] = { u"x1", u"y1", u"x2", u"y2" };
+    m_edges = { m_location.StartVariable(u"x1"), m_location.StartVariable(u"y1"),
+        m_location.StartVariable(u"x2"), m_location.StartVariable(u"y2") };
     const float places[] = { 0.0f, 0.4f, 1.0f, 0.6f };
-    for (size_t i = 0; i < m_edges.size(); ++i) {
-        m_edges[i] = m_location.StartVariable(edges[i]);
+    for (size_t i = 0; i < m_edges.size(); ++i)
         *m_edges[i] = double { places[i] };
-    }
     m_width = m_location.StartVariable(u"width");
     m_height = m_location.StartVariable(u"height");
 
     m_color.Compile(m_textColorEquation);
-    const OQChar* const channels[] = { u"r", u"g", u"b" };
-    for (size_t i = 0; i < m_channels.size(); ++i) {
-        m_channels[i] = m_color.StartVariable(channels[i]);
-        *m_channels[i] = 255.0;
-    }
+    m_channels
+        = { m_color.StartVariable(u"r"), m_color.StartVariable(u"g"), m_color.StartVariable(u"b") };
+    for (double* channel : m_channels)
+        *channel = 255.0;
 
     const auto width = static_cast<float>(m_rect.Width());
     const auto height = static_cast<float>(m_rect.Height());

@@ -19,7 +19,7 @@ constexpr int32_t gradientTableEntries = 16384;
 // Of a text, in 16-bit units once its tokens are expanded.
 constexpr int32_t textPages = 4096;
 constexpr int32_t textUnits = 8192;
-constexpr int64_t textLeastKeptPixels = 65536;
+constexpr int64_t textLeastKeptPixels = 65536; // as the image module's fonts have it
 
 // Of a picture that a component shows, in pixels; a larger one is not loaded.
 constexpr int32_t pictureSide = 16384;

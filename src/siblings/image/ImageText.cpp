@@ -60,6 +60,7 @@ std::vector<std::string> ImageText::Families()
     pango_font_map_list_families(pango_context_get_font_map(m_context), &families, &count);
     const std::unique_ptr<PangoFontFamily*, decltype(&g_free)> holder(families, &g_free);
     std::vector<std::string> names;
+    names.reserve(static_cast<size_t>(count));
     for (int i = 0; i < count; ++i)
         names.emplace_back(pango_font_family_get_name(families[i]));
     std::sort(names.begin(), names.end());
