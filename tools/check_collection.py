@@ -94,8 +94,8 @@ def check_files(scripts, pxvis):
             faults.append(f"{name}: one kind of component only")
         if name not in told:
             faults.append(f"{name}: no line in the README")
-        main = next((text for part in components for row, text in part.rows
-                     if row.endswith("Equation") and row != "OnEquation"), "")
+        # the longest one says most
+        main = max((text for part in components for row, text in part.rows if row.endswith("Equation")), key=len, default="")
         key = tuple(sorted(part.kind for part in components)), main
         if key in seen:
             faults.append(f"{name}: same components and main equation as {seen[key]}")
