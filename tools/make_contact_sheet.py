@@ -3,9 +3,11 @@
 """Draws the sheet of all shipped scripts that stands in their README. Needs Pillow (python3-pil).
 
     tools/make_contact_sheet.py [--at SECONDS] [--columns N] [-o FILE] [SCRIPT...]
+    tools/make_contact_sheet.py --beside docs/examples/*.pxv
 
 Each picture is the demo song's at --at, some seconds after the script began. Several times, with commas, give a
-line of pictures for each script: to look at, not for the README.
+line of pictures for each script: to look at, not for the README. With --beside each script's picture is written beside
+it, as a JPEG of its own.
 """
 
 import argparse
@@ -26,7 +28,7 @@ def picture(pxvis, script, at, folder):
     path = pathlib.Path(folder) / "picture.png"
     subprocess.run([pxvis, "render", SONG, "-o", path, "--force", "--script", script, "--size", f"{2 * WIDTH}x{2 * HEIGHT}",
                     "--from", str(max(0, at - SECONDS_BEFORE)), "--at", str(at)], check=True)
-    return Image.open(path).convert("RGB").resize((WIDTH, HEIGHT), Image.BOX)
+    return Image.open(path).convert("RGB").resize((WIDTH, HEIGHT), Image.Resampling.BOX)
 
 
 def main():
@@ -34,12 +36,19 @@ def main():
     parser.add_argument("names", nargs="*", metavar="SCRIPT", help="file or Mood/Name; all without")
     parser.add_argument("--at", default="24")
     parser.add_argument("--columns", type=int, default=4)
+    parser.add_argument("--beside", action="store_true")
     parser.add_argument("-o", "--output", type=pathlib.Path, default=SCRIPTS / "contact-sheet.jpg")
     parser.add_argument("--pxvis", default=str(ROOT / "build" / "release" / "bin" / "pxvis"))
     args = parser.parse_args()
     times = [float(at) for at in args.at.split(",")]
     files = [pathlib.Path(name) if name.endswith(".pxv") else SCRIPTS / f"{name}.pxv" for name in args.names]
     files = files or sorted(SCRIPTS.glob("*/*.pxv"))
+
+    if args.beside:
+        with tempfile.TemporaryDirectory() as folder:
+            for file in files:
+                picture(args.pxvis, file, times[0], folder).save(file.with_suffix(".jpg"), quality=88, optimize=True)
+        return
 
     cells = [(file, at) for file in files for at in times]
     columns = len(times) if len(times) > 1 else min(args.columns, len(cells))

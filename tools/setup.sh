@@ -7,7 +7,7 @@ PXVIS_PACKAGES="g++ cmake ninja-build pkg-config ccache
     libgstreamer1.0-dev libgstreamer-plugins-base1.0-dev
     gstreamer1.0-plugins-base gstreamer1.0-plugins-good gstreamer1.0-plugins-ugly gstreamer1.0-libav
     fonts-dejavu-core"
-PXVIS_TEST_PACKAGES="doctest-dev clang-format clang libclang-rt-14-dev"
+PXVIS_TEST_PACKAGES="doctest-dev clang-format clang libclang-rt-14-dev python3"
 
 # need_packages ASSUME_YES PACKAGE...
 need_packages() {

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Brings the tables of docs/scripting.md up to date with what the program says.
+"""Brings the tables of docs/scripting.md up to date with what the program says, and works out its equations.
 
     tools/update_scripting_tables.py [--check] [PXVIS]
 
@@ -9,11 +9,13 @@ PXVIS is the program, build/release/bin/pxvis by default. In the page each secti
     <!-- pxvis list components --markdown: NAME -->
     <!-- end -->
 
-With --check nothing is written; the exit status is 1 where the page differs.
+With --check nothing is written; the exit status is 1 where the page differs. The page's lines "| `equation` | x |" are
+given to "pxvis eval"; a value that differs is told, and the exit status is 1.
 """
 
 import argparse
 import difflib
+import json
 import pathlib
 import re
 import subprocess
@@ -32,6 +34,17 @@ def sections(program):
     return {name: text.strip("\n") + "\n" for name, text in zip(parts[::2], parts[1::2])}
 
 
+def equation_faults(program, page):
+    lines = re.findall(r"^\| `(x=[^`]+)` \| ([-\d.]+) \|", page, flags=re.MULTILINE)
+    texts = [equation.replace("\\|", "|") for equation, _ in lines]
+    output = subprocess.run([program, "eval", "--batch"], input="\n".join(texts), check=True,
+                            capture_output=True, encoding="utf-8").stdout
+    values = [json.loads(line)["vars"].get("x") for line in output.splitlines()]
+    faults = [f"{text!r} gives {value}, not {told}"
+              for text, value, (_, told) in zip(texts, values, lines) if value != float(told)]
+    return faults if lines else ["there are no equations"]
+
+
 def main():
     parser = argparse.ArgumentParser(description="Brings the tables of docs/scripting.md up to date.")
     parser.add_argument("program", metavar="PXVIS", nargs="?", default=str(ROOT / "build/release/bin/pxvis"))
@@ -47,6 +60,7 @@ def main():
     faults += [f"{name!r} has more than one block" for name in told if blocks.count(name) > 1]
     if len(blocks) != page.count("<!-- pxvis list components"):
         faults.append("a block doesn't end in a line <!-- end -->")
+    faults += equation_faults(options.program, page)
     for fault in faults:
         print(f"{PAGE}: {fault}", file=sys.stderr)
     if faults:

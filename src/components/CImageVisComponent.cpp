@@ -96,7 +96,7 @@ int32_t CImageVisComponent::Draw(IVisBuffer& buffer, IVisAudioData& audio)
     const int32_t count = m_entries.GetCount();
     if (!(choice >= 0.0f) || count == 0)
         return 0;
-    // Below 0 where the product is out of range: no entry.
+    // Where the product is out of range the remainder may lie below 0: no entry.
     const int32_t entry = OQTruncateToInt32(static_cast<float>(count) * choice) % count;
     IOQImage* target = buffer.GetImage(0);
     if (!target)

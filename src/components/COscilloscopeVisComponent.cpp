@@ -62,9 +62,9 @@ COscilloscopeVisComponent::COscilloscopeVisComponent()
     Bind(u"LineEquation", m_lineEquation, u"r1=0+t;d1=.5;r2=.5+t;d2=.5;t=t+0.01",
         &OscilloscopeLinePresets());
     Bind(u"Gradient", m_gradient, GradientPresetsWithTakeRed());
-    Bind(u"FillStyle", m_fillStyle, 1, &OscilloscopeFillPresets());
+    BindChoice(u"FillStyle", m_fillStyle, 1, OscilloscopeFillPresets());
     Bind(u"DrawStyle", m_drawStyle, 2, &OscilloscopeDrawPresets());
-    Bind(u"Channel", m_channel, 0, &OscilloscopeChannelPresets());
+    BindChoice(u"Channel", m_channel, 0, OscilloscopeChannelPresets());
     Bind(u"MaxHeight", m_maxHeight, 0.15f);
     LoadProperties(nullptr);
 }

@@ -58,7 +58,7 @@ int32_t CParticleVisComponent::Draw(IVisBuffer& buffer, IVisAudioData& audio)
         return -1;
     m_particle.Run(audio);
     m_color.Run(audio);
-    // Red meets the pixel's lowest byte, which is blue. That is how particles have always looked.
+    // Red meets the pixel's lowest byte, which is blue. Kept: scripts choose their colours by it.
     const int32_t color
         = ByteFromShare(*m_blue) << 16 | ByteFromShare(*m_green) << 8 | ByteFromShare(*m_red);
     CVisBufferHelper(buffer).DrawDisc(static_cast<float>(*m_distance),

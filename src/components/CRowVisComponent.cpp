@@ -33,6 +33,12 @@ void CRowVisComponent::Bind(
         map == &NoYesPresets() ? CVisRowForm::Choice : CVisRowForm::Integer });
 }
 
+void CRowVisComponent::BindChoice(
+    const OQChar* name, int32_t& field, int32_t standard, const CVisPresetMap& map)
+{
+    m_bindings.push_back({ name, &field, standard, &map, CVisRowForm::Choice });
+}
+
 void CRowVisComponent::Bind(
     const OQChar* name, float& field, float standard, const CVisPresetMap* map)
 {

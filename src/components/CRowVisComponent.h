@@ -15,7 +15,7 @@ class CRowVisComponent : public CVisComponent
 public:
     int32_t SaveProperties(CVisPropertyList& list) override;
 
-    // A derived class that does more calls this last, so that `prepared` ends up cleared.
+    // Clears `prepared`, too; a derived class that does more calls it.
     int32_t LoadProperties(const CVisPropertyList* list) override;
 
     int32_t DescribeRows(CVisRowInfoList& rows) const override;
@@ -31,6 +31,8 @@ protected:
     // a plain one.
     void Bind(
         const OQChar* name, int32_t& field, int32_t standard, const CVisPresetMap* map = nullptr);
+    // For a number that means something only if it is a value of the map.
+    void BindChoice(const OQChar* name, int32_t& field, int32_t standard, const CVisPresetMap& map);
     void Bind(const OQChar* name, float& field, float standard, const CVisPresetMap* map = nullptr);
     void Bind(const OQChar* name, OQString& field, const OQChar* standard,
         const CVisPresetMap* map = nullptr);

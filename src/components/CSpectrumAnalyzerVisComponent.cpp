@@ -50,8 +50,8 @@ void FillBlock(const CVisBufferHelper& picture, int32_t first, int32_t last, int
 
 CSpectrumAnalyzerVisComponent::CSpectrumAnalyzerVisComponent()
 {
-    Bind(u"DrawSource", m_drawSource, 0, &SpectrumDrawSourcePresets());
-    Bind(u"Channels", m_spectrum.channels, 0, &SpectrumChannelPresets());
+    BindChoice(u"DrawSource", m_drawSource, 0, SpectrumDrawSourcePresets());
+    BindChoice(u"Channels", m_spectrum.channels, 0, SpectrumChannelPresets());
     Bind(u"DrawPeaks", m_drawPeaks, 1, &NoYesPresets());
     Bind(u"DrawBars", m_drawBars, 1, &NoYesPresets());
     Bind(u"Mirrored", m_mirrored, 1, &NoYesPresets());

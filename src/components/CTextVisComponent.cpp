@@ -43,7 +43,7 @@ CTextVisComponent::CTextVisComponent()
     Bind(u"FontName", m_fontName, u"DEFAULT");
     Bind(u"FontSize", m_fontSize, 0.012f);
     Bind(u"TextColorEquation", m_textColorEquation, u"r=1;g=1;b=1;");
-    Bind(u"TextAlignment", m_textAlignment, 5, &TextAlignmentPresets());
+    BindChoice(u"TextAlignment", m_textAlignment, 5, TextAlignmentPresets());
     LoadProperties(nullptr);
 }
 
@@ -104,11 +104,13 @@ int32_t CTextVisComponent::Draw(IVisBuffer& buffer, IVisAudioData& audio)
     const bool isOver = elapsed > m_renderDuration;
     if (m_pages.IsEmpty() || (isOver && elapsed < m_renderDelayMilliseconds))
         return 0;
-    if (isOver)
+    // The first page comes at once, also on a clock that hasn't run for its duration yet.
+    const bool isNextDue = isOver || m_page < 0;
+    if (isNextDue)
         m_page = m_page + 1 < m_pages.GetCount() ? m_page + 1 : 0;
     if (m_page >= 0 && !m_pages[m_page].IsEmpty())
         DrawPage(m_pages[m_page], buffer, audio);
-    if (isOver)
+    if (isNextDue)
         m_stamp = Now();
     return 0;
 }

@@ -43,7 +43,7 @@ CTransformVisComponent::CTransformVisComponent()
     Bind(u"ColorEquation", m_colorEquation, u"r=1;g=1;b=1;", &TransformColorPresets());
     Bind(u"DrawFrequency", m_drawFrequency, 2);
     Bind(u"FlipBuffer", m_flipBuffer, 1, &NoYesPresets());
-    Bind(u"RadiusMode", m_radiusMode, 2, &TransformRadiusPresets());
+    BindChoice(u"RadiusMode", m_radiusMode, 2, TransformRadiusPresets());
     Bind(u"ClipAtMaxRadius", m_clipAtMaxRadius, 1, &NoYesPresets());
     Bind(u"CenterPoint", m_centerPoint);
     Bind(u"TransformRectangle", m_transformRectangle);

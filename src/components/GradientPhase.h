@@ -1,6 +1,6 @@
 #pragma once
 
-// How far a gradient's colours, which move with every frame, have come in its second coordinate.
+// How far a gradient's colours move with every frame, in its second coordinate.
 constexpr float gradientPhaseStep = 0.005f;
 
 // From 0 to below 1, and from the start again.

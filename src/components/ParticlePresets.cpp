@@ -15,7 +15,7 @@ constexpr VisPreset colors[] = {
     { u"Light White", u"r=.05;g=.05;b=.05;" },
 };
 
-// "Multiply" has never changed a pixel.
+// "Multiply" changes no pixel; its name stays, so that scripts that have it load.
 constexpr VisPreset blends[] = {
     { u"Replace", u"0" },
     { u"Add", u"1" },

@@ -29,8 +29,10 @@ OQString FileOfScripts(const OQString& path, const OQDataRoots& roots)
 {
     OQString name = path;
     name.Replace(u'\\', u'/');
-    while (name.StartsWith(u"/"))
-        name.Delete(0);
+    int32_t slashes = 0;
+    while (name[slashes] == u'/')
+        ++slashes;
+    name.Delete(0, slashes);
     for (const OQString& relative : { name, u"Images/" + name, OQString(u"Images/Default.gif") }) {
         OQString file = roots.FindFile(u"Visualizations/Vis Studio/" + relative);
         if (!file.IsEmpty())
@@ -50,12 +52,14 @@ void ResolveImage(
     OQString& path, const OQString& text, IVisAudioData& audio, const OQDataRoots& roots)
 {
     path = text;
-    path.Replace(OQString(u"COVER_ART"), VisTrackText(audio, VisTrackFieldCoverFile));
+    if (path.GetLength() <= VisLimits::pathUnits)
+        path.Replace(OQString(u"COVER_ART"), VisTrackText(audio, VisTrackFieldCoverFile));
     if (IsUrl(path))
         return;
-    OQString file = FileAsNamed(path);
+    const bool isPath = path.GetLength() <= VisLimits::pathUnits;
+    OQString file = isPath ? FileAsNamed(path) : OQString();
     if (file.IsEmpty())
-        file = FileOfScripts(path, roots);
+        file = FileOfScripts(isPath ? path : OQString(), roots);
     if (!file.IsEmpty())
         path = file;
 }

@@ -17,7 +17,6 @@ void ResolveImage(
     OQString& path, const OQString& text, IVisAudioData& audio, const OQDataRoots& roots);
 
 // The picture of such a text, stretched to width x height pixels; a side of 0 keeps its own. Null
-// if there is none, if it can't be read. URLs aren't
-// fetched.
+// if there is none or it can't be read. URLs aren't fetched.
 std::unique_ptr<IOQImage> LoadImageSource(
     const OQString& text, IVisAudioData& audio, int32_t width, int32_t height);

@@ -21,6 +21,9 @@ constexpr int32_t textPages = 4096;
 constexpr int32_t textUnits = 8192;
 constexpr int64_t textLeastKeptPixels = 65536; // as the image module's fonts have it
 
+// Of a text that says which picture, as of a path of the system; none is found for a longer one.
+constexpr int32_t pathUnits = 4096;
+
 // Of a picture that a component shows, in pixels; a larger one is not loaded.
 constexpr int32_t pictureSide = 16384;
 constexpr int64_t picturePixels = int64_t { 64 } << 20;

@@ -42,7 +42,7 @@ constexpr VisPreset onEquations[] = {
 };
 
 // A blank behind a comma hides the "0x" of the colour that follows, so that "Yellow Metal" and
-// "Pine" end in black. That is how they have always looked.
+// "Pine" end in black. Kept: scripts choose them for what they look like.
 constexpr VisPreset gradients[] = {
     { u"Rainbow Cycle",
         u"{2, 4} [[0xFF0000,0x000000][0x00FF00,0x000000][0x0000FF,0x000000][0xFF0000,0x000000]]" },

@@ -84,13 +84,13 @@ TEST_CASE("The left wave runs there and back round the blob, in single precision
     CHECK(scene.Pixel(81, 31) == blue);
     CHECK(scene.Pixel(81, 28) == blue);
     CHECK(scene.Pixel(82, 31) == background);
-    CHECK(scene.Pixel(63, 30) == background);
+    CHECK(scene.Pixel(63, 28) == background);
 
     Scene petals({});
     std::fill_n(petals.audio.block.waveform[0], 1024, int8_t { -128 });
     CHECK(petals.Painted() == 0);
-    // Sample 1023 is that of the ray to the left.
-    petals.audio.block.waveform[0][1023] = 0;
+    // The ray to the left reads the last sample or, as angles add up, the one before.
+    petals.audio.block.waveform[0][1022] = petals.audio.block.waveform[0][1023] = 0;
     petals.Draw();
     CHECK(petals.Pixel(38, 30) == blue);
     CHECK(petals.Pixel(37, 30) == background);
@@ -101,7 +101,7 @@ TEST_CASE("The gradient runs from the centre out, and its phase through a resize
 {
     Scene scene({ { u"Gradient", u"{2, 1} [[0x000000,0x0000D0]]" }, { u"MaxDeltaRadius", u"0" } });
     scene.Draw();
-    CHECK(scene.Pixel(51, 30) == 0); // entries of 13
+    CHECK(scene.Pixel(51, 30) == 0x10); // entry 1 of 13: a later ray's second pixel
     CHECK(scene.Pixel(60, 30) == 0x90); // 208 * 9 / 13
 
     const OQChar* moving = u"{1, 2} [[0x000000][0x00C800]]";
@@ -127,8 +127,8 @@ TEST_CASE("The centre is polar and hears the beat; outside the picture no ray be
     CHECK(right.Pixel(84, 30) == blue);
     CHECK(right.Pixel(85, 30) == background);
     right.audio.values[VisAudioValueLevel] = 101;
-    right.Draw(); // and up: 0.34, with a column of 49.99
-    CHECK(right.Pixel(49, 5) == blue);
+    right.Draw(); // and up: (49, 0). The ray at 54 degrees ends at (51.94, 4.05)
+    CHECK(right.Pixel(51, 4) == blue);
     CHECK(right.Pixel(79, 30) == background);
     for (const OQChar* equation :
         { u"d=2", u"d=10^300;r=.1", u"r=10^300", u"d=log(-1)", u"d=-10^18" })

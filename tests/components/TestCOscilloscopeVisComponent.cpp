@@ -92,7 +92,7 @@ TEST_CASE("The wave of a level line runs above it, 2 pixels wide and 4 inside th
     CHECK(Scene({ { u"DrawStyle", u"3" } }).Painted() == Box { 4, 5, 37, 15 });
     // Rows 0 and 19 come in as rows 4 and 16.
     CHECK(Scene({ { u"LineEquation", u"x1=0;y1=0;x2=1;y2=0;" } }).Painted() == Box { 4, 4, 37, 4 });
-    CHECK(Scene({ { u"LineEquation", u"x1=0;y1=.99;x2=1;y2=.99;" }, { u"MaxHeight", u"0" } })
+    CHECK(Scene({ { u"LineEquation", u"x1=0;y1=.95;x2=1;y2=.95;" }, { u"MaxHeight", u"0" } })
               .Painted()
         == Box { 4, 16, 37, 16 });
 }
@@ -143,9 +143,9 @@ TEST_CASE("The letters x and y anywhere, in lower case, make the ends plain")
 
 TEST_CASE("The wave goes along the whole line: what is cut off takes its part along")
 {
-    // From column -40 to 40, so that the picture shows the second half.
+    // From column -39, as -39.5 is truncated, to 40: column 0 reads sample 505.
     Scene half({ { u"LineEquation", u"x1=-1;y1=.5;x2=1;y2=.5;" } });
-    for (size_t i = 0; i < 512; ++i)
+    for (size_t i = 0; i < 505; ++i)
         half.audio.block.waveform[0][i] = half.audio.block.waveform[1][i] = -64;
     CHECK(half.Painted() == Box { 4, 5, 37, 5 });
     // Column 20 of 40 reads sample 512; a line style run reaches from the swing before.

@@ -310,9 +310,9 @@ TEST_CASE("Pages take turns by time: shown, then a gap, then the next one")
         CHECK(scene.PageShown() == page);
     }
 
-    // A duration longer than the clock has run: the first page never comes.
+    // A duration longer than the clock has run: the first page comes all the same.
     scene.Load({ { u"Text", threePages }, { u"RenderDuration", u"2147483647" } });
-    CHECK(scene.PageShown() == -1);
+    CHECK(scene.PageShown() == 0);
     // The clock passes 2^32.
     scene.Load({ { u"Text", threePages }, { u"RenderDuration", u"100" } });
     scene.SetTime((int64_t { 1 } << 32) - 50);

@@ -74,10 +74,12 @@ TEST_CASE("A run stands across its line: positive offsets go right and up, each 
         CHECK(upright.At(8 + offset, 8) == static_cast<uint32_t>(offset + 3));
     CHECK(upright.At(11, 8) == 5);
 
-    // A sine of -0.6 moves offset 2 by -1.2 + 0.5, truncated to 0, and offset 3 by -1.3 to -1.
+    // A sine of -0.6 moves offset 2 by -1.2 + 0.5, truncated to 0, and offset 3 by -1.3 to -1,
+    // whose second column covers the first one of offset 2.
     Picture falling(16, 16);
     DrawWaveRun(&falling.At(0, 0), -16, 16, 16, { 8, 8, -0.6, 0.8 }, 2, 2, inks.data());
-    CHECK(falling.At(8, 6) == 1); // 0.8 * 2 + 0.5 = 2.1
+    CHECK(falling.At(9, 6) == 1); // 0.8 * 2 + 0.5 = 2.1
+    CHECK(falling.At(8, 6) == 2);
     CHECK(falling.At(7, 6) == 2); // 0.8 * 3 + 0.5 = 2.9
 }
 

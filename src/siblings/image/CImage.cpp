@@ -58,7 +58,7 @@ void WithFont(IOQFont* font, Use use)
     use(*common);
 }
 
-// Those who write scripts elsewhere part folders by "\\".
+// Scripts may part folders by "\\".
 bool ReadPicture(std::string path, std::string& bytes)
 {
     using namespace pxvis::os;

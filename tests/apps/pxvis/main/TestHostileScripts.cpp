@@ -32,6 +32,11 @@ const std::string spectrum = "B21F9002-EF2E-4d5b-9D40-F61B8F3B34D8";
 const std::string superTransform = "DCE4B5AB-25A0-432f-B4A2-8E91B9FD1060";
 const std::string dynamicTransform = "91A53739-48CC-425c-89EB-0DB399261FD9";
 const std::string text = "BBEC668A-420F-4faa-856D-880DACE05B5B";
+const std::string superScope = "D6CC94F2-998C-40ee-A29E-D9CBED46A145";
+const std::string oscilloscope = "01F7B01F-B355-4152-83D6-DBEB8CE7C8D4";
+const std::string blob = "2657C682-8576-4bd3-8EBB-60B01409FF14";
+const std::string starfield = "B8173E2F-8740-4357-8CFF-33479461B3CD";
+const std::string particle = "50DAC8D1-E2A8-42a0-AF97-7D3E7B1C494F";
 const std::string picture = "63B96C06-29A4-4de2-9A9D-9F3E08F8C014";
 
 // One loud record: level 120, a beat, no change; a saw tooth and a full spectrum.
@@ -323,6 +328,23 @@ TEST_CASE("Pictures by the thousand and lists by the million end, too")
             + Piece(picture,
                 Row("ImageFile", std::string(1'000'000, '|'))
                     + Row("ImageChangeEquation", "i=rand(1000)/1000"))));
+    for (const std::string name : { "/", "\\", "COVER_ART" })
+        CheckDrawn("picture-name-of-4-MB",
+            Script(bars + Piece(picture, Row("ImageFile", Repeat(name, 4'000'000 / name.size())))));
+}
+
+TEST_CASE("Scopes, blobs, stars and discs without end have one")
+{
+    const auto many = [](const std::string& guid, const std::string& rows) {
+        return Script(bars + Repeat(Piece(guid, rows), 400));
+    };
+    CheckDrawn("scope-points", many(superScope, Row("ScopeEquation", "n=10^9|x=rand(9)-4;y=v")));
+    CheckDrawn("oscilloscope-swing",
+        many(oscilloscope,
+            Row("MaxHeight", "9e9") + Row("LineEquation", "x1=-10^9;y1=-10^9;x2=10^9;y2=10^9")));
+    CheckDrawn("blob-rays", many(blob, Row("BaseRadius", "5e6") + Row("MaxDeltaRadius", "5e6")));
+    CheckDrawn("stars", many(starfield, Row("StarDensity", "2147483647") + Row("Speed", "0")));
+    CheckDrawn("discs", many(particle, Row("ParticleEquation", "s=10^6")));
 }
 
 TEST_CASE("Floods of XML are read in time")
