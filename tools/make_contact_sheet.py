@@ -5,7 +5,7 @@
     tools/make_contact_sheet.py [--at SECONDS] [--columns N] [-o FILE] [SCRIPT...]
     tools/make_contact_sheet.py --beside docs/examples/*.pxv
 
-Each picture is the demo song's at --at, some seconds after the script began. Several times, with commas, give a
+Each picture is the demo song's at --at, eight seconds after the script began. Several times, with commas, give a
 line of pictures for each script: to look at, not for the README. With --beside each script's picture is written beside
 it, as a JPEG of its own.
 """
@@ -34,7 +34,7 @@ def picture(pxvis, script, at, folder):
 def main():
     parser = argparse.ArgumentParser(description="Draws the sheet of all shipped scripts.")
     parser.add_argument("names", nargs="*", metavar="SCRIPT", help="file or Mood/Name; all without")
-    parser.add_argument("--at", default="24")
+    parser.add_argument("--at", default="20.84", help="just behind a kick, by default")
     parser.add_argument("--columns", type=int, default=4)
     parser.add_argument("--beside", action="store_true")
     parser.add_argument("-o", "--output", type=pathlib.Path, default=SCRIPTS / "contact-sheet.jpg")
