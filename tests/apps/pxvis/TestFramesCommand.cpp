@@ -35,7 +35,7 @@ struct Outcome
 };
 
 Outcome Frames(const std::string& script, int32_t width, int32_t height, const std::string& records,
-    int64_t clockStartMs = 1'000'000)
+    int64_t clockStartMs = 1'000'000, int32_t threads = 0)
 {
     std::istringstream input(records);
     std::ostringstream output;
@@ -45,6 +45,7 @@ Outcome Frames(const std::string& script, int32_t width, int32_t height, const s
     options.session.width = width;
     options.session.height = height;
     options.session.clockStartMs = clockStartMs;
+    options.session.threads = threads;
     const int status = pxvis::RunFrames(options, input, output, errors);
     return { status, output.str(), errors.str() };
 }
@@ -93,6 +94,17 @@ TEST_CASE("The same records give the same pictures, and the clock's start gives 
     CHECK(first.status == 0);
     CHECK(first.output == Frames(script.Path(), 64, 36, records).output);
     CHECK(first.output != Frames(script.Path(), 64, 36, records, 1'000'001).output);
+}
+
+TEST_CASE("The pictures are the same on any number of threads")
+{
+    const std::string records = Records(4, 120);
+    for (const char* script : { "Wild/Inner Rooms", "Bright/Undertow" }) { // all transforms
+        const Outcome one = Frames(script, 400, 301, records, 1'000'000, 1);
+        CHECK(one.status == 0);
+        for (const int32_t threads : { 2, 3, 8 })
+            CHECK(Frames(script, 400, 301, records, 1'000'000, threads).output == one.output);
+    }
 }
 
 TEST_CASE("A truncated record stream gives the whole frames, one line and a failure")
