@@ -2,8 +2,6 @@
 #include "TestFolder.h"
 #include "apps/pxvis/VisualSession.h"
 #include "engine2d/CComponentManager.h"
-#include "engine2d/CVisComponent.h"
-#include "engine2d/CVisRowInfo.h"
 
 #include <doctest/doctest.h>
 
@@ -105,24 +103,6 @@ bool DrawsTextAsRecorded()
         && fs::exists("/usr/share/fonts/truetype/dejavu/DejaVuSansMono.ttf");
 }
 
-// Why a script's picture is not to be compared; empty otherwise.
-std::string ReasonToSkip(const std::string& script)
-{
-    VISUALIZATION_COMPONENT_INFO_EX info;
-    for (int32_t i = 0; CComponentManager::GetInfo(i, info) == 0; ++i) {
-        if (script.find(info.guid) == std::string::npos)
-            continue;
-        std::unique_ptr<CVisComponent> component;
-        CVisRowInfoList rows;
-        CComponentManager::CreateComponent(i, component);
-        if (!component || component->DescribeRows(rows) != 0)
-            return std::string(info.name) + " has no code yet";
-        if (std::string(info.name) == "Text" && !DrawsTextAsRecorded())
-            return "texts look like this on Debian 12 with fonts-dejavu-core";
-    }
-    return {};
-}
-
 std::set<fs::path> FilesOf(const char* extension)
 {
     std::set<fs::path> files;
@@ -158,12 +138,10 @@ std::string KeepFailure(
 
 TEST_CASE("Each script draws its picture, byte for byte")
 {
-    int32_t compared = 0;
     for (const fs::path& script : FilesOf(".pxv")) {
         const std::string name = script.stem();
-        const std::string skipped = ReasonToSkip(BytesOf(script));
-        if (!skipped.empty()) {
-            MESSAGE("skipped: ", name, ": ", skipped);
+        if (name == "text" && !DrawsTextAsRecorded()) {
+            MESSAGE("skipped: texts look as recorded on Debian 12 with fonts-dejavu-core only");
             continue;
         }
         const fs::path file = folder / (name + ".png");
@@ -178,12 +156,10 @@ TEST_CASE("Each script draws its picture, byte for byte")
         } else if (!loaded || actual != expected) {
             FAIL_CHECK(KeepFailure(name, actual, expected));
         }
-        ++compared;
     }
-    CHECK(compared > 0);
 }
 
-TEST_CASE("Each component and each output mode has a script, and each picture")
+TEST_CASE("There is a script for each component, output mode and picture")
 {
     VISUALIZATION_COMPONENT_INFO_EX info;
     for (int32_t i = 0; CComponentManager::GetInfo(i, info) == 0; ++i) {
