@@ -45,8 +45,12 @@ int32_t CStarfieldVisComponent::LoadProperties(const CVisPropertyList* list)
     return CRowVisComponent::LoadProperties(list);
 }
 
+// Nothing without a rectangle: what is counted before the layers are sized would be taken from
+// their images.
 int64_t CStarfieldVisComponent::KeptPixels() const
 {
+    if (m_rect.Width() <= 0 || m_rect.Height() <= 0)
+        return 0;
     return int64_t { VisLimits::stars } * static_cast<int64_t>(sizeof(Star) / sizeof(uint32_t));
 }
 

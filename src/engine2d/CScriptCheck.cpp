@@ -400,7 +400,7 @@ void CScriptCheck::CheckRow(const OQString& component, const Rows& rows, const O
     if (!fault.reason.IsEmpty()) {
         finding.position = fault.position;
         finding.message = fault.reason;
-        Add(finding, m_document.GetContentOffset());
+        Add(finding, OffsetInRow(text, fault.position));
     }
     if (m_document.FindChildElem()) {
         finding.position = 0;
@@ -409,6 +409,18 @@ void CScriptCheck::CheckRow(const OQString& component, const Rows& rows, const O
     }
     if (row->form == CVisRowForm::Rectangle && component == layerName)
         CheckArea(text);
+}
+
+// Where the position in the text of the row that was read lies in the file: exactly, unless it is
+// written with entities in front of it; then where the text begins.
+int32_t CScriptCheck::OffsetInRow(const OQString& text, int32_t position)
+{
+    const int32_t start = m_document.GetContentOffset();
+    const std::u16string_view file = m_document.GetDoc().View();
+    const auto before = static_cast<size_t>(std::max(position - 1, 0));
+    const bool isPlain
+        = file.substr(static_cast<size_t>(start)).starts_with(text.View().substr(0, before));
+    return isPlain ? start + static_cast<int32_t>(before) : start;
 }
 
 void CScriptCheck::CheckArea(const OQString& text)

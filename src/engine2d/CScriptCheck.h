@@ -51,6 +51,7 @@ private:
     void CheckProperties(
         const OQString& component, const Rows& rows, CVisPropertyList* values = nullptr);
     void CheckRow(const OQString& component, const Rows& rows, const OQString& name);
+    int32_t OffsetInRow(const OQString& text, int32_t position);
     void CheckArea(const OQString& text);
     // False for a piece that the script's pictures leave no memory for.
     bool KeepPixels(int32_t offset, const OQString& component, int64_t pixels);

@@ -84,6 +84,8 @@ bool CMathCompiler::FailMissingOperator()
     if (m_token.Is(u'(') && m_previous.type == CMathTokenType::Variable)
         return Fail(
             Kind::UnknownFunction, m_previous.position, TextOf(m_previous) + " is not a function");
+    if (!reason.empty())
+        return Fail(Kind::MissingOperator, position, reason);
     reason = "an operator is missing before \"" + TextOf(m_token) + "\"";
     if (position > 0 && m_text[position - 1] == u'_')
         reason += ": a name holds letters and digits only";

@@ -198,6 +198,8 @@ TEST_CASE("At most so many stars are alive, and a frame that may not cost them d
     Scene scene({ { u"Speed", u"0" }, { u"StarDensity", u"2000000000" },
                     { u"CreationOffsetScale", u"1" }, { u"CreationDistance", u"1024" } },
         64, 64);
+    CHECK(scene.stars->KeptPixels() == 0);
+    scene.stars->SetRect({ 0, 0, 64, 64 });
     CHECK(scene.stars->KeptPixels() == 300'000);
     for (int i = 0; i < 20; ++i)
         REQUIRE(scene.Draw() == 0);

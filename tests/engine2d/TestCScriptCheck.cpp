@@ -87,6 +87,31 @@ TEST_CASE("Equations that do not compile are told with the reason, empty ones ar
     CHECK(Tells(CheckRow("OnEquation", "beat on"), u"\"Beat On\""));
 }
 
+TEST_CASE(
+    "Of equations in one row the first fault is told with its number and its place in the row")
+{
+    constexpr const char* scope = "<Component GUID=\"D6CC94F2-998C-40ee-A29E-D9CBED46A145\">";
+    CHECK(IsGood("ScopeEquation", "n=9 | |t=t+1|| ", scope));
+    CHECK(IsGood("ScopeEquation", "Satellite Dish", scope));
+    CHECK(IsGood("ScopeEquation", "|||| | |", scope));
+    const CScriptFinding stage = CheckRow("ScopeEquation", "n=9;|x=i;y=(v|t=", scope);
+    CHECK(Tells(stage, u"stage 2: "));
+    CHECK(stage.position == 12); // the parenthesis that is never closed
+    CHECK(Tells(CheckRow("ScopeEquation", "n=9;|x=i; |t=1", scope), u"after the last \";\""));
+    const CScriptFinding surplus = CheckRow("ScopeEquation", "n=1|||||t=(", scope);
+    CHECK(Tells(surplus, u"only the first 5 stages"));
+    CHECK(surplus.position == 8); // its "|"
+    CHECK_FALSE(Tells(CheckRow("ScopeEquation", "n=", scope), u"stage")); // there is only one
+
+    constexpr const char* feedback = "<Component GUID=\"DCE4B5AB-25A0-432f-B4A2-8E91B9FD1060\">";
+    CHECK(IsGood("TransformEquation", "", feedback));
+    CHECK(IsGood("TransformEquation", "(none)", feedback));
+    CHECK(IsGood("TransformEquation", "d=d*.9||\r\n|r=r+1||||d=1", feedback));
+    const CScriptFinding third = CheckRow("TransformEquation", "d=1||d=", feedback);
+    CHECK(Tells(third, u"equation 3: "));
+    CHECK(third.position == 8);
+}
+
 TEST_CASE("Values that count as something else are told")
 {
     CHECK(IsGood("PeakGravity", " +12 "));

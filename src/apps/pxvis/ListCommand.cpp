@@ -272,7 +272,7 @@ void PrintComponent(
     }
     output << kind.name << (kind.guid.empty() ? "" : "  ") << kind.guid << '\n';
     for (const Row& row : kind.rows)
-        output << "  " << Padded(row.name, 22) << ' ' << Padded(row.form, 12) << ' '
+        output << "  " << Padded(row.name, 22) << ' ' << Padded(row.form, 19) << ' '
                << PrintableLine(row.standard) << '\n';
     output << '\n';
 }

@@ -6,6 +6,9 @@
 
 #include <doctest/doctest.h>
 
+#include <algorithm>
+#include <iterator>
+
 TEST_CASE("check passes the shipped scripts")
 {
     const Checked checked({ { PXVIS_SOURCE_DIR "/data" } });
@@ -48,10 +51,15 @@ TEST_CASE("A folder's name stands for the user's and the shipped scripts in it")
     folder.Write(own + "/Sleeve.pxv", "<PXV Version=\"1.0\"/>"); // hides the shipped one
     std::string error;
     const auto scripts = pxvis::FindScripts("dense/", error);
-    REQUIRE(scripts.size() == 3);
-    CHECK(scripts[0] == folder.Path(own + "/Own.pxv"));
-    CHECK(scripts[1].ends_with("data/Visualizations/Vis Studio/Dense/Rosette.pxv"));
-    CHECK(scripts[2] == folder.Path(own + "/Sleeve.pxv"));
+    const auto ending = [&](const char* name) {
+        std::vector<std::string> found;
+        std::copy_if(scripts.begin(), scripts.end(), std::back_inserter(found),
+            [name](const std::string& script) { return script.ends_with(name); });
+        return found;
+    };
+    CHECK(ending("Dense/Own.pxv") == std::vector { folder.Path(own + "/Own.pxv") });
+    CHECK(ending("Dense/Sleeve.pxv") == std::vector { folder.Path(own + "/Sleeve.pxv") });
+    CHECK(ending("data/Visualizations/Vis Studio/Dense/Rosette.pxv").size() == 1u);
 }
 
 TEST_CASE("check goes on behind a script that can't be read")

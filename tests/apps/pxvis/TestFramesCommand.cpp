@@ -1,3 +1,5 @@
+#include "TestFolder.h"
+#include "TestVariable.h"
 #include "VisTesting.h"
 #include "apps/pxvis/AnalyzeCommand.h"
 #include "apps/pxvis/FramesCommand.h"
@@ -5,6 +7,7 @@
 
 #include <doctest/doctest.h>
 
+#include <filesystem>
 #include <sstream>
 
 namespace {
@@ -142,7 +145,12 @@ TEST_CASE("Frames take a script by its name")
     const Outcome named = Frames("undertow", 16, 16, records);
     CHECK(named.status == 0);
     CHECK(named.output == Frames(demoScript, 16, 16, records).output);
-    CHECK(Frames("calm", 16, 16, records).status == 0); // a folder of one
+    const TestFolder folder;
+    const TestVariable data("XDG_DATA_HOME", folder.Path("").c_str());
+    const std::string own = "pxvis/Visualizations/Vis Studio/Folder of One";
+    std::filesystem::create_directories(folder / own);
+    folder.Write(own + "/Only.pxv", "<PXV Version=\"1.0\"/>");
+    CHECK(Frames("folder of one", 16, 16, records).status == 0);
     CHECK(Frames("undertwo", 16, 16, records).errors
         == "pxvis: undertwo: no such script; pxvis list scripts tells the names\n");
 }

@@ -359,6 +359,7 @@ int Run(int argc, char** argv)
 
     // A reader that goes away ends the commands that write for it, in silence; a render goes on.
     std::signal(SIGPIPE, app.got_subcommand("render") ? SIG_IGN : SIG_DFL);
+    std::signal(SIGXFSZ, SIG_IGN); // a limit on files is a write that fails, like a full disk
     if (app.got_subcommand("render"))
         return pxvis::RunRender(render, std::cerr);
     if (app.got_subcommand("check"))

@@ -335,8 +335,8 @@ TEST_CASE("Pictures by the thousand and lists by the million end, too")
 
 TEST_CASE("Scopes, blobs, stars and discs without end have one")
 {
-    const auto many = [](const std::string& guid, const std::string& rows) {
-        return Script(bars + Repeat(Piece(guid, rows), 400));
+    const auto many = [](const std::string& guid, const std::string& rows, int count = 400) {
+        return Script(bars + Repeat(Piece(guid, rows), count));
     };
     CheckDrawn("scope-points", many(superScope, Row("ScopeEquation", "n=10^9|x=rand(9)-4;y=v")));
     CheckDrawn("oscilloscope-swing",
@@ -344,6 +344,7 @@ TEST_CASE("Scopes, blobs, stars and discs without end have one")
             Row("MaxHeight", "9e9") + Row("LineEquation", "x1=-10^9;y1=-10^9;x2=10^9;y2=10^9")));
     CheckDrawn("blob-rays", many(blob, Row("BaseRadius", "5e6") + Row("MaxDeltaRadius", "5e6")));
     CheckDrawn("stars", many(starfield, Row("StarDensity", "2147483647") + Row("Speed", "0")));
+    CheckDrawn("starfields-4000", many(starfield, Row("StarDensity", "32768"), 4000));
     CheckDrawn("discs", many(particle, Row("ParticleEquation", "s=10^6")));
 }
 
