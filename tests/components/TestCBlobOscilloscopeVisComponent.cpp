@@ -1,61 +1,32 @@
-#include "VisTesting.h"
+#include "ComponentScene.h"
 #include "components/CBlobOscilloscopeVisComponent.h"
 #include "engine2d/VisLimits.h"
-#include "foundation/OQEngineContext.h"
 #include "foundation/OQString.h"
 
 #include <doctest/doctest.h>
 
-#include <initializer_list>
 #include <utility>
 
 namespace {
 
-using Rows = std::initializer_list<std::pair<const OQChar*, const OQChar*>>;
-
-constexpr uint32_t background = 0xFF555555;
 constexpr uint32_t blue = 0x0000FF;
 
 // In a picture of 100 x 60 the base radius is 12 and the swing 20, round (50, 30).
-struct Scene
+struct Scene : ComponentScene<CBlobOscilloscopeVisComponent>
 {
     explicit Scene(Rows rows, int32_t width = 100, int32_t height = 60)
+        : ComponentScene({ { u"Gradient", u"{1, 1} [[0x0000FF]]" } }, rows, width, height)
     {
-        CVisPropertyList list;
-        list.AddRow(u"Gradient", u"{1, 1} [[0x0000FF]]");
-        for (const auto& [name, value] : rows)
-            list.AddRow(name, value);
-        blob.LoadProperties(&list);
-        blob.SetRect({ 0, 0, width, height });
-        buffer.MakeImages(width, height);
-    }
-
-    Scene& Draw()
-    {
-        FillBuffer(buffer, background);
-        const OQEngineContextScope engine(&context);
-        blob.Draw(buffer, audio);
-        return *this;
     }
 
     int Painted()
     {
         Draw();
-        OQSize size;
-        buffer.GetSize(&size);
-        int count = 0;
-        for (int32_t i = 0; i < size.cx * size.cy; ++i)
-            count += buffer.GetBits(0)[i] != background;
-        return count;
+        return PaintedCount();
     }
-
-    uint32_t Pixel(int32_t x, int32_t y) { return PixelAt(buffer, x, y); }
-
-    OQEngineContext context;
-    CDibBuffer buffer;
-    TestAudio audio;
-    CBlobOscilloscopeVisComponent blob;
 };
+
+constexpr uint32_t background = Scene::background;
 
 }
 
@@ -108,12 +79,12 @@ TEST_CASE("The gradient runs from the centre out, and its phase through a resize
     Scene frames({ { u"Gradient", moving } });
     for (int i = 0; i < 20; ++i)
         frames.Draw();
-    frames.blob.SetRect({ 0, 0, 9, 9 });
+    frames.component.SetRect({ 0, 0, 9, 9 });
     frames.Draw();
     CHECK(frames.Pixel(60, 30) >= 0x1400);
     CVisPropertyList list;
     list.AddRow(u"Gradient", moving);
-    frames.blob.LoadProperties(&list);
+    frames.component.LoadProperties(&list);
     frames.Draw();
     CHECK(frames.Pixel(60, 30) <= 0x0100);
 }

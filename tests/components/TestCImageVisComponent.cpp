@@ -1,67 +1,36 @@
-#include "VisTesting.h"
+#include "ComponentScene.h"
 #include "components/CImageVisComponent.h"
 #include "engine2d/CVisPropertyList.h"
 #include "engine2d/VisLimits.h"
-#include "foundation/OQEngineContext.h"
 #include "foundation/OQString.h"
 
 #include <doctest/doctest.h>
 
-#include <initializer_list>
 #include <utility>
 #include <vector>
 
 namespace {
 
-using Rows = std::initializer_list<std::pair<const OQChar*, OQString>>;
-
-constexpr uint32_t background = 0x00555555;
 constexpr uint32_t red = 0x00FF0000;
 constexpr uint32_t green = 0x0000FF00;
 constexpr uint32_t blue = 0x000000FF;
 
-struct Scene
+struct Scene : ComponentScene<CImageVisComponent, 0x00555555>
 {
     explicit Scene(Rows rows, int32_t width = 40, int32_t height = 20)
+        : ComponentScene({}, rows, width, height)
     {
-        CVisPropertyList list;
-        for (const auto& [name, value] : rows)
-            list.AddRow(name, value);
-        image.LoadProperties(&list);
-        image.SetRect({ 0, 0, width, height });
-        buffer.MakeImages(width, height);
     }
 
-    // Draws, and tells the pixel at the centre.
+    // The pixel at the centre.
     uint32_t Draw()
     {
-        FillBuffer(buffer, background);
-        image.Draw(buffer, audio);
-        OQSize size;
-        buffer.GetSize(&size);
-        return PixelAt(buffer, size.cx / 2, size.cy / 2);
+        ComponentScene::Draw();
+        return MiddlePixel();
     }
-
-    // The bounds of what was drawn.
-    OQRect Drawn()
-    {
-        OQSize size;
-        buffer.GetSize(&size);
-        OQRect drawn { size.cx, size.cy, 0, 0 };
-        for (int32_t y = 0; y < size.cy; ++y) {
-            for (int32_t x = 0; x < size.cx; ++x) {
-                if (PixelAt(buffer, x, y) != background)
-                    drawn = { std::min(drawn.left, x), std::min(drawn.top, y),
-                        std::max(drawn.right, x + 1), std::max(drawn.bottom, y + 1) };
-            }
-        }
-        return drawn;
-    }
-
-    CDibBuffer buffer;
-    TestAudio audio;
-    CImageVisComponent image;
 };
+
+constexpr uint32_t background = Scene::background;
 
 // A file with a picture of one colour, 0x00RRGGBB.
 struct PictureFile
@@ -168,10 +137,9 @@ TEST_CASE("A picture fills its rectangle or keeps its shape in the middle of it,
         { u"-1;-1;1;1", u"1", { 0, 0, 20, 20 } }, // 80 x 40: the square from -20 to 20
         { u"-0.5;-0.5;0.25;0.25", u"0", { 0, 0, 10, 5 } },
         { u"-50000000;-1e8;50000000;1e8", u"0", { 0, 0, 40, 20 } }, // nearly 2^31 pixels each way
-        { u"-1e30;-1e30;1e30;1e30", u"0", { 40, 20, 0, 0 } }, // all four are -2^31
-        { u"-1000000;-1000000;1000000;1000000", u"1", { 0, 0, 40, 20 } },
-        { u"1;1;0;0", u"0", { 40, 20, 0, 0 } }, { u"1;0;0;1", u"1", { 40, 20, 0, 0 } },
-        { u"0.5;0;0.5;1", u"1", { 40, 20, 0, 0 } }, { u"1;0;2;1", u"0", { 40, 20, 0, 0 } },
+        { u"-1e30;-1e30;1e30;1e30", u"0", {} }, // all four are -2^31
+        { u"-1000000;-1000000;1000000;1000000", u"1", { 0, 0, 40, 20 } }, { u"1;1;0;0", u"0", {} },
+        { u"1;0;0;1", u"1", {} }, { u"0.5;0;0.5;1", u"1", {} }, { u"1;0;2;1", u"0", {} },
         { u"0;0;0.03;1", u"1", { 0, 9, 1, 10 } }, // 1 x 20: rounded down to the upper middle row
     };
 
@@ -180,7 +148,7 @@ TEST_CASE("A picture fills its rectangle or keeps its shape in the middle of it,
         Scene scene({ { u"ImageFile", square.Path() }, { u"MainRectangle", c.rectangle },
             { u"MaintainAspectRatio", c.keepShape } });
         scene.Draw();
-        const OQRect drawn = scene.Drawn();
+        const OQRect drawn = scene.PaintedArea();
         CHECK(drawn.left == c.drawn.left);
         CHECK(drawn.top == c.drawn.top);
         CHECK(drawn.right == c.drawn.right);
@@ -205,12 +173,12 @@ TEST_CASE("The cover of another track is shown once it is told, from the start o
     CHECK(scene.Draw() == green);
     scene.audio.values[VisAudioValueChange] = 0;
     cover.Write(blue);
-    scene.image.Invalidate();
+    scene.component.Invalidate();
     CHECK(scene.Draw() == blue);
-    scene.image.SetRect({ 0, 0, 40, 10 });
+    scene.component.SetRect({ 0, 0, 40, 10 });
     scene.buffer.MakeImages(40, 10);
     scene.Draw();
-    CHECK(scene.Drawn().Width() == 10);
+    CHECK(scene.PaintedArea().Width() == 10);
 
     // The default picture stands in for what isn't there; what is there and isn't a picture, or a
     // URL, isn't drawn.
@@ -218,7 +186,7 @@ TEST_CASE("The cover of another track is shown once it is told, from the start o
     scene.audio.values[VisAudioValueChange] = 1;
     scene.audio.coverFile = u"/nowhere/at all.png";
     scene.Draw();
-    CHECK(scene.Drawn().Width() > 0);
+    CHECK(scene.PaintedArea().Width() > 0);
     for (const OQString& path :
         { OQString::FromUtf8(broken.Path()), OQString(u"https://example.com/cover.png") }) {
         scene.audio.coverFile = path.View();
@@ -235,9 +203,7 @@ TEST_CASE("A list that an equation swaps each frame is loaded once if its pictur
     scene.Draw();
     scene.Draw();
     scene.Draw();
-    OQEngineContext context;
-    const OQEngineContextScope scope(&context);
-    context.workLeft = VisLimits::pictureLoadWork / 2;
+    scene.context.workLeft = VisLimits::pictureLoadWork / 2;
     CHECK(scene.Draw() == green);
     CHECK(scene.Draw() != background); // the default picture
     CHECK(scene.Draw() == red);
@@ -247,10 +213,9 @@ TEST_CASE("A list that an equation swaps each frame is loaded once if its pictur
     for (int32_t i = 3; i <= VisLimits::listPicturesKept; ++i)
         many += u"|" + a.Path();
     Scene longer({ { u"ImageFile", many }, { u"ImageChangeEquation", u"t=t+1;i=(t-.5)/9" } });
-    context.workLeft = INT64_MAX;
     for (int32_t i = 0; i < VisLimits::listPicturesKept; ++i)
         longer.Draw();
-    context.workLeft = VisLimits::pictureLoadWork / 2;
+    longer.context.workLeft = VisLimits::pictureLoadWork / 2;
     CHECK(longer.Draw() == background);
 }
 
@@ -258,7 +223,7 @@ TEST_CASE("What is seen of the pictures counts as what the script keeps")
 {
     const auto kept = [](const OQChar* rectangle, const OQChar* list, int32_t side) {
         return Scene({ { u"ImageFile", list }, { u"MainRectangle", rectangle } }, side, side)
-            .image.KeptPixels();
+            .component.KeptPixels();
     };
     CHECK(kept(u"0;0;1;1", u"a", 50) == 50 * 50);
     CHECK(kept(u"0;0;1;1", u"", 50) == 0);
@@ -276,8 +241,7 @@ TEST_CASE("What a draw may not cost is left to a later one")
 {
     const PictureFile a("work-red.png", red);
     Scene scene({ { u"ImageFile", a.Path() }, { u"ImageChangeEquation", u"i=0" } });
-    OQEngineContext context;
-    const OQEngineContextScope scope(&context);
+    OQEngineContext& context = scene.context;
     for (const int64_t work : { int64_t { 0 }, VisLimits::compileCharacterWork * 3 + 50,
              VisLimits::pictureLoadWork + 10 }) {
         context.workLeft = work;
@@ -295,7 +259,7 @@ TEST_CASE("A list of a million names is cut, and any text in a row is harmless")
         names += names;
     Scene scene({ { u"ImageFile", a.Path() + names }, { u"ImageChangeEquation", u"i=.0002" } });
     CHECK(scene.Draw() == red); // of 4096, not of a million
-    CHECK(scene.image.KeptPixels() == 8 * 40 * 20);
+    CHECK(scene.component.KeptPixels() == 8 * 40 * 20);
 
     for (const OQChar* text : { u"2147483647", u"-99999999999", u"nan", u"-1e30", u"|", u"||||" }) {
         Scene odd({ { u"ImageFile", text }, { u"RenderDelayMilliseconds", text },

@@ -1,38 +1,27 @@
-#include "VisTesting.h"
+#include "ComponentScene.h"
 #include "components/COscilloscopeVisComponent.h"
 #include "engine2d/VisLimits.h"
-#include "foundation/OQEngineContext.h"
 #include "foundation/OQString.h"
 
 #include <doctest/doctest.h>
 
-#include <initializer_list>
 #include <tuple>
 #include <utility>
 
 namespace {
 
-using Rows = std::initializer_list<std::pair<const OQChar*, const OQChar*>>;
 using Box = std::tuple<int32_t, int32_t, int32_t, int32_t>; // left, top, right, bottom; included
 
-constexpr uint32_t background = 0xFF555555;
 constexpr uint32_t blue = 0x0000FF;
 
 // In a picture of 40 x 20 a full swing is 10 pixels, and every sample is half a swing.
-struct Scene
+struct Scene : ComponentScene<COscilloscopeVisComponent>
 {
     explicit Scene(Rows rows, int32_t width = 40, int32_t height = 20)
+        : ComponentScene({ { u"Gradient", u"{1, 1} [[0x0000FF]]" }, { u"DrawStyle", u"Line" },
+                             { u"LineEquation", u"Across Middle" }, { u"MaxHeight", u"0.5" } },
+            rows, width, height)
     {
-        CVisPropertyList list;
-        list.AddRow(u"Gradient", u"{1, 1} [[0x0000FF]]");
-        list.AddRow(u"DrawStyle", u"Line");
-        list.AddRow(u"LineEquation", u"Across Middle");
-        list.AddRow(u"MaxHeight", u"0.5");
-        for (const auto& [name, value] : rows)
-            list.AddRow(name, value);
-        scope.LoadProperties(&list);
-        scope.SetRect({ 0, 0, width, height });
-        buffer.MakeImages(width, height);
         SetWave(64, 64);
     }
 
@@ -42,43 +31,18 @@ struct Scene
         std::fill_n(audio.block.waveform[1], 1024, right);
     }
 
-    void Draw()
-    {
-        FillBuffer(buffer, background);
-        const OQEngineContextScope engine(&context);
-        scope.Draw(buffer, audio);
-    }
-
-    // Of what a frame paints; -1 and the like for nothing.
+    // Of what a frame paints.
     Box Painted()
     {
         Draw();
-        Box box { INT32_MAX, INT32_MAX, -1, -1 };
-        auto& [left, top, right, bottom] = box;
-        OQSize size;
-        buffer.GetSize(&size);
-        for (int32_t y = 0; y < size.cy; ++y) {
-            for (int32_t x = 0; x < size.cx; ++x) {
-                if (PixelAt(buffer, x, y) == background)
-                    continue;
-                left = std::min(left, x);
-                top = std::min(top, y);
-                right = std::max(right, x);
-                bottom = std::max(bottom, y);
-            }
-        }
-        return box;
+        const OQRect area = PaintedArea();
+        return { area.left, area.top, area.right - 1, area.bottom - 1 };
     }
-
-    uint32_t Pixel(int32_t x, int32_t y) { return PixelAt(buffer, x, y); }
-
-    OQEngineContext context;
-    CDibBuffer buffer;
-    TestAudio audio;
-    COscilloscopeVisComponent scope;
 };
 
-const Box nothing { INT32_MAX, INT32_MAX, -1, -1 };
+constexpr uint32_t background = Scene::background;
+
+const Box nothing { 0, 0, -1, -1 };
 
 }
 
@@ -199,7 +163,7 @@ TEST_CASE("The gradient lies across the wave by the fill style, and moves each f
         CHECK((green == frame || green == frame - 1));
     }
     moving.Draw();
-    moving.scope.SetRect({ 0, 0, 1, 1 }); // goes on through a resize
+    moving.component.SetRect({ 0, 0, 1, 1 }); // goes on through a resize
     moving.Draw();
     CHECK(moving.Pixel(20, 5) > 0x6000);
     for (int i = 0; i < 100; ++i)

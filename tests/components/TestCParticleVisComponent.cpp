@@ -1,48 +1,33 @@
-#include "VisTesting.h"
+#include "ComponentScene.h"
 #include "components/CDotFountainVisComponent.h"
 #include "components/CParticleVisComponent.h"
 #include "engine2d/CVisBufferHelper.h"
 #include "engine2d/VisLimits.h"
-#include "foundation/OQEngineContext.h"
 
 #include <doctest/doctest.h>
 
-#include <initializer_list>
 #include <utility>
 #include <vector>
 
 namespace {
 
-using Rows = std::initializer_list<std::pair<const OQChar*, const OQChar*>>;
-
-constexpr uint32_t background = 0xFF404040;
-
-struct Scene
+struct Scene : ComponentScene<CParticleVisComponent, 0xFF404040>
 {
     explicit Scene(Rows rows, int32_t width = 40, int32_t height = 30)
+        : ComponentScene({}, rows, width, height)
     {
-        CVisPropertyList list;
-        for (const auto& [name, value] : rows)
-            list.AddRow(name, value);
-        particle.LoadProperties(&list);
-        particle.SetRect({ 0, 0, width, height });
-        buffer.MakeImages(width, height);
         FillBuffer(buffer, background);
     }
 
-    // Of the middle, where discs without a distance lie.
+    // Over what was drawn before. Of the middle, where discs without a distance lie.
     uint32_t Draw()
     {
-        particle.Draw(buffer, audio);
-        OQSize size;
-        buffer.GetSize(&size);
-        return PixelAt(buffer, size.cx / 2, size.cy / 2);
+        DrawOver();
+        return MiddlePixel();
     }
-
-    CDibBuffer buffer;
-    TestAudio audio;
-    CParticleVisComponent particle;
 };
+
+constexpr uint32_t background = Scene::background;
 
 std::vector<uint32_t> Pixels(IVisBuffer& buffer)
 {
@@ -120,7 +105,7 @@ TEST_CASE("Variables go on through a new size, and only r, d and s start again w
         { u"ColorEquation", u"r=1" }, { u"BlendMode", u"0" } };
     Scene scene(rows);
     scene.Draw();
-    scene.particle.SetRect({ 0, 0, 40, 30 });
+    scene.component.SetRect({ 0, 0, 40, 30 });
     FillBuffer(scene.buffer, background);
     scene.Draw();
     CHECK(Pixels(scene.buffer)
@@ -128,7 +113,7 @@ TEST_CASE("Variables go on through a new size, and only r, d and s start again w
     CVisPropertyList list;
     for (const auto& [name, value] : rows)
         list.AddRow(name, value);
-    scene.particle.LoadProperties(&list);
+    scene.component.LoadProperties(&list);
     FillBuffer(scene.buffer, background);
     scene.Draw();
     CHECK(Pixels(scene.buffer)
@@ -163,12 +148,10 @@ TEST_CASE(
             }
         }
     }
-    OQEngineContext context;
-    const OQEngineContextScope scope(&context);
     Scene poor({ { u"ParticleEquation", u"s=.2" }, { u"ColorEquation", u"r=1" } });
-    context.workLeft = 7 * VisLimits::compileCharacterWork - 1;
+    poor.context.workLeft = 7 * VisLimits::compileCharacterWork - 1;
     CHECK(poor.Draw() == background);
-    context.workLeft = VisLimits::workAtLeast;
+    poor.context.workLeft = VisLimits::workAtLeast;
     CHECK(poor.Draw() == 0xFF4040FF);
 }
 

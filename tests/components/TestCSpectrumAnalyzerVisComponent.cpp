@@ -1,42 +1,27 @@
-#include "VisTesting.h"
+#include "ComponentScene.h"
 #include "components/CSpectrumAnalyzerVisComponent.h"
 #include "components/CSpectrumBarValues.h"
 #include "engine2d/CVisPropertyList.h"
 #include "engine2d/VisLimits.h"
-#include "foundation/OQEngineContext.h"
 #include "foundation/OQString.h"
 
 #include <doctest/doctest.h>
 
-#include <initializer_list>
 #include <utility>
 #include <vector>
 
 namespace {
 
-using Rows = std::initializer_list<std::pair<const OQChar*, const OQChar*>>;
-
-constexpr uint32_t background = 0x00555555;
-
-struct Scene
+struct Scene : ComponentScene<CSpectrumAnalyzerVisComponent, 0x00555555>
 {
+    // One flat colour, bars of 4 with gaps of 1 in a picture 50 wide, no lift, straight heights.
     explicit Scene(Rows rows, int32_t width = 50, int32_t height = 100)
+        : ComponentScene(
+            { { u"Gradient", u"{1, 1} [[0x0000FF]]" }, { u"BarWidth", u"0.08" },
+                { u"BarSpacing", u"0.02" }, { u"TopWeight", u"0" }, { u"UpScale", u"100" },
+                { u"FrequencyScale", u"1" }, { u"PeakColor", u"0xFF0000" } },
+            rows, width, height)
     {
-        CVisPropertyList list;
-        // One flat colour, bars of 4 with gaps of 1 in a picture 50 wide, no lift, straight
-        // heights.
-        list.AddRow(u"Gradient", u"{1, 1} [[0x0000FF]]");
-        list.AddRow(u"BarWidth", u"0.08");
-        list.AddRow(u"BarSpacing", u"0.02");
-        list.AddRow(u"TopWeight", u"0");
-        list.AddRow(u"UpScale", u"100");
-        list.AddRow(u"FrequencyScale", u"1");
-        list.AddRow(u"PeakColor", u"0xFF0000");
-        for (const auto& [name, value] : rows)
-            list.AddRow(name, value);
-        analyzer.LoadProperties(&list);
-        analyzer.SetRect({ 0, 0, width, height });
-        buffer.MakeImages(width, height);
     }
 
     void SetSpectrum(uint8_t left, uint8_t right)
@@ -46,14 +31,6 @@ struct Scene
             audio.block.spectrum[1][i] = right;
         }
     }
-
-    void Draw()
-    {
-        FillBuffer(buffer, background);
-        analyzer.Draw(buffer, audio);
-    }
-
-    uint32_t Pixel(int32_t x, int32_t y) { return PixelAt(buffer, x, y); }
 
     // Rows of a column in one colour, as first and last; -1, -1 for none.
     std::pair<int32_t, int32_t> Span(int32_t x, uint32_t pixel)
@@ -69,11 +46,9 @@ struct Scene
         }
         return span;
     }
-
-    CDibBuffer buffer;
-    TestAudio audio;
-    CSpectrumAnalyzerVisComponent analyzer;
 };
+
+constexpr uint32_t background = Scene::background;
 
 // A picture in which no two pixels near each other are alike.
 uint32_t PicturePixel(int32_t x, int32_t y)
@@ -339,7 +314,7 @@ TEST_CASE("A picture counts as what the script keeps and costs, and one too larg
     WritePicture(file, 50, 100);
     const auto kept = [](const OQChar* rectangle, const OQChar* source = u"1") {
         return Scene({ { u"DrawSource", source }, { u"MainRectangle", rectangle } })
-            .analyzer.KeptPixels();
+            .component.KeptPixels();
     };
     CHECK(kept(u"0;0;1;1", u"0") == 0);
     CHECK(kept(u"0;0;1;1") == 50 * 100);
@@ -352,8 +327,7 @@ TEST_CASE("A picture counts as what the script keeps and costs, and one too larg
     Scene scene({ { u"DrawSource", u"1" }, { u"Mirrored", u"No" } });
     scene.audio.coverFile = OQString::FromUtf8(file.Path()).View();
     scene.SetSpectrum(255, 255);
-    OQEngineContext context;
-    const OQEngineContextScope scope(&context);
+    OQEngineContext& context = scene.context;
     context.workLeft = VisLimits::pictureLoadWork - 1;
     scene.Draw();
     CHECK(scene.Pixel(0, 99) == background);
@@ -393,7 +367,7 @@ TEST_CASE("Rows come in their order with their defaults, and any number in them 
         const OQString rectangle = OQString(u"-1e30;-1e30;1e30;") + number;
         list.AddRow(u"MainRectangle", rectangle);
         Scene scene({});
-        scene.analyzer.LoadProperties(&list);
+        scene.component.LoadProperties(&list);
         scene.SetSpectrum(255, 3);
         for (int i = 0; i < 3; ++i)
             scene.Draw();
@@ -405,8 +379,7 @@ TEST_CASE("Bars that lie over each other in their hundreds stop when the draw ma
     Scene scene({ { u"BarWidth", u"1" }, { u"BarSpacing", u"-0.98" }, { u"DrawPeaks", u"0" },
         { u"Mirrored", u"0" } });
     scene.SetSpectrum(200, 200);
-    OQEngineContext context;
-    const OQEngineContextScope scope(&context);
+    OQEngineContext& context = scene.context;
     context.workLeft = 1'000'000;
     scene.Draw();
     CHECK(context.workLeft < 1'000'000 - 49 * 50 * 50 * VisLimits::fillPixelWork);

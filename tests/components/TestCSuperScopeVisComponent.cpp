@@ -1,62 +1,33 @@
-#include "VisTesting.h"
+#include "ComponentScene.h"
 #include "components/CSuperScopeVisComponent.h"
 #include "components/SuperScopePresets.h"
 #include "engine2d/VisLimits.h"
-#include "foundation/OQEngineContext.h"
 #include "foundation/OQString.h"
 
 #include <doctest/doctest.h>
 
 namespace {
 
-constexpr uint32_t background = 0xFF555555;
 constexpr uint32_t blue = 0x0000FF;
 
 // In a picture of 41 x 21 the middle is (21, 11) and -1 to 1 are 42 columns and 22 rows.
-struct Scene
+struct Scene : ComponentScene<CSuperScopeVisComponent>
 {
     explicit Scene(const OQChar* equation, const OQChar* gradient = u"{1, 1} [[0x0000FF]]",
         int32_t width = 41, int32_t height = 21)
+        : ComponentScene(
+            { { u"ScopeEquation", equation }, { u"Gradient", gradient } }, {}, width, height)
     {
-        Load(equation, gradient);
-        scope.SetRect({ 0, 0, width, height });
-        buffer.MakeImages(width, height);
-        context.virtualClock = true;
-    }
-
-    void Load(const OQChar* equation, const OQChar* gradient = u"{1, 1} [[0x0000FF]]")
-    {
-        CVisPropertyList list;
-        list.AddRow(u"ScopeEquation", equation);
-        list.AddRow(u"Gradient", gradient);
-        scope.LoadProperties(&list);
-    }
-
-    void Draw()
-    {
-        FillBuffer(buffer, background);
-        const OQEngineContextScope engine(&context);
-        scope.Draw(buffer, audio);
     }
 
     int Painted()
     {
         Draw();
-        OQSize size;
-        buffer.GetSize(&size);
-        int count = 0;
-        for (int32_t i = 0; i < size.cx * size.cy; ++i)
-            count += buffer.GetBits(0)[i] != background;
-        return count;
+        return PaintedCount();
     }
-
-    uint32_t Pixel(int32_t x, int32_t y) { return PixelAt(buffer, x, y); }
-
-    OQEngineContext context;
-    CDibBuffer buffer;
-    TestAudio audio;
-    CSuperScopeVisComponent scope;
 };
+
+constexpr uint32_t background = Scene::background;
 
 }
 
@@ -128,11 +99,13 @@ TEST_CASE("A load wipes the variables and begins the frames anew, a resize does 
     Scene scene(counting);
     scene.Draw();
     scene.Draw();
-    scene.scope.SetRect({ 0, 0, 7, 7 });
+    scene.component.SetRect({ 0, 0, 7, 7 });
     scene.Draw();
     CHECK(scene.Pixel(5, 16) == blue);
     for (int i = 0; i < 3; ++i) {
-        scene.Load(counting);
+        CVisPropertyList list;
+        list.AddRow(u"ScopeEquation", counting);
+        scene.component.LoadProperties(&list);
         scene.Draw();
         CHECK(scene.Pixel(5, 11) == blue);
     }

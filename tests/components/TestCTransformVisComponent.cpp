@@ -1,50 +1,28 @@
-#include "VisTesting.h"
+#include "ComponentScene.h"
 #include "components/CTransformMap.h"
 #include "components/CTransformVisComponent.h"
 #include "components/TransformPresets.h"
 #include "engine2d/VisLimits.h"
 #include "expression/CMathEvaluator.h"
-#include "foundation/OQEngineContext.h"
 #include "foundation/OQString.h"
 
 #include <doctest/doctest.h>
 
-#include <initializer_list>
 #include <limits>
 #include <utility>
 #include <vector>
 
 namespace {
 
-using Rows = std::initializer_list<std::pair<const OQChar*, const OQChar*>>;
-
 // A transform on a picture of its own.
-struct Scene
+struct Scene : ComponentScene<CTransformVisComponent>
 {
     explicit Scene(Rows rows, int32_t width = 16, int32_t height = 12)
+        : ComponentScene({ { u"DrawFrequency", u"1" } }, rows, width, height)
     {
-        CVisPropertyList list;
-        list.AddRow(u"DrawFrequency", u"1");
-        for (const auto& [name, value] : rows)
-            list.AddRow(name, value);
-        transform.LoadProperties(&list);
-        transform.SetRect({ 0, 0, width, height });
-        buffer.MakeImages(width, height);
-        context.virtualClock = true;
     }
 
-    void Draw()
-    {
-        const OQEngineContextScope scope(&context);
-        transform.Draw(buffer, audio);
-    }
-
-    uint32_t Pixel(int32_t x, int32_t y) { return PixelAt(buffer, x, y); }
-
-    OQEngineContext context;
-    CDibBuffer buffer;
-    TestAudio audio;
-    CTransformVisComponent transform;
+    void Draw() { DrawOver(); }
 };
 
 std::vector<uint16_t> BuildMap(const OQChar* equation, int32_t width, int32_t height,
