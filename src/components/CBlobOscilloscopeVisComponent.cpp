@@ -32,13 +32,6 @@ CBlobOscilloscopeVisComponent::CBlobOscilloscopeVisComponent()
     LoadProperties(nullptr);
 }
 
-// Sizes come from each frame's picture, so that the equation runs on through a resize.
-int32_t CBlobOscilloscopeVisComponent::SetRect(const OQRect& rect)
-{
-    m_rect = rect;
-    return 0;
-}
-
 int32_t CBlobOscilloscopeVisComponent::Prepare(IVisBuffer&, IVisAudioData&)
 {
     if (!OQTakeWork(VisLimits::compileCharacterWork * m_locationEquation.GetLength()))

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "components/CRowVisComponent.h"
+#include "components/CFreeVisComponent.h"
 #include "engine2d/CVisEquation.h"
 
 #include <vector>
@@ -9,12 +9,11 @@ class CVisBufferHelper;
 
 // The waveform bent into a circle round a centre that an equation moves: rays in all directions,
 // each as long as the wave says, in the colours of a moving gradient.
-class CBlobOscilloscopeVisComponent final : public CRowVisComponent
+class CBlobOscilloscopeVisComponent final : public CFreeVisComponent
 {
 public:
     CBlobOscilloscopeVisComponent();
 
-    int32_t SetRect(const OQRect& rect) override;
     int32_t Draw(IVisBuffer& buffer, IVisAudioData& audio) override;
     int32_t Prepare(IVisBuffer& buffer, IVisAudioData& audio) override;
 

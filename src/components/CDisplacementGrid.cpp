@@ -58,13 +58,11 @@ void CDisplacementGrid::Resize(int32_t width, int32_t height)
     }
 }
 
-void CDisplacementGrid::Fill(CMathEvaluator& equation)
+void CDisplacementGrid::Fill(CMathEvaluator& equation, double& d, double& r)
 {
     const Circle circle(HalfWidth(), HalfHeight());
     const float halfWidth = static_cast<float>(HalfWidth());
     const float halfHeight = static_cast<float>(HalfHeight());
-    double& d = equation.Variable(equation.GetVariable(u"d", true));
-    double& r = equation.Variable(equation.GetVariable(u"r", true));
     const Place* place = m_places.data();
     int32_t* point = m_points.data();
     for (int32_t row = 0; row < m_height; ++row) {

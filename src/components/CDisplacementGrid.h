@@ -21,7 +21,7 @@ public:
 
     // Runs the equation, in d (distance, 1 at the corners) and r (rotation, 1 for a full turn), for
     // each point in rows from the top. One that isn't compiled leaves about no displacement.
-    void Fill(CMathEvaluator& equation);
+    void Fill(CMathEvaluator& equation, double& d, double& r);
 
     int32_t Width() const { return m_width; } // in points
 

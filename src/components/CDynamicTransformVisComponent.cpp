@@ -33,6 +33,8 @@ int32_t CDynamicTransformVisComponent::Prepare(IVisBuffer&, IVisAudioData&)
     m_variables.AddVariables(m_beat.Table());
     m_frame.SetEquation(m_frameEquation);
     m_pixel.SetEquation(m_pixelEquation);
+    m_distance = &m_variables.Variable(m_variables.GetVariable(u"d", true));
+    m_rotation = &m_variables.Variable(m_variables.GetVariable(u"r", true));
     PrepareColors();
     OQSeedRand(static_cast<uint32_t>(OQClockMilliseconds()));
     m_prepared = true;
@@ -56,7 +58,7 @@ int32_t CDynamicTransformVisComponent::Draw(IVisBuffer& buffer, IVisAudioData& a
     m_beat.Hear(audio);
     if (OQTakeWork(m_frame.GetWork()))
         m_frame.Evaluate();
-    m_grid.Fill(m_pixel);
+    m_grid.Fill(m_pixel, *m_distance, *m_rotation);
 
     pxvis::kernels::DynamicTransformPass pass;
     if (!TakePictures(buffer, pass))

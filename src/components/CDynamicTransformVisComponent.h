@@ -22,4 +22,6 @@ private:
     CVariableTable m_variables; // of both equations, so that points see what the frame sets
     CMathEvaluator m_frame;
     CMathEvaluator m_pixel;
+    double* m_distance = nullptr; // of the point's
+    double* m_rotation = nullptr;
 };

@@ -80,13 +80,6 @@ int32_t COscilloscopeVisComponent::Randomize()
     return 0;
 }
 
-// Positions follow each frame's size, so that the equation runs on through a resize.
-int32_t COscilloscopeVisComponent::SetRect(const OQRect& rect)
-{
-    m_rect = rect;
-    return 0;
-}
-
 int32_t COscilloscopeVisComponent::Prepare(IVisBuffer&, IVisAudioData&)
 {
     if (!OQTakeWork(VisLimits::compileCharacterWork * m_lineEquation.GetLength()))

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "components/CRowVisComponent.h"
+#include "components/CFreeVisComponent.h"
 #include "engine2d/CVisEquation.h"
 
 #include <array>
@@ -10,13 +10,12 @@ struct VisAudioBlock;
 
 // The waveform across a straight line whose ends an equation moves. Each step of the line paints a
 // run of pixels at a right angle to it, in the colours of a moving gradient.
-class COscilloscopeVisComponent final : public CRowVisComponent
+class COscilloscopeVisComponent final : public CFreeVisComponent
 {
 public:
     COscilloscopeVisComponent();
 
     int32_t Randomize() override;
-    int32_t SetRect(const OQRect& rect) override;
     int32_t Draw(IVisBuffer& buffer, IVisAudioData& audio) override;
     int32_t Prepare(IVisBuffer& buffer, IVisAudioData& audio) override;
 

@@ -27,13 +27,6 @@ CParticleVisComponent::CParticleVisComponent()
     LoadProperties(nullptr);
 }
 
-// A new size doesn't start the equations anew.
-int32_t CParticleVisComponent::SetRect(const OQRect& rect)
-{
-    m_rect = rect;
-    return 0;
-}
-
 int32_t CParticleVisComponent::Prepare(IVisBuffer&, IVisAudioData&)
 {
     if (!OQTakeWork(VisLimits::compileCharacterWork

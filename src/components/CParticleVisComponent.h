@@ -1,16 +1,15 @@
 #pragma once
 
-#include "components/CRowVisComponent.h"
+#include "components/CFreeVisComponent.h"
 #include "engine2d/CVisEquation.h"
 
 // One disc a frame, where and in which colour its equations say.
-class CParticleVisComponent final : public CRowVisComponent
+class CParticleVisComponent final : public CFreeVisComponent
 {
 public:
     CParticleVisComponent();
 
     int32_t Draw(IVisBuffer& buffer, IVisAudioData& audio) override;
-    int32_t SetRect(const OQRect& rect) override;
     int32_t Prepare(IVisBuffer& buffer, IVisAudioData& audio) override;
 
 private:

@@ -52,13 +52,6 @@ CSuperScopeVisComponent::CSuperScopeVisComponent()
     LoadProperties(nullptr);
 }
 
-// Positions follow each frame's size, so that the stages run on through a resize.
-int32_t CSuperScopeVisComponent::SetRect(const OQRect& rect)
-{
-    m_rect = rect;
-    return 0;
-}
-
 double* CSuperScopeVisComponent::StartVariable(const OQChar* name)
 {
     return &m_variables.Variable(m_variables.GetVariable(name, true));

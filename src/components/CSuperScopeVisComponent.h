@@ -1,6 +1,6 @@
 #pragma once
 
-#include "components/CRowVisComponent.h"
+#include "components/CFreeVisComponent.h"
 #include "expression/CMathEvaluator.h"
 
 #include <array>
@@ -9,12 +9,11 @@ class IOQImage;
 
 // A line through points that an equation works out one by one from the waveform. Its equation has
 // stages, which run at different moments on the same variables.
-class CSuperScopeVisComponent final : public CRowVisComponent
+class CSuperScopeVisComponent final : public CFreeVisComponent
 {
 public:
     CSuperScopeVisComponent();
 
-    int32_t SetRect(const OQRect& rect) override;
     int32_t Draw(IVisBuffer& buffer, IVisAudioData& audio) override;
     int32_t Prepare(IVisBuffer& buffer, IVisAudioData& audio) override;
 

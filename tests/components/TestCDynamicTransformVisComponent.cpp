@@ -31,13 +31,17 @@ TEST_CASE("Dynamic Transform: rows come in their order with the defaults")
 
 TEST_CASE("A grid has a point each 8 pixels and one more, and its middle may lie off the picture's")
 {
+    const auto fill = [](CDisplacementGrid& grid, CMathEvaluator& equation) {
+        grid.Fill(equation, equation.Variable(equation.GetVariable(u"d", true)),
+            equation.Variable(equation.GetVariable(u"r", true)));
+    };
     CMathEvaluator nothing;
     CDisplacementGrid grid;
     for (const auto& [width, height] : { std::pair(40, 24), std::pair(47, 31), std::pair(1, 9) }) {
         grid.Resize(width, height);
         CHECK(grid.Width() == width / 8 + 1);
         CHECK(grid.Height() == height / 8 + 1);
-        grid.Fill(nothing);
+        fill(grid, nothing);
         for (int32_t i = 0; i < grid.Width() * grid.Height() * 2; ++i)
             CHECK(std::abs(grid.Points()[i]) <= 1);
     }
@@ -45,7 +49,7 @@ TEST_CASE("A grid has a point each 8 pixels and one more, and its middle may lie
     grid.Resize(40, 24);
     CMathEvaluator equation;
     equation.SetEquation(u"d=if(above(r,.25),1,0);r=.75");
-    grid.Fill(equation);
+    fill(grid, equation);
     const int32_t radius = 922; // the root of 24 * 24 + 16 * 16, x 32
     CHECK(std::abs(grid.Points()[0] - 24 * 32) <= 1); // left above: r is above .25
     CHECK(std::abs(grid.Points()[1] - (16 * 32 + radius)) <= 1);
