@@ -32,36 +32,28 @@ SCRIPTS = ROOT / "data" / "Visualizations" / "Vis Studio"
 SONG = ROOT / "data" / "demo" / "pxvis-demo.opus"
 RATE, WIDTH, HEIGHT = 60, 320, 180
 DARKEST, BRIGHTEST = 4, 80  # percent
-KINDS = {
-    "EB13A0B7-0B36-4bea-B95A-92ED8FEA86CD": "Transform",
-    "36267E6D-70E1-435e-9E2A-428EEA2D3C7E": "Flush",
-    "B21F9002-EF2E-4d5b-9D40-F61B8F3B34D8": "Spectrum Analyzer",
-    "01F7B01F-B355-4152-83D6-DBEB8CE7C8D4": "Oscilloscope",
-    "B8173E2F-8740-4357-8CFF-33479461B3CD": "Starfield",
-    "BBEC668A-420F-4faa-856D-880DACE05B5B": "Text",
-    "63B96C06-29A4-4de2-9A9D-9F3E08F8C014": "Image",
-    "2657C682-8576-4bd3-8EBB-60B01409FF14": "Blob Oscilloscope",
-    "50DAC8D1-E2A8-42a0-AF97-7D3E7B1C494F": "Particle",
-    "0B7BF2F7-3BD5-4a48-A06C-32D7FC8CD6E8": "Dot Fountain",
-    "DCE4B5AB-25A0-432f-B4A2-8E91B9FD1060": "Super Transform",
-    "D6CC94F2-998C-40ee-A29E-D9CBED46A145": "Super-Scope",
-    "91A53739-48CC-425c-89EB-0DB399261FD9": "Dynamic Transform",
-}
 
 Piece = collections.namedtuple("Piece", "kind rows depth")
 
 
-def pieces(element, depth=0):
-    """The layers and components of an element, in drawing order."""
+def read_kinds(pxvis):
+    """The components' names by their GUIDs."""
+    told = subprocess.run([pxvis, "list", "components", "--json"], check=True, capture_output=True).stdout
+    components = map(json.loads, told.splitlines())
+    return {component["guid"]: component["name"] for component in components if component["guid"]}
+
+
+def pieces(element, known, depth=0):
+    """The layers and components of an element, in drawing order; `known` has the kinds by GUID."""
     for child in element:
         if child.tag not in ("Component", "Layer"):
             continue
         properties = child.find("Properties")
         rows = [] if properties is None else [(row.tag, row.text or "") for row in properties]
-        kind = KINDS[child.get("GUID")] if child.tag == "Component" else "Layer"
+        kind = known[child.get("GUID")] if child.tag == "Component" else "Layer"
         yield Piece(kind, rows, depth)
         if child.tag == "Layer":
-            yield from pieces(child, depth + 1)
+            yield from pieces(child, known, depth + 1)
 
 
 def read_readme():
@@ -82,12 +74,12 @@ def preset_tables(pxvis):
 
 def check_files(scripts, pxvis):
     faults, seen, kinds = [], {}, collections.Counter()
-    told, tables = read_readme(), preset_tables(pxvis)
+    told, tables, known = read_readme(), preset_tables(pxvis), read_kinds(pxvis)
     used, modes, words, nested = set(), set(), set(), False
     if not 24 <= len(scripts) <= 32:
         faults.append(f"there are {len(scripts)} scripts, not 24 to 32")
     for name, path in scripts.items():
-        parts = list(pieces(xml.etree.ElementTree.parse(path).getroot()))
+        parts = list(pieces(xml.etree.ElementTree.parse(path).getroot(), known))
         components = [part for part in parts if part.kind != "Layer"]
         kinds.update({part.kind for part in components})
         if len({part.kind for part in components}) < 2:
@@ -112,7 +104,7 @@ def check_files(scripts, pxvis):
                 if row == "OnEquation" and text not in ("on=1", "on=1;", "Always On"):
                     words.add("on")
     faults += [f"{name}: in the README, but not here" for name in told if name not in scripts]
-    faults += [f"no script has a {kind}" for kind in KINDS.values() if not kinds[kind]]
+    faults += [f"no script has a {kind}" for kind in known.values() if not kinds[kind]]
     faults += [f"no script uses a preset of {kind} \"{row}\"" for kind, row in sorted(set(tables) - used)
                if row != "OnEquation" or kind == "Layer"]
     if not nested:
