@@ -21,7 +21,7 @@ CFlushVisComponent::CFlushVisComponent()
     : m_lastChange(OQClockNanoseconds())
 {
     Bind(u"Color", m_color, 0);
-    Bind(u"Rectangle", m_rectangle);
+    BindArea(u"Rectangle", m_rectangle);
     Bind(u"FlushEquation", m_flushEquation, u"f=1;", &FlushPresets());
     Bind(u"AlternatingColors", m_alternatingColors, u"", nullptr, CVisRowForm::ColorList);
     LoadProperties(nullptr);

@@ -33,7 +33,7 @@ CImageVisComponent::CImageVisComponent()
     Bind(u"ImageFile", m_imageFile, u"COVER_ART", nullptr, CVisRowForm::PictureList);
     Bind(u"RenderDelayMilliseconds", m_renderDelayMilliseconds, 0);
     Bind(u"RenderDuration", m_renderDuration, 0);
-    Bind(u"MainRectangle", m_mainRectangle, &RectanglePresets());
+    BindArea(u"MainRectangle", m_mainRectangle, &RectanglePresets());
     Bind(u"MaintainAspectRatio", m_maintainAspectRatio, 1, &NoYesPresets());
     Bind(u"ImageChangeEquation", m_changeText, u"");
     LoadProperties(nullptr);

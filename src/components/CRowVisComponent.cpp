@@ -62,6 +62,12 @@ void CRowVisComponent::Bind(const OQChar* name, VisFractionRect& field, const CV
     m_bindings.push_back({ name, &field, VisFractionRect {}, map, CVisRowForm::Rectangle });
 }
 
+void CRowVisComponent::BindArea(
+    const OQChar* name, VisFractionRect& field, const CVisPresetMap* map)
+{
+    m_bindings.push_back({ name, &field, VisFractionRect {}, map, CVisRowForm::Area });
+}
+
 void CRowVisComponent::Bind(const OQChar* name, VisFractionPoint& field)
 {
     m_bindings.push_back({ name, &field, VisFractionPoint {}, nullptr, CVisRowForm::Point });

@@ -41,6 +41,8 @@ protected:
     void Bind(const OQChar* name, OQString& field, const OQChar* standard, const CVisPresetMap* map,
         CVisRowForm form);
     void Bind(const OQChar* name, VisFractionRect& field, const CVisPresetMap* map = nullptr);
+    // For a rectangle in which nothing is drawn when its sides are exchanged.
+    void BindArea(const OQChar* name, VisFractionRect& field, const CVisPresetMap* map = nullptr);
     void Bind(const OQChar* name, VisFractionPoint& field);
     void Bind(const OQChar* name, Color& field, uint32_t standard);
     // Without a row the gradient stays as it is: the default one at first, which is set, with its

@@ -46,7 +46,7 @@ CTransformVisComponent::CTransformVisComponent()
     BindChoice(u"RadiusMode", m_radiusMode, 2, TransformRadiusPresets());
     Bind(u"ClipAtMaxRadius", m_clipAtMaxRadius, 1, &NoYesPresets());
     Bind(u"CenterPoint", m_centerPoint);
-    Bind(u"TransformRectangle", m_transformRectangle);
+    BindArea(u"TransformRectangle", m_transformRectangle);
     LoadProperties(nullptr);
 }
 

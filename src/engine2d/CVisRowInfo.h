@@ -11,6 +11,7 @@ enum class CVisRowForm
     Choice, // an integer that means something only if it is a value of the map
     Float,
     Rectangle,
+    Area, // a rectangle in which nothing is drawn unless left and top are its smaller sides
     Point,
     Color,
     Gradient,

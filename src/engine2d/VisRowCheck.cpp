@@ -122,6 +122,22 @@ OQString NumbersFault(const CVisRowInfo& row, const OQString& text, OQChar separ
     return {};
 }
 
+OQString RectangleFault(const CVisRowInfo& row, const OQString& text)
+{
+    return NumbersFault(row, text, text.Find(u',') >= 0 && text.Find(u';') < 0 ? u',' : u';', 4);
+}
+
+OQString AreaFault(const CVisRowInfo& row, const OQString& text)
+{
+    OQString fault = RectangleFault(row, text);
+    VisFractionRect area;
+    TextToRect(text, area);
+    if (fault.IsEmpty() && !(area.left < area.right && area.top < area.bottom))
+        fault = QuoteForMessage(text)
+            + u" has no area (left;top;right;bottom): nothing is drawn in it";
+    return fault;
+}
+
 OQString ColorFault(const OQString& text)
 {
     const int32_t start = text.StartsWith(u"0x") ? 2 : 0;
@@ -269,8 +285,9 @@ CVisRowFault CheckRowText(const CVisRowInfo& row, const OQString& text, const OQ
     case CVisRowForm::Float:
         return { FloatFault(row, text) };
     case CVisRowForm::Rectangle:
-        return { NumbersFault(
-            row, text, text.Find(u',') >= 0 && text.Find(u';') < 0 ? u',' : u';', 4) };
+        return { RectangleFault(row, text) };
+    case CVisRowForm::Area:
+        return { AreaFault(row, text) };
     case CVisRowForm::Point:
         return { NumbersFault(row, text, u',', 2) };
     case CVisRowForm::Color:

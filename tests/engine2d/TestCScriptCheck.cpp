@@ -177,6 +177,9 @@ TEST_CASE("Hidden and unknown elements are told")
         u"last one"));
     CHECK(Tells(
         one("<Layer><Properties><Rectangle>0;1;1;1</Rectangle></Properties></Layer>"), u"no area"));
+    CHECK(Tells(one("<Component GUID=\"36267E6D-70E1-435e-9E2A-428EEA2D3C7E\"><Properties>"
+                    "<Rectangle>1;0;0;1</Rectangle></Properties></Component>"),
+        u"no area"));
     CHECK(Tells(CheckText("<pxv Version=\"1.0\"/>").at(0), u"\"PXV\""));
     CHECK(Tells(CheckText("<PXV Version=\"2.0\"/>").at(0), u"\"2.0\""));
     CHECK(Tells(CheckText("").at(0), u"Empty document"));

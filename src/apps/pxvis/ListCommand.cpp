@@ -36,6 +36,7 @@ const char* FormName(CVisRowForm form)
     case CVisRowForm::Float:
         return "number";
     case CVisRowForm::Rectangle:
+    case CVisRowForm::Area:
         return "rectangle";
     case CVisRowForm::Point:
         return "point";
