@@ -86,6 +86,12 @@ IOQTools* OQSiblingModules::Tools()
     return m_tools.app;
 }
 
+IOQTools* OQSiblingModules::LoadedTools()
+{
+    const std::lock_guard lock(m_lock);
+    return m_tools.app;
+}
+
 std::string OQSiblingModules::ImageFailure()
 {
     const std::lock_guard lock(m_lock);

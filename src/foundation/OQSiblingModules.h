@@ -39,6 +39,9 @@ public:
     IOQImageApp* ImageApp();
     IOQTools* Tools();
 
+    // Loads nothing: null as well if nobody has asked for the tools so far.
+    IOQTools* LoadedTools();
+
     // Why the operation above gave null; empty otherwise.
     std::string ImageFailure();
     std::string ToolsFailure();
