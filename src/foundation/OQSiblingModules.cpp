@@ -118,6 +118,12 @@ IOQReader* OQSiblingModules::CreateReader()
     return m_reader.app ? m_reader.app->create() : nullptr;
 }
 
+IOQTools* OQSiblingModules::LoadedTools()
+{
+    const std::lock_guard lock(m_lock);
+    return m_tools.app;
+}
+
 std::string OQSiblingModules::ImageFailure()
 {
     const std::lock_guard lock(m_lock);
