@@ -6,6 +6,7 @@
 #include "toolkit/OQToolkit.h"
 #include "toolkit/OQWindowWidget.h"
 #include "toolkit/OQWndDeleteProbe.h"
+#include "toolkit/QtText.h"
 
 #include <QCoreApplication>
 
@@ -21,11 +22,6 @@ constexpr int64_t MinimisedReadNanoseconds = 500'000'000;
 OQDisplayConnection* Display()
 {
     return OQToolkit::Get().GetDisplay();
-}
-
-QString QStringOf(const OQString& text)
-{
-    return QString::fromUtf16(text.GetText(), text.GetLength());
 }
 
 }
@@ -158,7 +154,7 @@ void OQBasicWnd::SetText(const OQString& text)
 {
     m_text = text;
     if (m_widget)
-        m_widget->windowHandle()->setTitle(QStringOf(text));
+        m_widget->windowHandle()->setTitle(OQToQt(text));
 }
 
 void OQBasicWnd::Enable(bool enable)

@@ -66,6 +66,7 @@ public:
     bool KillTimer(int32_t id);
 
 protected:
+    friend class OQMenuWnd;
     friend class OQWindowWidget;
     friend class OQToolkit;
 

@@ -2,6 +2,7 @@
 
 #include "toolkit/OQWidgetPaint.h"
 #include "toolkit/OQWindowWidget.h"
+#include "toolkit/QtText.h"
 
 #include <QEnterEvent>
 #include <QKeyEvent>

@@ -77,14 +77,14 @@ bool OQToolkit::IsUsable() const
 
 bool OQToolkit::ProcessEvents(int32_t milliseconds)
 {
-    if (!CheckDisplay())
-        return false;
-    if (QThread::currentThread()->loopLevel() > 0)
+    const bool isUsable = CheckDisplay();
+    if (isUsable && QThread::currentThread()->loopLevel() > 0)
         return true;
-    PumpQt(milliseconds);
+    if (isUsable)
+        PumpQt(milliseconds);
     if (IOQMessageQueues* queues = IOQMessageQueues::Get())
         queues->Pump();
-    return !m_displayLost;
+    return isUsable && !m_displayLost;
 }
 
 bool OQToolkit::PumpQt(int32_t milliseconds)
@@ -120,13 +120,11 @@ void OQToolkit::RemoveWindow(OQBasicWnd* wnd)
 
 bool OQToolkit::CheckDisplay()
 {
-    if (!IsUsable() || !m_display)
+    if (!IsUsable())
         return false;
-    if (m_display->Dispatch())
-        return !m_displayLost;
-    if (!m_displayLost)
+    if (m_display && !m_display->Dispatch() && !m_displayLost)
         OnDisplayLost();
-    return false;
+    return !m_displayLost;
 }
 
 void OQToolkit::OnDisplayLost()
