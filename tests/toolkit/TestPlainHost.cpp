@@ -3,6 +3,8 @@
 #include "foundation/IOQImage.h"
 #include "foundation/OQSiblingModules.h"
 
+#include <QGuiApplication>
+
 #include <cstdlib>
 #include <limits>
 #include <memory>
@@ -284,5 +286,6 @@ TEST_CASE("a picture is stretched over device pixels where the user's unit is la
     InProcessOfItsOwn([] {
         setenv("QT_SCALE_FACTOR", "1.5", 1);
         CheckPicture();
+        CHECK(qGuiApp->devicePixelRatio() == 1.5);
     });
 }
