@@ -80,6 +80,8 @@ bool OQThread::Start(int32_t priority, bool force)
     {
         auto state = std::make_shared<RunState>(*this);
         const std::lock_guard guard(m_lock);
+        if (m_cancelled) // meanwhile, by another thread
+            state->cancel.Set();
         m_abandoned.reset();
         m_current = std::move(state);
     }
