@@ -13,20 +13,22 @@ protected:
     ~IMainThreadMessageManagerCallback() = default;
 };
 
-// Wakes the main thread, so that it calls IOQMainThreadMessages::DeliverPending soon. Called by any
-// thread, with no lock held. Slots: add at the end only.
+// Wakes the main thread, so that it calls IOQMainThreadMessages::DeliverPending soon. Slots: add at
+// the end only.
 class IOQMainThreadWaker
 {
 public:
-    virtual void WakeMainThread() = 0;
+    // Any thread. False if it couldn't; the next post tries again.
+    virtual bool WakeMainThread() = 0;
 
 protected:
     ~IOQMainThreadWaker() = default;
 };
 
-// Carries calls from any thread to the main thread, which is the one that started the tools module
-// and gave it a waker. A callback stays where it is until Forget has been called for it or until
-// all that was posted for it is delivered. Nothing is thrown. Slots: add at the end only.
+// Carries calls from any thread to the main thread: the one that started the tools module, or,
+// where several users did, the first that brought a waker along. A callback stays where it is until
+// Forget has been called for it or until all that was posted for it is delivered. Nothing is
+// thrown. Slots: add at the end only.
 class IOQMainThreadMessages
 {
 public:

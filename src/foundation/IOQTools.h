@@ -110,6 +110,9 @@ public:
         const OQFormatArgument* arguments, int32_t count)
         = 0;
 
+    // Whether a line of that level would be written anywhere.
+    virtual bool IsOn(int32_t level) const = 0;
+
 protected:
     ~IOQLog() = default;
 };

@@ -45,6 +45,7 @@ struct OQThread::RunState
     }
 
     OQThread& thread; // until Run has returned
+    std::shared_ptr<RunState> self; // on its way to the new thread
     pxvis::os::Event cancel { true };
     pxvis::os::Event ended { true }; // of its own accord, or because nobody waits any more
     std::atomic<bool> running = true; // whoever clears it has ended the run
@@ -78,44 +79,44 @@ bool OQThread::Start(int32_t priority, bool force)
         return false;
     {
         auto state = std::make_shared<RunState>(*this);
-        state->priority = priority;
         const std::lock_guard guard(m_lock);
+        if (m_cancelled) // meanwhile, by another thread
+            state->cancel.Set();
         m_abandoned.reset();
         m_current = std::move(state);
     }
-    if (!StartThread(priority))
-        return false;
-    ++m_startCount;
-    return true;
+    if (StartThread(priority)) {
+        ++m_startCount;
+        return true;
+    }
+    const auto state = GetCurrent();
+    state->threadId = -1;
+    state->threadId.notify_all();
+    const std::lock_guard guard(m_lock);
+    m_current.reset();
+    return false;
 }
 
 bool OQThread::StartThread(int32_t priority)
 {
-    const auto state = GetState();
+    const auto state = GetCurrent();
     state->priority = priority;
     int error = EMFILE;
     if (state->cancel.IsOpen() && state->ended.IsOpen()) {
-        auto* context = new std::shared_ptr<RunState>(state);
-        error = m_thread.Start(RunBody, context);
-        if (error == 0)
-            return true;
-        delete context;
+        state->self = state;
+        error = m_thread.Start(RunBody, state.get());
     }
-    state->threadId = -1;
-    state->threadId.notify_all();
-    {
-        const std::lock_guard guard(m_lock);
-        m_current.reset();
-    }
+    if (error == 0)
+        return true;
+    state->self.reset();
     OQLog(OQLogError, u"OQThread::StartThread", u"Error starting thread, errno=%d", { error });
     return false;
 }
 
 void OQThread::RunBody(void* context)
 {
-    const std::unique_ptr<std::shared_ptr<RunState>> held(
-        static_cast<std::shared_ptr<RunState>*>(context));
-    RunState& state = **held;
+    const auto held = std::move(static_cast<RunState*>(context)->self);
+    RunState& state = *held;
     const int32_t id = pxvis::os::CurrentThreadId();
     if (state.priority != 0)
         pxvis::os::SetThreadPriority(id, state.priority);

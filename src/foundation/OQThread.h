@@ -91,6 +91,8 @@ public:
     // Whether Stop delivers pending main-thread messages; otherwise it drops them.
     virtual void SetFlushMessages(bool flush) { m_flushMessages = flush; }
 
+    int32_t GetPriority() const { return m_priority; } // of the last Start
+
     // Whether a run that Stop gave up is still in the object.
     bool HasAbandonedRun() const;
 
@@ -136,7 +138,7 @@ private:
     std::shared_ptr<RunState> m_abandoned;
     std::atomic<bool> m_cancelled = false;
     std::atomic<int32_t> m_startCount = 0;
-    std::atomic<int32_t> m_priority = 0; // of the last Start
+    std::atomic<int32_t> m_priority = 0;
     int32_t m_stopTimeout = -1; // milliseconds
     int32_t m_stopPoll = 20; // milliseconds between the looks of Stop
     bool m_pumpWhileStopping = false;

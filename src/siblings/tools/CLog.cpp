@@ -99,6 +99,12 @@ void CLog::Write(int32_t level, const OQChar* scope, const OQChar* text,
     }
 }
 
+bool CLog::IsOn(int32_t level) const
+{
+    level = std::max<int32_t>(level, OQLogError);
+    return level <= m_fileLevel || level <= m_errorLevel;
+}
+
 void CLog::Flush()
 {
     const std::lock_guard lock(m_lock);

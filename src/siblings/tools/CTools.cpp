@@ -1,12 +1,15 @@
 #include "siblings/tools/CTools.h"
 
+#include "foundation/IOQWindowServices.h"
+
 #include <memory>
 #include <new>
 
 // FIXME: the parameter will carry what windows need.
-void CTools::Initialize(const void*)
+void CTools::Initialize(const void* parameter)
 {
     const std::lock_guard lock(m_lock);
+    m_mainThread.Open(static_cast<const OQToolsSetup*>(parameter));
     if (m_users++ > 0)
         return;
     m_displayScale.Open();
@@ -20,6 +23,7 @@ void CTools::Uninitialize()
     const std::lock_guard lock(m_lock);
     if (m_users == 0 || --m_users > 0)
         return;
+    m_mainThread.Close();
     m_settings.Close();
     m_translator.Close();
     m_log.Close();

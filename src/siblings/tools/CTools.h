@@ -3,6 +3,7 @@
 #include "siblings/tools/CDisplayScale.h"
 #include "siblings/tools/CFiles.h"
 #include "siblings/tools/CLog.h"
+#include "siblings/tools/CMainThreadMessages.h"
 #include "siblings/tools/CSettings.h"
 #include "siblings/tools/CText.h"
 #include "siblings/tools/CTheme.h"
@@ -37,13 +38,13 @@ public:
 
     IOQSettings* GetSettings(int32_t) override { return &m_settings; }
 
-    // FIXME: dialogs, main-thread messages and the user interface need windows; locks by name, the
+    // FIXME: dialogs and the user interface need windows; locks by name, the
     // decompressor and the unpacker have no user yet.
     IOQNamedLocks* GetNamedLocks(int32_t) override { return nullptr; }
 
     IOQDialogs* GetDialogs(int32_t) override { return nullptr; }
 
-    IOQMainThreadMessages* GetMainThreadMessages(int32_t) override { return nullptr; }
+    IOQMainThreadMessages* GetMainThreadMessages(int32_t) override { return &m_mainThread; }
 
     IOQUserInterface* GetUserInterface(int32_t) override { return nullptr; }
 
@@ -64,6 +65,7 @@ private:
     CTranslator m_translator;
     CTheme m_theme;
     CFiles m_files;
+    CMainThreadMessages m_mainThread;
 };
 
 // The module's one export; null for a version of the interface that isn't this one.

@@ -6,6 +6,7 @@
 #include <atomic>
 #include <chrono>
 #include <memory>
+#include <sys/resource.h>
 #include <thread>
 
 namespace {
@@ -155,4 +156,45 @@ TEST_CASE("A thread ends its waits when it is asked to stop, and stops at once")
     OQTimer timer;
     CHECK(thread.Stop() == 1);
     CHECK(timer.GetElapsedMs(false) < 5000);
+}
+
+TEST_CASE("A thread that the system has no descriptors for doesn't start, and may do so later")
+{
+    Default thread;
+    rlimit before {};
+    getrlimit(RLIMIT_NOFILE, &before);
+    rlimit none = before;
+    none.rlim_cur = 0;
+    setrlimit(RLIMIT_NOFILE, &none);
+    CHECK_FALSE(thread.Start());
+    setrlimit(RLIMIT_NOFILE, &before);
+    CHECK_FALSE(thread.IsRunning());
+    CHECK(thread.GetStartCount() == 0);
+    CHECK(thread.Start());
+    CHECK(thread.Stop() == 1);
+}
+
+TEST_CASE("Others may look, wait and cancel while a thread is started and stopped")
+{
+    Default thread;
+    std::atomic<bool> done = false;
+    std::jthread waiting([&] {
+        while (!done) {
+            thread.Wait(1);
+            thread.Join();
+        }
+    });
+    std::jthread looking([&] {
+        while (!done) {
+            thread.Cancel(true);
+            thread.SetPriority(-1);
+            CHECK(thread.GetResult() <= 1);
+            CHECK(thread.GetThreadId() >= 0);
+        }
+    });
+    for (int i = 0; i < 200; ++i) {
+        CHECK(thread.Start(0, i % 2 == 0));
+        CHECK(thread.Stop() == 1);
+    }
+    done = true;
 }

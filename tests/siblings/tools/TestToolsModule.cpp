@@ -42,7 +42,7 @@ TEST_CASE("The module gives its interface for the version it knows alone, with e
         CHECK(tools->GetSettings(make));
         CHECK(tools->GetNamedLocks(make) == nullptr);
         CHECK(tools->GetDialogs(make) == nullptr);
-        CHECK(tools->GetMainThreadMessages(make) == nullptr);
+        CHECK(tools->GetMainThreadMessages(make));
         CHECK(tools->GetUserInterface(make) == nullptr);
         CHECK(tools->GetDecompressor(make) == nullptr);
         CHECK(tools->GetUnpacker(make) == nullptr);
