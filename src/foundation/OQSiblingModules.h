@@ -1,5 +1,6 @@
 #pragma once
 
+#include "foundation/IOQWindowServices.h"
 #include "foundation/OQString.h"
 #include "os/DynamicLibrary.h"
 
@@ -39,6 +40,9 @@ public:
     IOQImageApp* ImageApp();
     IOQTools* Tools();
 
+    // What the tools show their boxes with, from now on or from when they are loaded.
+    void SetWindows(IOQWindowServices& windows);
+
     // Why the operation above gave null; empty otherwise.
     std::string ImageFailure();
     std::string ToolsFailure();
@@ -70,6 +74,7 @@ private:
     std::mutex m_lock;
     Module<IOQImageApp> m_image;
     Module<IOQTools> m_tools;
+    OQToolsSetup m_toolsSetup; // in use once there are windows
 };
 
 // An empty image from the process's image module, which the caller owns; null without that module

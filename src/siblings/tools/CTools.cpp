@@ -3,10 +3,12 @@
 #include <memory>
 #include <new>
 
-// FIXME: the parameter will carry what windows need.
-void CTools::Initialize(const void*)
+void CTools::Initialize(const void* parameter)
 {
     const std::lock_guard lock(m_lock);
+    const auto* setup = static_cast<const OQToolsSetup*>(parameter);
+    if (setup && !m_windows)
+        m_windows = setup->windows;
     if (m_users++ > 0)
         return;
     m_displayScale.Open();
@@ -20,6 +22,7 @@ void CTools::Uninitialize()
     const std::lock_guard lock(m_lock);
     if (m_users == 0 || --m_users > 0)
         return;
+    m_windows = nullptr;
     m_settings.Close();
     m_translator.Close();
     m_log.Close();
