@@ -9,6 +9,7 @@
 #include "siblings/tools/CText.h"
 #include "siblings/tools/CTheme.h"
 #include "siblings/tools/CTranslator.h"
+#include "siblings/tools/CUnpacker.h"
 #include "siblings/tools/CUserInterface.h"
 
 #include <atomic>
@@ -48,9 +49,9 @@ public:
 
     IOQUserInterface* GetUserInterface(int32_t) override { return &m_userInterface; }
 
-    IOQUnpacker* GetUnpacker(int32_t) override { return nullptr; }
+    IOQUnpacker* GetUnpacker(int32_t) override { return &m_unpacker; }
 
-    // FIXME: main-thread messages, the decompressor and the unpacker.
+    // FIXME: main-thread messages and the decompressor.
     IOQMainThreadMessages* GetMainThreadMessages(int32_t) override { return nullptr; }
 
     IOQDecompressor* GetDecompressor(int32_t) override { return nullptr; }
@@ -72,6 +73,7 @@ private:
     CNamedLocks m_namedLocks;
     CDialogs m_dialogs { m_windows };
     CUserInterface m_userInterface { m_windows };
+    CUnpacker m_unpacker;
 };
 
 // The module's one export; null for a version of the interface that isn't this one.
