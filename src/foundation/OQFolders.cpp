@@ -111,3 +111,9 @@ OQString OQFolders::GetTempLocation()
     }
     return WithSlash(folder);
 }
+
+OQString OQFolders::GetCacheFolder()
+{
+    const OQString folder = FolderFrom(pxvis::os::UserFolder("XDG_CACHE_HOME", ".cache"));
+    return folder.IsEmpty() ? folder : folder + u"pxvis/";
+}

@@ -41,4 +41,7 @@ public:
     // For files that may go at any time; made if it isn't there. The user may have chosen another
     // place for it; a choice that can't be used is dropped from the settings.
     static OQString GetTempLocation();
+
+    // For copies of what can be had again. Not made: whoever needs it makes it his user's alone.
+    static OQString GetCacheFolder();
 };

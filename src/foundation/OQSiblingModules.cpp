@@ -1,6 +1,7 @@
 #include "foundation/OQSiblingModules.h"
 
 #include "foundation/IOQImage.h"
+#include "foundation/IOQReader.h"
 #include "foundation/IOQTools.h"
 #include "foundation/OQFormat.h"
 #include "foundation/OQLoadLibrary.h"
@@ -26,10 +27,12 @@ std::vector<OQString> PathsOf(const OQString& name)
 
 }
 
-OQSiblingModules::OQSiblingModules(OQSiblingSetup image, OQSiblingSetup tools)
+OQSiblingModules::OQSiblingModules(
+    OQSiblingSetup image, OQSiblingSetup tools, OQSiblingSetup reader)
 {
     m_image.setup = std::move(image);
     m_tools.setup = std::move(tools);
+    m_reader.setup = std::move(reader);
 }
 
 OQSiblingModules::~OQSiblingModules()
@@ -111,6 +114,28 @@ void OQSiblingModules::SetWindows(IOQWindowServices& windows)
     m_tools.app->Uninitialize();
 }
 
+IOQReader* OQSiblingModules::CreateReader()
+{
+    const std::lock_guard lock(m_lock);
+    Load(m_reader, "OQReaderInitialize", [this](void* entry) -> ReaderExports* {
+        void* uninitialize = m_reader.library.Symbol("OQReaderUninitialize");
+        void* create = m_reader.library.Symbol("CreateGenericReaderDLL");
+        if (!uninitialize || !create)
+            return nullptr;
+        m_readerExports = { reinterpret_cast<void (*)(const void*)>(entry),
+            reinterpret_cast<void (*)()>(uninitialize),
+            reinterpret_cast<IOQReader* (*)()>(create) };
+        return &m_readerExports;
+    });
+    return m_reader.app ? m_reader.app->create() : nullptr;
+}
+
+IOQTools* OQSiblingModules::LoadedTools()
+{
+    const std::lock_guard lock(m_lock);
+    return m_tools.app;
+}
+
 std::string OQSiblingModules::ImageFailure()
 {
     const std::lock_guard lock(m_lock);
@@ -121,6 +146,12 @@ std::string OQSiblingModules::ToolsFailure()
 {
     const std::lock_guard lock(m_lock);
     return m_tools.failure;
+}
+
+std::string OQSiblingModules::ReaderFailure()
+{
+    const std::lock_guard lock(m_lock);
+    return m_reader.failure;
 }
 
 OQString OQSiblingModules::ToolsFailureText()
@@ -140,6 +171,7 @@ void OQSiblingModules::Unload()
     if (m_tools.app)
         m_tools.app->PrepareToUnload();
     Forget(m_image);
+    Forget(m_reader);
     Forget(m_tools);
 }
 
@@ -153,6 +185,11 @@ IOQFont* OQCreateFont(const OQFontDescriptor& descriptor)
 {
     IOQImageApp* app = OQSiblingModules::Get().ImageApp();
     return app ? app->CreateFont(descriptor) : nullptr;
+}
+
+IOQReader* OQCreateReader()
+{
+    return OQSiblingModules::Get().CreateReader();
 }
 
 IOQText* OQToolsText()

@@ -14,6 +14,7 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <utility>
 #include <vector>
 
 namespace pxvis::os {
@@ -42,9 +43,7 @@ bool CopyAll(const Descriptor& from, const Descriptor& to)
 {
     std::vector<char> block(1 << 16);
     for (;;) {
-        const ssize_t count = ::read(from.Get(), block.data(), block.size());
-        if (count < 0 && errno == EINTR)
-            continue;
+        const int64_t count = from.Read(block.data(), block.size());
         if (count <= 0)
             return count == 0;
         if (!to.Write({ block.data(), static_cast<size_t>(count) }))
@@ -118,36 +117,47 @@ int64_t FileSize(const std::string& path)
     return status.st_size;
 }
 
-FileError ReadFile(const std::string& path, size_t maximumSize, std::string& bytes)
+FileError OpenRegularFile(const std::string& path, Descriptor& file, int64_t& size)
 {
-    bytes.clear();
+    size = -1;
+    file.Close();
     if (!IsUsablePath(path))
         return FileError::NotFound;
-    const Descriptor file(OpenPath(path, O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
-    if (!file.IsOpen())
+    Descriptor opened(OpenPath(path, O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+    if (!opened.IsOpen())
         return ErrorOf(errno);
 
     struct stat status
     {
     };
 
-    if (::fstat(file.Get(), &status) != 0)
+    if (::fstat(opened.Get(), &status) != 0)
         return ErrorOf(errno);
     if (!S_ISREG(status.st_mode))
         return FileError::NotRegular;
-    if (static_cast<uint64_t>(status.st_size) > maximumSize)
+    file = std::move(opened);
+    size = status.st_size;
+    return FileError::None;
+}
+
+FileError ReadFile(const std::string& path, size_t maximumSize, std::string& bytes)
+{
+    bytes.clear();
+    Descriptor file;
+    int64_t size = 0;
+    if (const FileError error = OpenRegularFile(path, file, size); error != FileError::None)
+        return error;
+    if (static_cast<uint64_t>(size) > maximumSize)
         return FileError::TooLarge;
 
     // The size is only a hint: the file may grow meanwhile, and some tell none.
     std::string read;
-    read.resize(static_cast<size_t>(status.st_size) + 1);
+    read.resize(static_cast<size_t>(size) + 1);
     size_t used = 0;
     for (;;) {
         if (used == read.size())
             read.resize(read.size() * 2);
-        const ssize_t count = ::read(file.Get(), read.data() + used, read.size() - used);
-        if (count < 0 && errno == EINTR)
-            continue;
+        const int64_t count = file.Read(read.data() + used, read.size() - used);
         if (count < 0)
             return ErrorOf(errno);
         if (count == 0)

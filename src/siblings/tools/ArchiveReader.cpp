@@ -1,12 +1,10 @@
 #include "siblings/tools/ArchiveReader.h"
 
-#include "os/LongPath.h"
+#include "os/File.h"
 
 #include <algorithm>
 #include <archive.h>
 #include <archive_entry.h>
-#include <fcntl.h>
-#include <sys/stat.h>
 
 namespace pxvis::tools {
 
@@ -85,16 +83,9 @@ void ArchiveReader::Close::operator()(locale_t locale) const
 
 ArchiveReader::ArchiveReader(const std::string& path)
     : m_utf8(MakeUtf8Locale())
-    , m_file(os::OpenPath(path, O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC))
 {
-    struct stat status
-    {
-    };
-
-    if (!m_file.IsOpen() || ::fstat(m_file.Get(), &status) != 0 || !S_ISREG(status.st_mode)
-        || status.st_size == 0)
+    if (os::OpenRegularFile(path, m_file, m_size) != os::FileError::None || m_size == 0)
         return;
-    m_size = status.st_size;
     const ThreadLocale names(m_utf8.get());
     std::unique_ptr<archive, Close> reader(archive_read_new());
     if (reader && EnableFormats(reader.get())
