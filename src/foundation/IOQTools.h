@@ -5,6 +5,7 @@
 #include <cstdint>
 
 class IOQDllString;
+// With headers of their own.
 class IOQDialogs;
 class IOQDecompressor;
 class IOQMainThreadMessages;
@@ -183,7 +184,7 @@ class IOQTools
 public:
     static constexpr int32_t InterfaceVersion = 200048;
 
-    virtual void Initialize(const void* parameter) = 0;
+    virtual void Initialize(const void* parameter) = 0; // an OQToolsSetup, or null
     virtual void Uninitialize() = 0; // the last call
     virtual int32_t GetVersion() const = 0;
     // The other modules are about to go: what may call into them stops, what is buffered reaches
