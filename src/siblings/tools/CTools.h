@@ -1,5 +1,6 @@
 #pragma once
 
+#include "siblings/tools/CDecompressor.h"
 #include "siblings/tools/CDisplayScale.h"
 #include "siblings/tools/CFiles.h"
 #include "siblings/tools/CLog.h"
@@ -37,8 +38,8 @@ public:
 
     IOQSettings* GetSettings(int32_t) override { return &m_settings; }
 
-    // FIXME: dialogs, main-thread messages and the user interface need windows; locks by name, the
-    // decompressor and the unpacker have no user yet.
+    // FIXME: dialogs, main-thread messages and the user interface need windows; locks by name and
+    // the unpacker have no user yet.
     IOQNamedLocks* GetNamedLocks(int32_t) override { return nullptr; }
 
     IOQDialogs* GetDialogs(int32_t) override { return nullptr; }
@@ -47,7 +48,7 @@ public:
 
     IOQUserInterface* GetUserInterface(int32_t) override { return nullptr; }
 
-    IOQDecompressor* GetDecompressor(int32_t) override { return nullptr; }
+    IOQDecompressor* GetDecompressor(int32_t) override { return &m_decompressor; }
 
     IOQUnpacker* GetUnpacker(int32_t) override { return nullptr; }
 
@@ -64,6 +65,7 @@ private:
     CTranslator m_translator;
     CTheme m_theme;
     CFiles m_files;
+    CDecompressor m_decompressor;
 };
 
 // The module's one export; null for a version of the interface that isn't this one.

@@ -44,7 +44,7 @@ TEST_CASE("The module gives its interface for the version it knows alone, with e
         CHECK(tools->GetDialogs(make) == nullptr);
         CHECK(tools->GetMainThreadMessages(make) == nullptr);
         CHECK(tools->GetUserInterface(make) == nullptr);
-        CHECK(tools->GetDecompressor(make) == nullptr);
+        CHECK(tools->GetDecompressor(make));
         CHECK(tools->GetUnpacker(make) == nullptr);
     }
 }
