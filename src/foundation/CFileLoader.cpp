@@ -154,9 +154,8 @@ bool CFileLoader::Fail(const OQString& reason)
 
 bool CFileLoader::Show(const OQString& text, int64_t done, int64_t size)
 {
-    if (m_settings.progress && !m_settings.progress->OnProgress(text, done, size))
-        m_cancelled = true;
-    return !m_cancelled || Fail(u"cancelled");
+    const bool goesOn = !m_settings.progress || m_settings.progress->OnProgress(text, done, size);
+    return (goesOn && !m_cancelled) || Fail(u"cancelled");
 }
 
 void CFileLoader::ForgetAnswer()

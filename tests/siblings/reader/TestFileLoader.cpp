@@ -132,6 +132,8 @@ TEST_CASE("Progress is told in words, and whoever hears it may end the load")
     progress.calls = 2;
     CHECK(Loaded(loader, file.Path()) == "-");
     CHECK(loader.GetError() == u"cancelled");
+    progress.calls = 1000;
+    CHECK(Loaded(loader, file.Path()).size() == 5000);
 }
 
 TEST_CASE("A load is ended by another thread, and with it all later ones")
