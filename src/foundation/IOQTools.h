@@ -136,6 +136,7 @@ public:
     // False, and `value` becomes `fallback`, if there is no such value.
     virtual bool GetString(
         const OQChar* name, const OQChar* fallback, IOQDllString& value) const = 0;
+    // `fallback` also for a text that doesn't begin with a number.
     virtual int32_t GetInt(const OQChar* name, int32_t fallback) const = 0;
 
     // False if the store can't be written.

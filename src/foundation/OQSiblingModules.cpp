@@ -4,19 +4,25 @@
 #include "foundation/IOQReader.h"
 #include "foundation/IOQTools.h"
 #include "foundation/OQFormat.h"
+#include "foundation/OQLoadLibrary.h"
 #include "os/InstallPlaces.h"
 
 #include <utility>
+#include <vector>
 
 namespace {
 
-// Empty, which nothing can be loaded from, if the folder of the siblings isn't known.
-std::string PathOf(const std::string& name)
+// Where a module is looked for, in this order: first where one is expected.
+std::vector<OQString> PathsOf(const OQString& name)
 {
-    if (!name.empty() && name.front() == '/')
-        return name;
+    if (name.StartsWith(u"/"))
+        return { name };
+    // Never a folder that another module tells: what lies beside this one came with it.
     const std::string& folder = pxvis::os::GetInstallPlaces().siblings;
-    return folder.empty() ? std::string() : folder + "/" + name;
+    if (folder.empty())
+        return { OQString() };
+    const OQString start = OQString::FromUtf8(folder) + u"/";
+    return { start + name, start + u"x64/" + name };
 }
 
 }
@@ -47,15 +53,22 @@ void OQSiblingModules::Load(Module<Interface>& module, const char* symbol, Entry
     if (module.tried)
         return;
     module.tried = true;
-    if (module.library.Open(PathOf(module.setup.name))) {
+    for (const OQString& path : PathsOf(OQString::FromUtf8(module.setup.name))) {
+        if (OQLoadLibrary(module.library, path, OQLoadFromItsFolder))
+            break;
+        if (module.failure.empty())
+            module.failure = module.library.Error();
+    }
+    if (module.library.IsOpen()) {
         if (void* address = module.library.Symbol(symbol))
             module.app = entry(address);
         if (module.app) {
             module.app->Initialize(module.setup.parameter);
+            module.failure.clear();
             return;
         }
+        module.failure = module.library.Error();
     }
-    module.failure = module.library.Error();
     if (module.failure.empty())
         module.failure = module.setup.name + ": the module gave no interface";
     module.library.Close();
@@ -105,6 +118,12 @@ IOQReader* OQSiblingModules::CreateReader()
     return m_reader.app ? m_reader.app->create() : nullptr;
 }
 
+IOQTools* OQSiblingModules::LoadedTools()
+{
+    const std::lock_guard lock(m_lock);
+    return m_tools.app;
+}
+
 std::string OQSiblingModules::ImageFailure()
 {
     const std::lock_guard lock(m_lock);
@@ -131,7 +150,7 @@ OQString OQSiblingModules::ToolsFailureText()
     return OQFormat(u"The following module has failed to load:\r\n%s\r\n\r\n"
                     u"It has reported the following error:\r\n\r\n%s\r\n\r\n"
                     u"Please reinstall the latest version of the program.",
-        { OQString::FromUtf8(PathOf(m_tools.setup.name)), u"Failed to load OQTools" });
+        { PathsOf(OQString::FromUtf8(m_tools.setup.name)).front(), u"Failed to load OQTools" });
 }
 
 void OQSiblingModules::Unload()

@@ -44,6 +44,9 @@ public:
     // A reader that the caller owns; null as above, and without memory.
     IOQReader* CreateReader();
 
+    // Loads nothing: null as well if nobody has asked for the tools so far.
+    IOQTools* LoadedTools();
+
     // Why the operation above gave null; empty otherwise.
     std::string ImageFailure();
     std::string ToolsFailure();

@@ -29,11 +29,19 @@ Sample SampleAt(int32_t i, int32_t targetSize, int32_t sourceSize)
 void Stretch(uint32_t* target, ptrdiff_t targetStride, int32_t targetWidth, int32_t targetHeight,
     const uint32_t* source, ptrdiff_t sourceStride, int32_t sourceWidth, int32_t sourceHeight)
 {
-    for (int32_t y = 0; y < targetHeight; ++y) {
+    StretchRows(target, targetStride, targetWidth, targetHeight, source, sourceStride, sourceWidth,
+        sourceHeight, 0, targetHeight);
+}
+
+void StretchRows(uint32_t* target, ptrdiff_t targetStride, int32_t targetWidth,
+    int32_t targetHeight, const uint32_t* source, ptrdiff_t sourceStride, int32_t sourceWidth,
+    int32_t sourceHeight, int32_t first, int32_t last)
+{
+    for (int32_t y = first; y < last; ++y) {
         const Sample v = SampleAt(y, targetHeight, sourceHeight);
         const uint32_t* upper = source + v.index * sourceStride;
         const uint32_t* lower = source + v.next * sourceStride;
-        uint32_t* row = target + y * targetStride;
+        uint32_t* row = target + (y - first) * targetStride;
         for (int32_t x = 0; x < targetWidth; ++x) {
             const Sample h = SampleAt(x, targetWidth, sourceWidth);
             uint32_t pixel = 0;

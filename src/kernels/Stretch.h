@@ -13,4 +13,10 @@ namespace pxvis::kernels {
 void Stretch(uint32_t* target, ptrdiff_t targetStride, int32_t targetWidth, int32_t targetHeight,
     const uint32_t* source, ptrdiff_t sourceStride, int32_t sourceWidth, int32_t sourceHeight);
 
+// Only the rows from `first` to before `last` of the stretched picture; the target is the first
+// one.
+void StretchRows(uint32_t* target, ptrdiff_t targetStride, int32_t targetWidth,
+    int32_t targetHeight, const uint32_t* source, ptrdiff_t sourceStride, int32_t sourceWidth,
+    int32_t sourceHeight, int32_t first, int32_t last);
+
 }

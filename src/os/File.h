@@ -9,7 +9,7 @@
 
 namespace pxvis::os {
 
-// Paths are UTF-8; one with a zero inside names nothing. Any thread.
+// Paths are UTF-8, of any length; one with a zero inside names nothing. Any thread.
 
 enum class FileError
 {

@@ -81,8 +81,10 @@ void CLog::Write(int32_t level, const OQChar* scope, const OQChar* text,
     if (!toFile && !toError)
         return;
     try {
-        const OQString line = OQString(scope) + u": "
+        OQString line = OQString(scope) + u": "
             + OQFormat(text, arguments, arguments && count > 0 ? static_cast<size_t>(count) : 0);
+        while (line.EndsWith(u"\r") || line.EndsWith(u"\n")) // the log has line ends of its own
+            line.Delete(line.GetLength() - 1);
         const std::string harmless = Harmless(line);
         const std::lock_guard lock(m_lock);
         if (!m_isOpen) {

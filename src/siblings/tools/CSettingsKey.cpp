@@ -1,6 +1,7 @@
 #include "siblings/tools/CSettingsKey.h"
 
 #include "foundation/IOQDllString.h"
+#include "foundation/OQCharacters.h"
 #include "foundation/OQNumberText.h"
 
 using pxvis::tools::SettingsDocument;
@@ -21,6 +22,14 @@ Result Guard(Result failure, Operation operation) noexcept
 bool IsName(const OQChar* name)
 {
     return name && *name;
+}
+
+bool BeginsNumber(const OQString& text)
+{
+    int at = 0;
+    while (OQIsSpace(text[at]))
+        ++at;
+    return OQIsDigit(text[text[at] == u'-' || text[at] == u'+' ? at + 1 : at]);
 }
 
 }
@@ -58,8 +67,9 @@ int32_t CSettingsKey::GetInt(const OQChar* name, int32_t fallback) const
 {
     return Guard(fallback, [&] {
         OQString text;
-        return IsName(name) && m_scope->GetValue(m_path, name, text) ? OQTextToInt(text.GetText())
-                                                                     : fallback;
+        return IsName(name) && m_scope->GetValue(m_path, name, text) && BeginsNumber(text)
+            ? OQTextToInt(text.GetText())
+            : fallback;
     });
 }
 

@@ -74,7 +74,7 @@ TEST_CASE("What is set is there for others and after a restart, whatever its cha
         CHECK(ValueOf(read, u"Empty").empty());
         CHECK(read.HasValue(u"EMPTY"));
         CHECK(read.GetInt(u"Least", 0) == INT32_MIN + 1); // the least number can't be read
-        CHECK(read.GetInt(u"Odd \"name\" <&>\n", 7) == 0);
+        CHECK(read.GetInt(u"Odd \"name\" <&>\n", 7) == 7); // a text that is no number
         CHECK(read.GetInt(u"Missing", 7) == 7);
         CHECK(ValueOf(read, u"Missing") == "(none)");
         CHECK(ValueNames(read).size() == 4);
