@@ -45,7 +45,7 @@ OQString SizeText(int64_t bytes)
     constexpr int64_t kilobyte = 1024;
     constexpr int64_t megabyte = kilobyte * kilobyte;
     if (bytes < kilobyte)
-        return OQFormat(u"%d bytes", { bytes });
+        return OQFormat(OQTranslated(u"%d bytes").GetText(), { bytes });
     if (bytes < megabyte)
         return OQFormat(u"%d KB", { bytes / kilobyte });
     return OQFormat(u"%.1f MB", { static_cast<double>(bytes) / megabyte });
