@@ -58,6 +58,11 @@ void OQDisplayConnection::Tell(const xcb_generic_event_t& event)
     const int type = event.response_type & 0x7F; // without the mark of events that a client sent
     const auto& configured = reinterpret_cast<const xcb_configure_notify_event_t&>(event);
     const auto& destroyed = reinterpret_cast<const xcb_destroy_notify_event_t&>(event);
+    // A client that starts anew gets the numbers of its windows anew: what tells of the end of an
+    // older window of the number says nothing of the one that is watched.
+    OQRect rect;
+    if (type == XCB_DESTROY_NOTIFY && GetRect(destroyed.window, rect))
+        return;
     // A listener may end or begin to watch.
     for (int i = m_watched.GetCount() - 1; i >= 0; i = std::min(i, m_watched.GetCount()) - 1) {
         const Watched watched = m_watched[i];
