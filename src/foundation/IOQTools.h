@@ -4,10 +4,10 @@
 
 #include <cstdint>
 
+class IOQDllBuffer;
 class IOQDllString;
 // With headers of their own.
 class IOQDialogs;
-class IOQDecompressor;
 class IOQMainThreadMessages;
 class IOQNamedLocks;
 class IOQUnpacker;
@@ -174,6 +174,20 @@ public:
 
 protected:
     ~IOQSettings() = default;
+};
+
+class IOQDecompressor
+{
+public:
+    // The plain bytes of a gzip or zlib stream; gzip streams behind one another are one, and what
+    // else stands behind the end is left out. False, and an empty `plain`, for bytes that aren't
+    // such a stream, are damaged or cut off, become more than `maximumSize` bytes, or without
+    // memory.
+    virtual bool Decompress(
+        const uint8_t* bytes, uint64_t size, uint64_t maximumSize, IOQDllBuffer& plain) const = 0;
+
+protected:
+    ~IOQDecompressor() = default;
 };
 
 // The tools module's interface, given by its one export, extern "C" IOQTools*

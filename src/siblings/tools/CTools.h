@@ -1,5 +1,6 @@
 #pragma once
 
+#include "siblings/tools/CDecompressor.h"
 #include "siblings/tools/CDialogs.h"
 #include "siblings/tools/CDisplayScale.h"
 #include "siblings/tools/CFiles.h"
@@ -54,7 +55,7 @@ public:
 
     IOQUnpacker* GetUnpacker(int32_t) override { return &m_unpacker; }
 
-    IOQDecompressor* GetDecompressor(int32_t) override { return nullptr; }
+    IOQDecompressor* GetDecompressor(int32_t) override { return &m_decompressor; }
 
 private:
     int32_t LogLevelSetting();
@@ -75,6 +76,7 @@ private:
     CDialogs m_dialogs { m_windows };
     CUserInterface m_userInterface { m_windows };
     CUnpacker m_unpacker;
+    CDecompressor m_decompressor;
 };
 
 // The module's one export; null for a version of the interface that isn't this one.
