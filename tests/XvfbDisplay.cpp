@@ -105,3 +105,9 @@ void XvfbDisplay::Kill()
         EndProcess(m_server);
     m_server = -1;
 }
+
+void XvfbDisplay::Pause()
+{
+    if (m_server > 0)
+        kill(m_server, SIGSTOP);
+}

@@ -27,6 +27,9 @@ public:
     // Takes the server from its clients, as a crash of it does.
     void Kill();
 
+    // From now on it answers nobody, as if it hung.
+    void Pause();
+
 private:
     pid_t m_server = -1;
     std::string m_name;

@@ -1,7 +1,7 @@
 #include "foundation/OQLoadLibrary.h"
 
 #include "foundation/OQLog.h"
-#include "os/DebugOutput.h"
+#include "os/StandardError.h"
 
 #include <cerrno>
 

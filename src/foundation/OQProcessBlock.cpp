@@ -1,6 +1,7 @@
 #include "foundation/OQProcessBlock.h"
 
 #include "foundation/OQFormat.h"
+#include "foundation/OQNumberText.h"
 #include "os/Process.h"
 
 #include <algorithm>
@@ -9,6 +10,7 @@
 
 namespace {
 
+constexpr const OQChar* nameFormat = u"Tarnwick Process v%d (%d)";
 constexpr OQChar doesNotFit = 0xFFFF; // no character, so no folder begins with it
 
 void Store(OQChar (&field)[OQProcessBlock::FieldLength], const OQString& folder)
@@ -55,8 +57,17 @@ bool OQProcessBlock::Read(OQProcessFolders& folders) const
 // Numbers of processes come again, but not together with the time of the start.
 std::string OQProcessBlock::GetName()
 {
-    const OQString name = OQFormat(
-        u"Tarnwick Process v%d (%d)", { static_cast<int32_t>(Version), int32_t { ::getpid() } });
+    const OQString name
+        = OQFormat(nameFormat, { static_cast<int32_t>(Version), int32_t { ::getpid() } });
     return name.ToUtf8() + " " + std::to_string(::geteuid()) + " "
         + std::to_string(pxvis::os::ProcessStartTime());
+}
+
+bool OQProcessBlock::IsLeftOver(const std::string& name)
+{
+    const OQString text = OQString::FromUtf8(name);
+    const OQString format = nameFormat;
+    const int process = text.Find(u'(') + 1;
+    return process > 0 && text.StartsWith(format.Left(format.Find(u'%')))
+        && !pxvis::os::ProcessExists(OQTextToInt64(text.GetText() + process));
 }

@@ -32,6 +32,9 @@ struct OQProcessBlock
 
     // Of the calling process: no other one, now or later, has a block of this name.
     static std::string GetName();
+
+    // Is this the name of a block whose process is gone, having had no time to take it away?
+    static bool IsLeftOver(const std::string& name);
 };
 
 static_assert(sizeof(OQProcessBlock) == 3184);

@@ -2,6 +2,7 @@
 
 #include "foundation/OQLog.h"
 #include "foundation/OQProcessBlock.h"
+#include "foundation/OQSiblingModules.h"
 #include "os/InstallPlaces.h"
 #include "os/UserFolders.h"
 
@@ -11,6 +12,19 @@
 #include <unistd.h>
 
 using pxvis::os::SharedMemory;
+
+namespace {
+
+// Of this user's processes that were killed; the system keeps those of others.
+void RemoveLeftOvers()
+{
+    for (const std::string& name : SharedMemory::Names()) {
+        if (OQProcessBlock::IsLeftOver(name))
+            SharedMemory::Remove(name);
+    }
+}
+
+}
 
 OQSharedMemory& OQSharedMemory::Get()
 {
@@ -41,9 +55,12 @@ OQProcessFolders OQSharedMemory::GetFolders()
         if (!isFirst)
             return folders;
     }
-    // The log's module may ask for folders itself.
-    OQLog(OQLogInfo, u"OQSharedMemory::GetFolders", u"Tarnwick install path (process: %d): %s\r\n",
-        { int32_t { ::getpid() }, folders.install });
+    // Behind the lock, since the log's module may ask for folders itself; and that is no reason to
+    // load it.
+    if (OQSiblingModules::Get().LoadedTools())
+        OQLog(OQLogInfo, u"OQSharedMemory::GetFolders",
+            u"Tarnwick install path (process: %d): %s\r\n",
+            { int32_t { ::getpid() }, folders.install });
     return folders;
 }
 
@@ -58,6 +75,7 @@ bool OQSharedMemory::Share(OQProcessFolders& folders)
     const std::string name = OQProcessBlock::GetName();
     if (m_memory->Make(name, sizeof(OQProcessBlock))) {
         m_name = name;
+        RemoveLeftOvers();
         (new (m_memory->Data()) OQProcessBlock)->Fill(folders);
         return false;
     }

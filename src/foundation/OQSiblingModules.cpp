@@ -102,6 +102,18 @@ IOQTools* OQSiblingModules::Tools()
     return m_tools.app;
 }
 
+void OQSiblingModules::SetWindows(IOQWindowServices& windows)
+{
+    const std::lock_guard lock(m_lock);
+    m_toolsSetup.windows = &windows;
+    m_tools.setup.parameter = &m_toolsSetup;
+    if (!m_tools.app)
+        return;
+    // As another user, who goes at once; the windows stay.
+    m_tools.app->Initialize(&m_toolsSetup);
+    m_tools.app->Uninitialize();
+}
+
 IOQReader* OQSiblingModules::CreateReader()
 {
     const std::lock_guard lock(m_lock);

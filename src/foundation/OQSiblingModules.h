@@ -1,5 +1,6 @@
 #pragma once
 
+#include "foundation/IOQWindowServices.h"
 #include "foundation/OQString.h"
 #include "os/DynamicLibrary.h"
 
@@ -40,6 +41,9 @@ public:
     // Null if the module isn't there or isn't one of ours.
     IOQImageApp* ImageApp();
     IOQTools* Tools();
+
+    // What the tools show their boxes with, from now on or from when they are loaded.
+    void SetWindows(IOQWindowServices& windows);
 
     // A reader that the caller owns; null as above, and without memory.
     IOQReader* CreateReader();
@@ -93,6 +97,7 @@ private:
     Module<IOQTools> m_tools;
     Module<ReaderExports> m_reader;
     ReaderExports m_readerExports;
+    OQToolsSetup m_toolsSetup; // in use once there are windows
 };
 
 // An empty image from the process's image module, which the caller owns; null without that module

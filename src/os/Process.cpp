@@ -2,7 +2,9 @@
 
 #include "os/File.h"
 
+#include <cerrno>
 #include <charconv>
+#include <csignal>
 #include <string>
 
 namespace pxvis::os {
@@ -21,6 +23,12 @@ uint64_t ProcessStartTime()
     if (at != std::string::npos)
         std::from_chars(fields.data() + at + 1, fields.data() + fields.size(), time);
     return time;
+}
+
+bool ProcessExists(int64_t number)
+{
+    const auto process = static_cast<pid_t>(number);
+    return process > 0 && process == number && (::kill(process, 0) == 0 || errno != ESRCH);
 }
 
 }

@@ -8,4 +8,7 @@ namespace pxvis::os {
 // names one process for as long as the system runs. 0 if the system doesn't tell.
 uint64_t ProcessStartTime();
 
+// Is there a process of that number, whoever's it is?
+bool ProcessExists(int64_t number);
+
 }

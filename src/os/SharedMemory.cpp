@@ -1,11 +1,13 @@
 #include "os/SharedMemory.h"
 
 #include "os/Descriptor.h"
+#include "os/Folder.h"
 
 #include <fcntl.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <utility>
 
 namespace pxvis::os {
 
@@ -60,6 +62,18 @@ SharedMemory::Found SharedMemory::Open(const std::string& name, size_t size)
     const bool isOurs = (status.st_mode & 07777) == ownersAlone
         && static_cast<size_t>(status.st_size) == size && Map(file.Get(), size, PROT_READ);
     return isOurs ? Found::Opened : Found::Nothing;
+}
+
+std::vector<std::string> SharedMemory::Names()
+{
+    constexpr size_t most = 10'000;
+    std::vector<FolderEntry> entries;
+    bool isComplete = false;
+    ListFolder("/dev/shm", most, entries, isComplete);
+    std::vector<std::string> names;
+    for (FolderEntry& entry : entries)
+        names.push_back(std::move(entry.name));
+    return names;
 }
 
 void SharedMemory::Remove(const std::string& name)

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <string>
+#include <vector>
 
 namespace pxvis::os {
 
@@ -30,6 +31,9 @@ public:
     Found Open(const std::string& name, size_t size);
 
     void* Data() const { return m_data; } // null if none is open
+
+    // All that this system's processes have made, as far as it tells.
+    static std::vector<std::string> Names();
 
     // Takes the name away; whoever has the memory open keeps it.
     static void Remove(const std::string& name);

@@ -13,6 +13,7 @@
 #include <QThread>
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -59,12 +60,12 @@ bool OQToolkit::OpenDisplay()
             return false;
         }
     }
-    // A host may end its application and make another one later.
+    // Once for each application: a host may end its own and make another one later.
     if (!m_notifier) {
         m_notifier = new QSocketNotifier(
             m_display->GetDescriptor(), QSocketNotifier::Read, QCoreApplication::instance());
         QObject::connect(m_notifier, &QSocketNotifier::activated, [this] { CheckDisplay(); });
-        QObject::connect(m_notifier, &QObject::destroyed, [this] { m_notifier = nullptr; });
+        qAddPostRoutine([] { Get().OnApplicationEnd(); });
     }
     return true;
 }
@@ -134,6 +135,17 @@ void OQToolkit::OnDisplayLost()
     m_displayLost = true;
     if (m_notifier)
         m_notifier->setEnabled(false);
+    EndWindows();
+}
+
+void OQToolkit::OnApplicationEnd()
+{
+    EndWindows();
+    delete std::exchange(m_notifier, nullptr);
+}
+
+void OQToolkit::EndWindows()
+{
     while (m_windows.GetCount() > 0) // each takes itself out, and may take others
         m_windows.Last()->OnWindowLost(false);
 }

@@ -41,7 +41,7 @@ public:
     // Null before EnsureApplication gave true.
     OQDisplayConnection* GetDisplay() const { return m_display.get(); }
 
-    // The windows that there are; told when the display is lost.
+    // The windows that there are; told when the display or the application goes.
     void AddWindow(OQBasicWnd* wnd);
     void RemoveWindow(OQBasicWnd* wnd);
 
@@ -54,10 +54,12 @@ private:
     bool CheckDisplay();
     void WakeForDisplay();
     void OnDisplayLost();
+    void OnApplicationEnd(); // the host's is being destroyed
+    void EndWindows();
 
     std::mutex m_lock; // of EnsureApplication
     std::unique_ptr<OQDisplayConnection> m_display;
-    QSocketNotifier* m_notifier = nullptr; // owned by the application
+    QSocketNotifier* m_notifier = nullptr; // owned; null while no application was seen
     OQArray<OQBasicWnd*, OQBasicWnd*> m_windows; // not owned
     std::atomic<bool> m_displayLost = false;
 };

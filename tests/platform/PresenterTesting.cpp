@@ -4,7 +4,15 @@
 
 #include "kernels/Stretch.h"
 
+#include <algorithm>
 #include <cstdlib>
+
+namespace {
+
+constexpr int kLeft = 40;
+constexpr int kTop = 30;
+
+}
 
 HostWindow::HostWindow(uint16_t width, uint16_t height, uint32_t eventMask)
     : m_connection(xcb_connect(nullptr, nullptr))
@@ -12,8 +20,8 @@ HostWindow::HostWindow(uint16_t width, uint16_t height, uint32_t eventMask)
 {
     const auto* screen = xcb_setup_roots_iterator(xcb_get_setup(m_connection)).data;
     const uint32_t values[] = { screen->black_pixel, eventMask };
-    xcb_create_window(m_connection, XCB_COPY_FROM_PARENT, m_id, screen->root, 40, 30, width, height,
-        0, XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT,
+    xcb_create_window(m_connection, XCB_COPY_FROM_PARENT, m_id, screen->root, kLeft, kTop, width,
+        height, 0, XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT,
         XCB_CW_BACK_PIXEL | XCB_CW_EVENT_MASK, values);
     xcb_map_window(m_connection, m_id);
     Synchronize();
@@ -63,8 +71,8 @@ bool IsNear(uint32_t a, uint32_t b)
 
 }
 
-bool IsShownSoon(pxvis::Presenter& presenter, const HostWindow& window,
-    const pxvis::PresenterPicture& picture, int32_t width, int32_t height)
+bool IsShownSoon(pxvis::Presenter& presenter, const pxvis::PresenterPicture& picture, int32_t width,
+    int32_t height)
 {
     std::vector<uint32_t> expected(size_t(width) * size_t(height));
     pxvis::kernels::Stretch(expected.data(), width, width, height,
@@ -73,12 +81,13 @@ bool IsShownSoon(pxvis::Presenter& presenter, const HostWindow& window,
     return HoldsSoon([&] {
         if (!presenter.Present(picture, width, height))
             return false;
-        const ScreenPixels seen(std::getenv("DISPLAY"), window.Id());
-        for (int y = 0; y < height; ++y)
-            for (int x = 0; x < width; ++x)
-                if (!IsNear(seen.At(x, y), expected[size_t(y) * size_t(width) + size_t(x)]))
+        const ScreenPixels seen(std::getenv("DISPLAY"));
+        for (int y = 0; y < std::min(height, seen.GetHeight() - kTop); ++y)
+            for (int x = 0; x < std::min(width, seen.GetWidth() - kLeft); ++x)
+                if (!IsNear(seen.At(kLeft + x, kTop + y),
+                        expected[size_t(y) * size_t(width) + size_t(x)]))
                     return false;
-        return true;
+        return seen.GetWidth() > 0;
     });
 }
 

@@ -8,7 +8,7 @@
 #include <vector>
 #include <xcb/xcb.h>
 
-// What a host has: a connection and a window, at 40, 30 of the screen, to show pictures in.
+// What a host has: a connection and a window to show pictures in.
 class HostWindow
 {
 public:
@@ -58,9 +58,10 @@ bool HoldsSoon(Condition condition)
     return true;
 }
 
-// The picture, stretched, is what the window shows, soon, while it is presented again and again.
-bool IsShownSoon(pxvis::Presenter& presenter, const HostWindow& window,
-    const pxvis::PresenterPicture& picture, int32_t width, int32_t height);
+// The picture, stretched, is what the only window shows as far as it lies on the screen, soon,
+// while it is presented again and again.
+bool IsShownSoon(pxvis::Presenter& presenter, const pxvis::PresenterPicture& picture, int32_t width,
+    int32_t height);
 
 // Presenting becomes impossible.
 bool FailsSoon(pxvis::Presenter& presenter);

@@ -185,7 +185,8 @@ bool HttpTransfer::Open(const HttpRequest& request)
         && WaitUntil(std::min(start + m_patience, m_lastHeard + m_idle))) { }
     if (!IsAnswered())
         return Fail("no answer");
-    return Size() <= kMostBytes || Fail("the file is too large"); // what failed later is Read's
+    return request.headersOnly || Size() <= kMostBytes
+        || Fail("the file is too large"); // what failed later is Read's
 }
 
 int64_t HttpTransfer::Read(void* bytes, size_t size)

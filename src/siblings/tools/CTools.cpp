@@ -5,11 +5,13 @@
 #include <memory>
 #include <new>
 
-// FIXME: the parameter will carry what windows need.
 void CTools::Initialize(const void* parameter)
 {
     const std::lock_guard lock(m_lock);
-    m_mainThread.Open(static_cast<const OQToolsSetup*>(parameter));
+    const auto* setup = static_cast<const OQToolsSetup*>(parameter);
+    m_mainThread.Open(setup);
+    if (setup && !m_windows)
+        m_windows = setup->windows;
     if (m_users++ > 0)
         return;
     m_displayScale.Open();
@@ -24,6 +26,7 @@ void CTools::Uninitialize()
     if (m_users == 0 || --m_users > 0)
         return;
     m_mainThread.Close();
+    m_windows = nullptr;
     m_settings.Close();
     m_translator.Close();
     m_log.Close();

@@ -143,6 +143,28 @@ TEST_CASE("A process that was forked off has a block of its own, which goes with
     close(ends[1]);
 }
 
+TEST_CASE("The block of a process that was killed goes with the next one's, those of others stay")
+{
+    FakeTools::Fresh();
+    const pid_t child = fork();
+    if (child == 0)
+        _exit(0);
+    waitpid(child, nullptr, 0);
+    const auto name = [](pid_t process) {
+        return "Tarnwick Process v1 (" + std::to_string(process) + ") of the test's";
+    };
+    const std::string names[] = { name(child), name(getppid()), "Some (1)", "Tarnwick Process" };
+    for (const std::string& one : names)
+        CHECK(pxvis::os::SharedMemory().Make(one, sizeof(OQProcessBlock)));
+    OQSharedMemory::Get().Forget();
+    OQProcessFolders::Get();
+    CHECK_FALSE(IsThere(names[0]));
+    for (const std::string& one : names) {
+        CHECK(IsThere(one) == (&one != names));
+        pxvis::os::SharedMemory::Remove(one);
+    }
+}
+
 TEST_CASE("What only looks like the process's block is left alone, and nothing waits for it long")
 {
     FakeTools::Fresh();

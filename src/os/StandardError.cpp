@@ -1,4 +1,4 @@
-#include "os/DebugOutput.h"
+#include "os/StandardError.h"
 
 #include "os/UserFolders.h"
 
@@ -7,10 +7,8 @@
 
 namespace pxvis::os {
 
-void WriteDebugOutput(std::string_view text)
+void WriteStandardError(std::string_view text)
 {
-    if (!EnvironmentValue("PXVIS_LOG").starts_with("stderr"))
-        return;
     while (!text.empty()) {
         const ssize_t written = ::write(STDERR_FILENO, text.data(), text.size());
         if (written < 0 && errno == EINTR)
@@ -19,6 +17,12 @@ void WriteDebugOutput(std::string_view text)
             return;
         text.remove_prefix(static_cast<size_t>(written));
     }
+}
+
+void WriteDebugOutput(std::string_view text)
+{
+    if (EnvironmentValue("PXVIS_LOG").starts_with("stderr"))
+        WriteStandardError(text);
 }
 
 }
