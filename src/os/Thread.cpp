@@ -62,7 +62,7 @@ int Thread::Start(void (*body)(void*), void* context)
     const int error = pthread_create(&native->thread, nullptr, ThreadStart::Run, start.get());
     pthread_sigmask(SIG_SETMASK, &before, nullptr);
     if (error == 0) {
-        start.release();
+        static_cast<void>(start.release()); // the new thread destroys it
         m_native = std::move(native);
     }
     return error;

@@ -1,5 +1,6 @@
 #include "platform/PollMessageQueues.h"
 
+#include "foundation/OQLog.h"
 #include "os/Alarm.h"
 #include "os/Clock.h"
 #include "os/Event.h"
@@ -14,6 +15,17 @@ namespace pxvis {
 namespace {
 
 using os::MonotonicNanoseconds;
+
+// One that fails must not keep the others from theirs, nor end the loop that pumps.
+template <class Call>
+void Tell(Call call)
+{
+    try {
+        call();
+    } catch (...) {
+        OQLog(OQLogError, u"PollMessageQueues::Pump", u"A message failed.");
+    }
+}
 
 class PollQueue
 {
@@ -103,11 +115,11 @@ bool PollQueue::Pump()
     }
     bool any = false;
     for (Message message {}; TakeMessage(end, message);) {
-        message.target->OnMessage(message.message);
+        Tell([&] { message.target->OnMessage(message.message); });
         any = true;
     }
     for (Timer timer {}; TakeTimer(now, timer);) {
-        timer.target->OnTimer(timer.id);
+        Tell([&] { timer.target->OnTimer(timer.id); });
         any = true;
     }
     const std::lock_guard guard(m_lock);

@@ -158,9 +158,11 @@ TEST_CASE("A thread ends its waits when it is asked to stop, and stops at once")
     CHECK(timer.GetElapsedMs(false) < 5000);
 }
 
-TEST_CASE("A thread that the system has no descriptors for doesn't start, and may do so later")
+TEST_CASE("A thread without descriptors from the system doesn't start, and may do so later")
 {
     Default thread;
+    REQUIRE(thread.Start()); // sanitizers need descriptors, too, at the first call
+    thread.Stop();
     rlimit before {};
     getrlimit(RLIMIT_NOFILE, &before);
     rlimit none = before;
@@ -169,7 +171,7 @@ TEST_CASE("A thread that the system has no descriptors for doesn't start, and ma
     CHECK_FALSE(thread.Start());
     setrlimit(RLIMIT_NOFILE, &before);
     CHECK_FALSE(thread.IsRunning());
-    CHECK(thread.GetStartCount() == 0);
+    CHECK(thread.GetStartCount() == 1);
     CHECK(thread.Start());
     CHECK(thread.Stop() == 1);
 }

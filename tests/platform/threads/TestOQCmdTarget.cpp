@@ -204,4 +204,5 @@ TEST_CASE("The operations of a command target keep their places")
     CHECK(SlotOf(&IOQCmdTarget::Pump) == 5);
     CHECK(SlotOf(&IOQCmdTarget::SetTimer) == 6);
     CHECK(SlotOf(&IOQCmdTarget::KillTimer) == 7);
+    CHECK(SlotOf(&IOQDeleteProbe::OnDeleted) == 0);
 }
