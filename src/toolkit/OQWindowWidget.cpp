@@ -3,6 +3,7 @@
 #include "foundation/OQLog.h"
 #include "foundation/OQString.h"
 #include "toolkit/OQBasicWnd.h"
+#include "toolkit/OQInputFocus.h"
 #include "toolkit/OQToolkit.h"
 
 #include <QApplication>
@@ -159,7 +160,7 @@ void OQWindowWidget::TakeKeyboardFocus()
 {
     setFocus(Qt::OtherFocusReason);
     if (m_foreignParent)
-        OQToolkit::Get().GetDisplay()->SetInputFocus(GetHandle());
+        OQGiveInputFocus(GetHandle());
 }
 
 void OQWindowWidget::SetPaintDue()

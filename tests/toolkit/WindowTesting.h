@@ -118,6 +118,8 @@ public:
 
     using OQSystemWnd::RegisterMessage;
 
+    bool HasFocus() const { return !focus.empty() && focus.back(); }
+
     int CountMouse(OQMouseAction action) const;
 
 private:
