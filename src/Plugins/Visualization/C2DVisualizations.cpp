@@ -1,6 +1,7 @@
 #include "Plugins/Visualization/C2DVisualizations.h"
 
 #include "Plugins/Visualization/CDXSurface.h"
+#include "Plugins/Visualization/PluginWindows.h"
 #include "Plugins/Visualization/VisualizationGuard.h"
 #include "engine2d/IVisBuffer.h"
 #include "foundation/OQEngineContext.h"
@@ -19,6 +20,7 @@
 namespace {
 
 constexpr uint32_t messageResizeEngine = 1124;
+constexpr uint32_t messageTellFailure = 1125;
 constexpr int32_t timerResize = 1;
 constexpr int32_t timerCycle = 2;
 constexpr int32_t resizeDelay = 150; // ms that a size must have stayed
@@ -83,7 +85,10 @@ uintptr_t C2DVisualizations::CreateWnd(uintptr_t parent, int32_t flags)
     OQVisualizationBase::CreateWnd(parent, flags);
     return GuardedFromHost<uintptr_t>(u"C2DVisualizations::CreateWnd", 0, [&]() -> uintptr_t {
         Destroy();
-        return CreateChild(parent, u"Tarnwick Control Class") ? GetHandle() : 0;
+        if (CreateChild(parent, u"Tarnwick Control Class"))
+            return GetHandle();
+        PluginWindows::TellFailure(0);
+        return 0;
     });
 }
 
@@ -97,7 +102,8 @@ bool C2DVisualizations::BuildMenu(IOQMenu* menu, int32_t level)
             const bool isCurrent = quality.value == GetDisplayQuality();
             if (submenu)
                 submenu->AddItem(commandQuality + quality.value,
-                    OQTranslated(quality.text).GetText(), isCurrent ? uint32_t { VisMenuChecked } : 0u);
+                    OQTranslated(quality.text).GetText(),
+                    isCurrent ? uint32_t { VisMenuChecked } : 0u);
         }
         // FIXME: "Visualization Studio" comes with the editor.
         return true;
@@ -183,6 +189,11 @@ void C2DVisualizations::OnInitialize()
     m_redrawThread = std::make_unique<OQRedrawThread>(*this, framesPerSecond);
     m_redrawThread->Start();
     RegisterMessage(messageResizeEngine, [this](intptr_t, intptr_t) { OnResizeEngine(); });
+    RegisterMessage(messageTellFailure,
+        [this](intptr_t, intptr_t) { PluginWindows::TellFailure(GetHandle()); });
+    PluginWindows::UseThread();
+    if (PluginWindows::HasUntoldFailure())
+        Post(messageTellFailure); // once the host is in its loop
 }
 
 void C2DVisualizations::OnTerminate()

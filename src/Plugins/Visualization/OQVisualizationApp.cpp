@@ -1,5 +1,6 @@
 #include "Plugins/Visualization/OQVisualizationApp.h"
 
+#include "Plugins/Visualization/PluginWindows.h"
 #include "foundation/OQSiblingModules.h"
 
 #include <cstdlib>
@@ -26,6 +27,7 @@ bool OQVisualizationApp::Shutdown()
 // and no log, and pictures all the same: the user is told once there is a window.
 bool OQVisualizationApp::LoadSiblings()
 {
+    PluginWindows::Prepare();
     OQSiblingModules::Get().Tools();
     return true;
 }
