@@ -31,9 +31,10 @@ bool PresenterThread::Present(const PresenterPicture& picture, int32_t width, in
         || int64_t { picture.width } * picture.height > kMostPicturePixels || width > kMostAreaSide
         || height > kMostAreaSide)
         return false;
-    const bool started = GetStartCount() > 0 || Start();
+    const bool isFirst = !std::exchange(m_isAsked, true);
+    const bool cannotStart = isFirst && !Start();
     std::unique_lock guard(m_lock);
-    m_isEnded = m_isEnded || !started;
+    m_isEnded = m_isEnded || cannotStart;
     if (!picture.bits || picture.width < 1 || picture.height < 1 || width < 1 || height < 1)
         return !m_isEnded;
     m_idle.wait_for(

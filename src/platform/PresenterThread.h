@@ -49,6 +49,7 @@ private:
     bool WaitForEnd(std::chrono::milliseconds time);
 
     const std::unique_ptr<PresenterSurfaceSource> m_source;
+    bool m_isAsked = false; // to present anything yet; the caller's
     std::unique_ptr<PresenterSurface> m_surface; // the thread's
     Frame m_shown; // the thread's, but for the exchange
 

@@ -20,6 +20,7 @@ namespace {
 constexpr int64_t kPixelBytes = 4;
 // Of the stretched picture at a time: a whole window of up to 5120 x 3276.
 constexpr int64_t kMostBandBytes = int64_t { 64 } << 20;
+constexpr int32_t kPixelsBetweenLooks = 1 << 17; // whether the thread is to end
 constexpr int64_t kRequestHeadBytes = 64; // takes less
 
 class ShmSurface final : public PresenterSurface
@@ -44,6 +45,8 @@ private:
     bool MakeWindow();
     bool Reserve(int64_t pixels);
     bool Share(int64_t bytes);
+    bool StretchBand(const PresenterPicture& picture, int32_t width, int32_t height, int32_t first,
+        int32_t rows);
     ShowResult Put(int32_t width, int32_t top, int32_t rows);
 
     const std::unique_ptr<PresenterWindow> m_window;
@@ -126,19 +129,32 @@ ShowResult ShmSurface::Show(const PresenterPicture& picture, int32_t width, int3
         = static_cast<int32_t>(std::clamp<int64_t>(most / rowBytes, 1, int64_t { height }));
     if (result == ShowResult::Shown && !Reserve(int64_t { width } * band))
         return ShowResult::MethodFailed;
-    const uint32_t* top = picture.bits + int64_t { picture.height - 1 } * picture.width;
     for (int32_t y = 0; y < height && result == ShowResult::Shown; y += band) {
         const int32_t rows = std::min(band, height - y);
-        if (m_breaker.IsBroken())
-            return ShowResult::MethodFailed;
-        kernels::StretchRows(m_pixels, width, width, height, top, -ptrdiff_t { picture.width },
-            picture.width, picture.height, y, y + rows);
-        if (m_depth == 32) // the top byte is opacity then, which the picture's isn't
-            std::for_each(m_pixels, m_pixels + int64_t { width } * rows,
-                [](uint32_t& pixel) { pixel |= 0xFF000000; });
-        result = Put(width, y, rows);
+        result = StretchBand(picture, width, height, y, rows) ? Put(width, y, rows)
+                                                              : ShowResult::MethodFailed;
     }
     return result;
+}
+
+// False if the thread is to end, which it must notice soon, however large the window is.
+bool ShmSurface::StretchBand(
+    const PresenterPicture& picture, int32_t width, int32_t height, int32_t first, int32_t rows)
+{
+    const uint32_t* top = picture.bits + int64_t { picture.height - 1 } * picture.width;
+    const int32_t step = std::max(kPixelsBetweenLooks / width, 1);
+    for (int32_t y = 0; y < rows; y += step) {
+        if (m_breaker.IsBroken())
+            return false;
+        uint32_t* target = m_pixels + int64_t { width } * y;
+        const int32_t count = std::min(step, rows - y);
+        kernels::StretchRows(target, width, width, height, top, -ptrdiff_t { picture.width },
+            picture.width, picture.height, first + y, first + y + count);
+        if (m_depth == 32) // the top byte is opacity then, which the picture's isn't
+            std::for_each(target, target + int64_t { width } * count,
+                [](uint32_t& pixel) { pixel |= 0xFF000000; });
+    }
+    return true;
 }
 
 bool ShmSurface::Reserve(int64_t pixels)

@@ -19,7 +19,7 @@ namespace {
 // Asking the window manager's notes takes several round trips; they don't change often.
 constexpr int64_t MinimisedReadNanoseconds = 500'000'000;
 
-OQDisplayConnection* Display()
+OQDisplayConnection* Server()
 {
     return OQToolkit::Get().GetDisplay();
 }
@@ -101,7 +101,11 @@ void OQBasicWnd::Terminate()
     OQToolkit::Get().RemoveWindow(this);
     m_ending = true;
     const OQWndDeleteProbe probe(*this);
-    OnTerminate();
+    try {
+        OnTerminate();
+    } catch (...) { // it comes out of destructors, too
+        OQLog(OQLogError, u"OQBasicWnd::Terminate", u"The end of a window failed.");
+    }
     if (probe.IsDeleted())
         return;
     m_ending = false;
@@ -118,12 +122,12 @@ uintptr_t OQBasicWnd::GetHandle() const
 bool OQBasicWnd::IsVisible() const
 {
     const uint32_t handle = static_cast<uint32_t>(GetHandle());
-    if (handle == 0 || !Display() || (m_widget && !m_widget->isVisible())
-        || !Display()->IsViewable(handle))
+    if (handle == 0 || !Server() || (m_widget && !m_widget->isVisible())
+        || !Server()->IsViewable(handle))
         return false;
     const int64_t now = pxvis::os::MonotonicNanoseconds();
     if (m_minimisedReadAt == 0 || now - m_minimisedReadAt > MinimisedReadNanoseconds) {
-        m_minimised = Display()->IsMinimised(handle);
+        m_minimised = Server()->IsMinimised(handle);
         m_minimisedReadAt = now;
     }
     return !m_minimised;
@@ -134,8 +138,8 @@ OQRect OQBasicWnd::GetRect() const
     OQRect rect;
     if (m_widget)
         rect = GetClientRect(); // it fills its parent
-    else if (m_wrapped && Display())
-        Display()->GetRect(static_cast<uint32_t>(m_wrapped), rect);
+    else if (m_wrapped && Server())
+        Server()->GetRect(static_cast<uint32_t>(m_wrapped), rect);
     return rect;
 }
 
@@ -154,7 +158,7 @@ void OQBasicWnd::SetText(const OQString& text)
 {
     m_text = text;
     if (m_widget)
-        m_widget->windowHandle()->setTitle(OQToQt(text));
+        m_widget->SetTitle(OQToQt(text));
 }
 
 void OQBasicWnd::Enable(bool enable)

@@ -30,7 +30,7 @@ public:
     bool CreateChild(uintptr_t parent, const OQChar* className);
     void Destroy();
 
-    // X11 window id.
+    // X11 window id. It changes when a host of the same toolkit makes its windows anew.
     uintptr_t GetHandle() const;
     // Whether any of it can be seen as far as its own and its ancestors' state goes: all shown,
     // none minimised. Others may cover it.

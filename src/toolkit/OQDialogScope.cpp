@@ -1,31 +1,13 @@
 #include "toolkit/OQDialogScope.h"
 
 #include "toolkit/OQDisplayConnection.h"
+#include "toolkit/OQInputFocus.h"
 #include "toolkit/OQToolkit.h"
 
 #include <QDialog>
-#include <QTimer>
+#include <QWidget>
 
 #include <limits>
-
-namespace {
-
-// Window managers hand the focus to the top-level once they see the dialog go.
-constexpr int FocusAgainMilliseconds[] = { 0, 50, 200 };
-constexpr uint32_t LastSpecialFocus = 1; // none, or whatever the pointer is in
-
-void GiveFocusBack(uint32_t window)
-{
-    if (!OQToolkit::Get().IsUsable())
-        return;
-    OQDisplayConnection& display = *OQToolkit::Get().GetDisplay();
-    const uint32_t focus = display.GetInputFocus();
-    // Where the user went on to something else, it stays there.
-    if (focus != window && (focus <= LastSpecialFocus || focus == display.FindTopLevel(window)))
-        display.SetInputFocus(window);
-}
-
-}
 
 OQDialogScope::OQDialogScope(QDialog& dialog, uintptr_t owner)
     : m_dialog(dialog)
@@ -51,9 +33,7 @@ OQDialogScope::~OQDialogScope()
 {
     if (!OQToolkit::Get().IsUsable())
         return;
-    m_dialog.windowHandle()->setTransientParent(nullptr);
-    if (m_focus <= LastSpecialFocus)
-        return;
-    for (const int delay : FocusAgainMilliseconds)
-        QTimer::singleShot(delay, [focus = m_focus] { GiveFocusBack(focus); });
+    if (QWindow* const window = m_dialog.windowHandle())
+        window->setTransientParent(nullptr);
+    OQGiveInputFocus(m_focus);
 }

@@ -90,6 +90,8 @@ void OQSystemWnd::RegisterMessage(uint32_t message, MessageHandler handler)
 // Behind an event operation nothing of the object may be used: it may have deleted it.
 bool OQSystemWnd::OnPlatformEvent(QEvent& event)
 {
+    if (event.isInputEvent() && !GetWidget()->isEnabled())
+        return false;
     int32_t timer = 0;
     switch (event.type()) {
     case QEvent::Paint:

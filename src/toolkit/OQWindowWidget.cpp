@@ -3,6 +3,7 @@
 #include "foundation/OQLog.h"
 #include "foundation/OQString.h"
 #include "toolkit/OQBasicWnd.h"
+#include "toolkit/OQInputFocus.h"
 #include "toolkit/OQToolkit.h"
 
 #include <QApplication>
@@ -13,6 +14,21 @@
 #include <string>
 #include <utility>
 #include <xcb/xcb.h>
+
+namespace {
+
+// Qt's loop and the host's are above.
+template <class Call>
+void Guard(Call call)
+{
+    try {
+        call();
+    } catch (...) {
+        OQLog(OQLogError, u"OQWindowWidget::Guard", u"An event of a window failed.");
+    }
+}
+
+}
 
 OQWindowWidget::OQWindowWidget(std::shared_ptr<OQWindowMailbox> mailbox)
     : m_mailbox(std::move(mailbox))
@@ -49,7 +65,8 @@ bool OQWindowWidget::Embed(uint32_t parent, const OQChar* className)
         return false;
     }
     FillParent();
-    SetClassName(className);
+    m_className = OQString(className).ToUtf8();
+    MarkWindow();
     return true;
 }
 
@@ -73,19 +90,26 @@ bool OQWindowWidget::EmbedForeign(uint32_t parent)
     return true;
 }
 
-// On Qt's own connection, behind the request that makes the window.
-void OQWindowWidget::SetClassName(const OQChar* className)
+// On Qt's own connection, behind the request that makes the window; Qt makes it anew when a host of
+// the same Qt moves the parent to another window.
+void OQWindowWidget::MarkWindow()
 {
+    windowHandle()->setTitle(m_title);
     auto* const native = qApp->nativeInterface<QNativeInterface::QX11Application>();
     if (!native)
         return;
-    const std::string name = OQString(className).ToUtf8();
-    std::string both = name; // instance and class, a zero behind each
+    std::string both = m_className; // instance and class, a zero behind each
     both += '\0';
-    both += name;
+    both += m_className;
     both += '\0';
     xcb_change_property(native->connection(), XCB_PROP_MODE_REPLACE, GetHandle(), XCB_ATOM_WM_CLASS,
         XCB_ATOM_STRING, 8, static_cast<uint32_t>(both.size()), both.data());
+}
+
+void OQWindowWidget::SetTitle(const QString& title)
+{
+    m_title = title;
+    windowHandle()->setTitle(title);
 }
 
 void OQWindowWidget::Release(OQWindowWidget* widget)
@@ -136,7 +160,7 @@ void OQWindowWidget::TakeKeyboardFocus()
 {
     setFocus(Qt::OtherFocusReason);
     if (m_foreignParent)
-        OQToolkit::Get().GetDisplay()->SetInputFocus(GetHandle());
+        OQGiveInputFocus(GetHandle());
 }
 
 void OQWindowWidget::SetPaintDue()
@@ -151,15 +175,13 @@ bool OQWindowWidget::event(QEvent* event)
         return QWidget::event(event);
     if (event->type() == QEvent::Paint)
         m_paintDue = false;
+    if (event->type() == QEvent::WinIdChange && internalWinId() != 0)
+        MarkWindow();
     const QPointer<OQWindowWidget> self(this);
     const bool painting = std::exchange(m_painting, event->type() == QEvent::Paint);
     ++m_eventDepth;
     bool isDone = false;
-    try {
-        isDone = m_wnd->OnPlatformEvent(*event);
-    } catch (...) { // Qt's loop and the host's are above
-        OQLog(OQLogError, u"OQWindowWidget::event", u"An event of a window failed.");
-    }
+    Guard([&] { isDone = m_wnd->OnPlatformEvent(*event); });
     if (!self)
         return true;
     --m_eventDepth;
@@ -181,7 +203,7 @@ void OQWindowWidget::OnParentSize(const OQSize& size)
     m_foreignSize = size;
     FillParent();
     if (m_wnd)
-        m_wnd->TellSize();
+        Guard([this] { m_wnd->TellSize(); });
 }
 
 void OQWindowWidget::OnParentDestroyed()

@@ -10,6 +10,7 @@
 #include <QWindow>
 
 #include <memory>
+#include <string>
 
 class OQBasicWnd;
 
@@ -35,6 +36,7 @@ public:
     OQSize GetDeviceSize() const;
     uint32_t GetHandle() const;
     void TakeKeyboardFocus();
+    void SetTitle(const QString& title);
 
     void SetPaintDue();
 
@@ -52,13 +54,15 @@ private:
     void OnParentDestroyed() override;
 
     bool EmbedForeign(uint32_t parent);
-    void SetClassName(const OQChar* className);
+    void MarkWindow(); // title and class name
     void FillParent();
 
     OQBasicWnd* m_wnd = nullptr; // null before it is connected and once released
     std::shared_ptr<OQWindowMailbox> m_mailbox;
     std::unique_ptr<QWindow> m_foreignParent; // null: a child of a widget
     OQSize m_foreignSize;
+    std::string m_className; // UTF-8
+    QString m_title;
     QImage m_picture;
     int m_eventDepth = 0;
     bool m_painting = false;

@@ -4,9 +4,11 @@
 
 #include <cmath>
 #include <random>
+#include <utility>
 #include <vector>
 
 using pxvis::kernels::Stretch;
+using pxvis::kernels::StretchRows;
 
 namespace {
 
@@ -86,4 +88,15 @@ TEST_CASE("Any stretch stays near the real-number one and inside its target")
                 }
             }
     }
+}
+
+TEST_CASE("Rows stretched in parts are those of the whole")
+{
+    const std::vector<uint32_t> source = Noise(7, 5);
+    std::vector<uint32_t> whole(13 * 11);
+    Stretch(whole.data(), 13, 13, 11, source.data(), 7, 7, 5);
+    std::vector<uint32_t> parts(13 * 11);
+    for (const auto& [first, last] : { std::pair { 0, 4 }, { 4, 4 }, { 4, 5 }, { 5, 11 } })
+        StretchRows(parts.data() + 13 * first, 13, 13, 11, source.data(), 7, 7, 5, first, last);
+    CHECK(parts == whole);
 }

@@ -5,6 +5,7 @@
 #include <doctest/doctest.h>
 
 #include <cstdlib>
+#include <epoxy/egl.h>
 #include <filesystem>
 #include <memory>
 #include <string>
@@ -199,6 +200,30 @@ TEST_CASE("A server that answers no more holds nobody up")
         CHECK(std::chrono::steady_clock::now() - start < std::chrono::seconds(1));
         CHECK(TimeToDestroy(std::move(presenter)) < milliseconds(1000));
     }
+}
+
+TEST_CASE("A context that the caller's thread has stays current and whole")
+{
+    const XvfbDisplay display;
+    REQUIRE(display.IsRunning());
+    constexpr EGLenum surfaceless = 0x31DD; // EGL_PLATFORM_SURFACELESS_MESA
+    const EGLDisplay own = eglGetPlatformDisplayEXT(surfaceless, nullptr, nullptr);
+    REQUIRE(eglInitialize(own, nullptr, nullptr));
+    REQUIRE(eglBindAPI(EGL_OPENGL_API));
+    const EGLContext context = eglCreateContext(own, nullptr, EGL_NO_CONTEXT, nullptr);
+    REQUIRE(eglMakeCurrent(own, EGL_NO_SURFACE, EGL_NO_SURFACE, context));
+    const HostWindow window(64, 48);
+    {
+        Presenter presenter(window.Id());
+        REQUIRE(IsShownSoon(presenter, Squares(5, 4), 64, 48));
+        REQUIRE(presenter.Method() == std::string("EGL"));
+        CHECK(eglGetCurrentContext() == context);
+    }
+    CHECK(eglGetCurrentContext() == context);
+    CHECK(eglMakeCurrent(own, EGL_NO_SURFACE, EGL_NO_SURFACE, context));
+    eglMakeCurrent(own, EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
+    CHECK(eglDestroyContext(own, context));
+    CHECK(eglTerminate(own));
 }
 
 TEST_CASE("Buttons and keys over the picture are the window's")

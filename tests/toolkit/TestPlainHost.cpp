@@ -44,6 +44,10 @@ TEST_CASE("a window fills the parent, paints, follows its size and knows whether
         CHECK_FALSE(wnd.IsVisible());
         host.Show(true);
         CHECK(wnd.IsVisible());
+        host.SetHidden(true); // as window managers mark what they keep for a preview
+        CHECK(PumpUntil([&] { return !wnd.IsVisible(); }));
+        host.SetHidden(false);
+        CHECK(PumpUntil([&] { return wnd.IsVisible(); }));
         wnd.Destroy();
         CHECK(wnd.terminated == 1);
         CHECK(wnd.GetHandle() == 0);

@@ -109,7 +109,6 @@ TEST_CASE("a host's GLib loop drives the windows without a tick")
             dlsym(dlopen("libglib-2.0.so.0", RTLD_LAZY | RTLD_NOLOAD), "g_main_context_iteration"));
         const std::string dispatcher
             = QAbstractEventDispatcher::instance()->metaObject()->className();
-        MESSAGE(dispatcher);
         if (!iterate || dispatcher.find("Glib") == std::string::npos)
             return; // a Qt without GLib
         wnd.SetTimer(1, 10);

@@ -39,17 +39,31 @@ TEST_CASE("in a widget of the host's Qt a window is a child like others")
         TestWnd wnd;
         REQUIRE(wnd.CreateChild(pane->winId(), u"Child"));
         CHECK(wnd.GetClientSize() == OQSize { 200, 100 });
-        CHECK(PumpUntil(
-            [&] { return Shows(host.display, uint32_t(pane->winId()), wnd.color, 200, 100); }));
+        const auto shows = [&](int width, int height) {
+            return Shows(host.display, uint32_t(pane->winId()), wnd.color, width, height);
+        };
+        CHECK(PumpUntil([&] { return shows(200, 100); }));
         CHECK(wnd.IsVisible());
         pane->resize(222, 111);
-        CHECK(PumpUntil(
-            [&] { return Shows(host.display, uint32_t(pane->winId()), wnd.color, 222, 111); }));
+        CHECK(PumpUntil([&] { return shows(222, 111); }));
         CHECK(wnd.sizes.back() == OQSize { 222, 111 });
         pane->hide();
         CHECK_FALSE(wnd.IsVisible());
         pane->show();
         CHECK(PumpUntil([&] { return wnd.IsVisible(); }));
+
+        pane->setParent(nullptr); // to a window of its own, and back
+        pane->show();
+        CHECK(PumpUntil([&] { return shows(222, 111); }));
+        pane->setParent(&top);
+        pane->setGeometry(0, 0, 210, 110);
+        pane->show();
+        CHECK(PumpUntil([&] { return shows(210, 110); }));
+        PlainHost reader;
+        CHECK(reader.GetTextProperty(uint32_t(wnd.GetHandle()), XCB_ATOM_WM_CLASS)
+            == std::string("Child\0Child\0", 12));
+        CHECK(wnd.initialized == 1);
+        CHECK(wnd.terminated == 0);
 
         delete pane;
         CHECK(wnd.terminated == 1);

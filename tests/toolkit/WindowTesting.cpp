@@ -123,6 +123,29 @@ void PlainHost::DestroyWindow(uint32_t window)
     Sync();
 }
 
+xcb_atom_t PlainHost::FindAtom(std::string_view name)
+{
+    xcb_intern_atom_reply_t* const reply = xcb_intern_atom_reply(m_connection,
+        xcb_intern_atom(m_connection, 0, static_cast<uint16_t>(name.size()), name.data()), nullptr);
+    REQUIRE(reply);
+    const xcb_atom_t atom = reply->atom;
+    free(reply);
+    return atom;
+}
+
+bool PlainHost::IsManaged()
+{
+    return !GetTextProperty(m_window, FindAtom("WM_STATE")).empty();
+}
+
+void PlainHost::SetHidden(bool hidden)
+{
+    const xcb_atom_t state = FindAtom("_NET_WM_STATE_HIDDEN");
+    xcb_change_property(m_connection, XCB_PROP_MODE_REPLACE, m_window, FindAtom("_NET_WM_STATE"),
+        XCB_ATOM_ATOM, 32, hidden ? 1 : 0, &state);
+    Sync();
+}
+
 std::string PlainHost::GetTextProperty(uint32_t window, xcb_atom_t property)
 {
     xcb_get_property_reply_t* const reply = xcb_get_property_reply(m_connection,

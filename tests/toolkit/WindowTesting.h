@@ -10,6 +10,7 @@
 
 #include <functional>
 #include <string>
+#include <string_view>
 #include <vector>
 #include <xcb/xcb.h>
 
@@ -34,11 +35,14 @@ public:
     uint32_t MakeChild(uint32_t parent, int x, int y, int width, int height, uint32_t color);
     void Configure(int x, int y, int width, int height);
     void Show(bool show);
+    void SetHidden(bool hidden); // by the note of a window manager
     void DestroyWindow(uint32_t window);
+    bool IsManaged(); // a window manager took it up
     std::string GetTextProperty(uint32_t window, xcb_atom_t property);
 
 private:
     void Sync();
+    xcb_atom_t FindAtom(std::string_view name);
 
     xcb_connection_t* m_connection;
     uint32_t m_window = 0;
@@ -113,6 +117,8 @@ public:
     }
 
     using OQSystemWnd::RegisterMessage;
+
+    bool HasFocus() const { return !focus.empty() && focus.back(); }
 
     int CountMouse(OQMouseAction action) const;
 
