@@ -20,15 +20,17 @@ class IOQMainThreadWaker
 public:
     // Any thread. False if it couldn't; the next post tries again.
     virtual bool WakeMainThread() = 0;
+    // The system's number of the thread that it wakes.
+    virtual int32_t GetMainThreadId() const = 0;
 
 protected:
     ~IOQMainThreadWaker() = default;
 };
 
-// Carries calls from any thread to the main thread: the one that started the tools module, or,
-// where several users did, the first that brought a waker along. A callback stays where it is until
-// Forget has been called for it or until all that was posted for it is delivered. Nothing is
-// thrown. Slots: add at the end only.
+// Carries calls from any thread to the main thread: that of the first waker which a user of the
+// tools module brought along or, without any, the one that started the module. A callback stays
+// where it is until Forget has been called for it or all that was posted for it is delivered.
+// Nothing is thrown. Slots: add at the end only.
 class IOQMainThreadMessages
 {
 public:

@@ -57,5 +57,5 @@ protected:
 struct OQToolsSetup
 {
     IOQWindowServices* windows = nullptr; // not owned; outlives the module
-    IOQMainThreadWaker* mainThread = nullptr; // of the calling thread; likewise
+    IOQMainThreadWaker* mainThread = nullptr; // likewise
 };

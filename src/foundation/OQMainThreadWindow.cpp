@@ -1,6 +1,7 @@
 #include "foundation/OQMainThreadWindow.h"
 
 #include "foundation/IOQTools.h"
+#include "os/Thread.h"
 
 namespace {
 
@@ -10,6 +11,7 @@ constexpr uint32_t deliverMessage = 0x87D1;
 
 OQMainThreadWindow::OQMainThreadWindow(OQSiblingModules& modules)
     : m_modules(modules)
+    , m_threadId(pxvis::os::CurrentThreadId())
 {
     if (IOQMessageQueues* queues = IOQMessageQueues::Get())
         m_window = queues->MakeWindow(*this);

@@ -102,10 +102,11 @@ IOQTools* OQSiblingModules::Tools()
     return m_tools.app;
 }
 
-void OQSiblingModules::SetWindows(IOQWindowServices& windows)
+void OQSiblingModules::SetWindows(IOQWindowServices& windows, IOQMainThreadWaker* mainThread)
 {
     const std::lock_guard lock(m_lock);
     m_toolsSetup.windows = &windows;
+    m_toolsSetup.mainThread = mainThread;
     m_tools.setup.parameter = &m_toolsSetup;
     if (!m_tools.app)
         return;

@@ -42,8 +42,9 @@ public:
     IOQImageApp* ImageApp();
     IOQTools* Tools();
 
-    // What the tools show their boxes with, from now on or from when they are loaded.
-    void SetWindows(IOQWindowServices& windows);
+    // What the tools show their boxes with, and who wakes the main thread for its messages, if
+    // anybody does: from now on or from when they are loaded.
+    void SetWindows(IOQWindowServices& windows, IOQMainThreadWaker* mainThread = nullptr);
 
     // A reader that the caller owns; null as above, and without memory.
     IOQReader* CreateReader();

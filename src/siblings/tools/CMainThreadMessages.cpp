@@ -11,7 +11,7 @@ void CMainThreadMessages::Open(const OQToolsSetup* setup)
     const std::lock_guard guard(m_lock);
     if (m_mainThread != 0 && (m_waker || !waker))
         return;
-    m_mainThread = pxvis::os::CurrentThreadId();
+    m_mainThread = waker ? waker->GetMainThreadId() : pxvis::os::CurrentThreadId();
     m_waker = waker;
 }
 

@@ -17,8 +17,8 @@ public:
 
     static constexpr size_t kMostPending = 16384; // Post refuses more
 
-    // Makes the calling thread the main one, unless there is one and this user brings no waker or
-    // another one did. Null: no waker.
+    // A user who brings no waker along starts the module on what is the main thread only until
+    // another one does.
     void Open(const OQToolsSetup* setup);
     void Close(); // drops what is pending
 

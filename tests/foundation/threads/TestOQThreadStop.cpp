@@ -158,11 +158,10 @@ TEST_CASE("A thread ends its waits when it is asked to stop, and stops at once")
     CHECK(timer.GetElapsedMs(false) < 5000);
 }
 
+#ifndef __SANITIZE_ADDRESS__ // the other sanitizers that come with it need descriptors, too
 TEST_CASE("A thread without descriptors from the system doesn't start, and may do so later")
 {
     Default thread;
-    REQUIRE(thread.Start()); // sanitizers need descriptors, too, at the first call
-    thread.Stop();
     rlimit before {};
     getrlimit(RLIMIT_NOFILE, &before);
     rlimit none = before;
@@ -171,10 +170,11 @@ TEST_CASE("A thread without descriptors from the system doesn't start, and may d
     CHECK_FALSE(thread.Start());
     setrlimit(RLIMIT_NOFILE, &before);
     CHECK_FALSE(thread.IsRunning());
-    CHECK(thread.GetStartCount() == 1);
+    CHECK(thread.GetStartCount() == 0);
     CHECK(thread.Start());
     CHECK(thread.Stop() == 1);
 }
+#endif
 
 TEST_CASE("Others may look, wait and cancel while a thread is started and stopped")
 {

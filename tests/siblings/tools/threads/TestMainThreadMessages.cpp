@@ -30,6 +30,10 @@ class Waker final : public IOQMainThreadWaker
 public:
     bool WakeMainThread() override { return ++wakes && works; }
 
+    int32_t GetMainThreadId() const override { return id; }
+
+    const int32_t id = pxvis::os::CurrentThreadId();
+
     std::atomic<int> wakes = 0;
     std::atomic<bool> works = true;
 };
@@ -114,6 +118,24 @@ TEST_CASE("Messages are delivered at once or forgotten for one callback alone")
     CHECK(f.messages.Forget(&b) == taken);
 }
 
+TEST_CASE("The main thread is the waker's, whoever starts the module")
+{
+    Waker waker;
+    OQToolsSetup setup { .mainThread = &waker };
+    const std::string name = PXVIS_BINARY_DIR "/bin/OQTools.so";
+    OQSiblingModules without({}, { .name = name });
+    OQSiblingModules with({}, { .name = name, .parameter = &setup });
+    std::thread([&] {
+        REQUIRE(without.Tools());
+        REQUIRE(with.Tools());
+    }).join();
+    Callback callback;
+    IOQMainThreadMessages& messages = *without.Tools()->GetMainThreadMessages(1);
+    messages.Post(&callback);
+    CHECK(waker.wakes == 1);
+    CHECK(messages.DeliverPending() == 1);
+}
+
 TEST_CASE("A callback that another thread forgets isn't called any more when that returns")
 {
     Fixture f;
@@ -133,6 +155,7 @@ TEST_CASE("The operations of main-thread messages keep their places")
 {
     CHECK(SlotOf(&IMainThreadMessageManagerCallback::OnMainThreadMessage) == 0);
     CHECK(SlotOf(&IOQMainThreadWaker::WakeMainThread) == 0);
+    CHECK(SlotOf(&IOQMainThreadWaker::GetMainThreadId) == 1);
     CHECK(SlotOf(&IOQMainThreadMessages::Post) == 0);
     CHECK(SlotOf(&IOQMainThreadMessages::Deliver) == 1);
     CHECK(SlotOf(&IOQMainThreadMessages::Forget) == 2);
