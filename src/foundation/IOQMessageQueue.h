@@ -43,6 +43,10 @@ public:
     // Delivers what is due on the calling thread and waits for nothing. True if there was anything.
     virtual bool Pump() = 0;
 
+    // Readable while something is due on the calling thread's queue; not to be read from. -1 where
+    // a queue has none: then who waits for something else pumps every few milliseconds.
+    virtual int GetDescriptor() { return -1; }
+
     // The ones in use; null before there are any.
     static IOQMessageQueues* Get();
     // From now on these, which must outlive the process's threads. Null: none.

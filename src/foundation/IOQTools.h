@@ -4,9 +4,10 @@
 
 #include <cstdint>
 
+class IOQDllBuffer;
 class IOQDllString;
+// With headers of their own.
 class IOQDialogs;
-class IOQDecompressor;
 class IOQMainThreadMessages;
 class IOQNamedLocks;
 class IOQUnpacker;
@@ -110,6 +111,9 @@ public:
         const OQFormatArgument* arguments, int32_t count)
         = 0;
 
+    // Whether a line of that level would be written anywhere.
+    virtual bool IsOn(int32_t level) const = 0;
+
 protected:
     ~IOQLog() = default;
 };
@@ -172,6 +176,20 @@ protected:
     ~IOQSettings() = default;
 };
 
+class IOQDecompressor
+{
+public:
+    // The plain bytes of a gzip or zlib stream; gzip streams behind one another are one, and what
+    // else stands behind the end is left out. False, and an empty `plain`, for bytes that aren't
+    // such a stream, are damaged or cut off, become more than `maximumSize` bytes, or without
+    // memory.
+    virtual bool Decompress(
+        const uint8_t* bytes, uint64_t size, uint64_t maximumSize, IOQDllBuffer& plain) const = 0;
+
+protected:
+    ~IOQDecompressor() = default;
+};
+
 // The tools module's interface, given by its one export, extern "C" IOQTools*
 // GetOQToolsDLL(int32_t version). Each service is asked for with 1 to make it if it isn't there, or
 // 0 to look it up. Null for services that this build doesn't have. Slots: add at the end only.
@@ -180,7 +198,7 @@ class IOQTools
 public:
     static constexpr int32_t InterfaceVersion = 200048;
 
-    virtual void Initialize(const void* parameter) = 0;
+    virtual void Initialize(const void* parameter) = 0; // an OQToolsSetup, or null
     virtual void Uninitialize() = 0; // the last call
     virtual int32_t GetVersion() const = 0;
     // The other modules are about to go: what may call into them stops, what is buffered reaches

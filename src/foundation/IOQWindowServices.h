@@ -4,6 +4,8 @@
 
 #include <cstdint>
 
+class IOQMainThreadWaker;
+
 enum OQMessageBoxKind : int32_t
 {
     OQMessageBoxInformation = 0, // one button: OK
@@ -55,4 +57,5 @@ protected:
 struct OQToolsSetup
 {
     IOQWindowServices* windows = nullptr; // not owned; outlives the module
+    IOQMainThreadWaker* mainThread = nullptr; // of the calling thread; likewise
 };

@@ -1,5 +1,6 @@
 #include "foundation/OQFileSystem.h"
 
+#include "foundation/CFileLoader.h"
 #include "foundation/OQDataRoots.h"
 #include "foundation/OQDllString.h"
 #include "foundation/OQFileFinder.h"
@@ -136,10 +137,20 @@ bool OQFileSystem::ReadTextFile(const OQString& path, OQString& text, size_t max
     text.Clear();
     if (path.IsEmpty())
         return true;
-    std::string bytes;
-    if (pxvis::os::ReadFile(path.ToUtf8(), maximumSize, bytes) != pxvis::os::FileError::None)
-        return false;
-    text = OQBytesToText(bytes);
+    if (CFileLoader::IsAddress(path)) {
+        OQLoadSettings settings;
+        settings.maximumSize = maximumSize;
+        CFileLoader loader(settings);
+        OQByteBuffer bytes;
+        if (!loader.Load(path, bytes))
+            return false;
+        text = OQBytesToText({ reinterpret_cast<const char*>(bytes.GetData()), bytes.GetSize() });
+    } else {
+        std::string bytes;
+        if (pxvis::os::ReadFile(path.ToUtf8(), maximumSize, bytes) != pxvis::os::FileError::None)
+            return false;
+        text = OQBytesToText(bytes);
+    }
     const int zero = text.Find(u'\0');
     if (zero >= 0)
         text = text.Left(zero);

@@ -1,5 +1,6 @@
 #include "foundation/OQFilename.h"
 
+#include "foundation/CFileLoader.h"
 #include "foundation/OQCharacters.h"
 #include "foundation/OQFileSystem.h"
 #include "foundation/OQXmlDocument.h"
@@ -18,11 +19,6 @@ constexpr const OQChar* TypeItem = u"FileType";
 constexpr const OQChar* FileScheme = u"file://";
 constexpr const OQChar* LocalHost = u"localhost/";
 constexpr std::u16string_view Separators = u"/\\";
-
-bool IsAddress(const OQString& path)
-{
-    return path.Find(OQString(u"://")) >= 0;
-}
 
 bool IsFileUrl(const OQString& path)
 {
@@ -123,8 +119,8 @@ size_t NameStart(std::u16string_view path)
 // Behind what folders and name are made of.
 size_t PathEnd(const OQString& path)
 {
-    const size_t query
-        = IsAddress(path) ? path.View().find_first_of(u"?#") : std::u16string_view::npos;
+    const size_t query = CFileLoader::IsAddress(path) ? path.View().find_first_of(u"?#")
+                                                      : std::u16string_view::npos;
     return std::min(query, path.View().size());
 }
 
@@ -161,7 +157,7 @@ bool OQFilename::SetXmlText(const OQString& text)
 void OQFilename::SetPlainText(const OQString& text)
 {
     m_path = text;
-    if (IsAddress(text))
+    if (CFileLoader::IsAddress(text))
         return;
     const std::u16string_view view = text.View();
     const size_t dot = view.rfind(u'.');
@@ -193,7 +189,7 @@ OQString OQFilename::GetText() const
 OQString OQFilename::GetPathAs(OQPathForm form) const
 {
     const bool isUrl = IsFileUrl(m_path);
-    if (!isUrl && IsAddress(m_path))
+    if (!isUrl && CFileLoader::IsAddress(m_path))
         return m_path;
     OQString path = WithSlashes(isUrl ? PathOfUrl(m_path) : m_path);
     switch (form) {
@@ -249,7 +245,9 @@ bool OQFilename::Exists() const
     return OQFileSystem::FileExists(GetFilePath());
 }
 
-int64_t OQFilename::GetSize() const
+int64_t OQFilename::GetSize(bool mayAskServer) const
 {
+    if (CFileLoader::IsAddress(m_path) && !IsFileUrl(m_path))
+        return mayAskServer ? CFileLoader::GetSizeAt(m_path) : -1;
     return pxvis::os::FileSize(GetFilePath().ToUtf8());
 }

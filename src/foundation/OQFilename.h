@@ -56,9 +56,9 @@ public:
     OQString GetExtension() const;
 
     bool Exists() const;
-    // Bytes; -1 if it can't be told.
-    // FIXME: of an address, which only the reader module can ask for.
-    int64_t GetSize() const;
+    // Bytes; -1 if it can't be told. Of an address only if its server may be asked, which takes
+    // seconds at worst.
+    int64_t GetSize(bool mayAskServer = false) const;
 
 private:
     void SetPlainText(const OQString& text);

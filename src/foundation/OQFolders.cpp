@@ -3,6 +3,7 @@
 #include "foundation/IOQTools.h"
 #include "foundation/OQDllString.h"
 #include "foundation/OQFileSystem.h"
+#include "foundation/OQSharedMemory.h"
 #include "foundation/OQSiblingModules.h"
 #include "os/InstallPlaces.h"
 #include "os/UserFolders.h"
@@ -65,8 +66,7 @@ OQProcessFolders OQProcessFolders::From(const std::string& portableFolder,
 
 OQProcessFolders OQProcessFolders::Get()
 {
-    return From(pxvis::os::PortableFolder(), pxvis::os::UserFolder("XDG_DATA_HOME", ".local/share"),
-        pxvis::os::GetInstallPlaces());
+    return OQSharedMemory::Get().GetFolders();
 }
 
 OQString OQFolders::GetInstallFolder()
@@ -110,4 +110,10 @@ OQString OQFolders::GetTempLocation()
         OQFileSystem::MakeDirectoryTree(folder);
     }
     return WithSlash(folder);
+}
+
+OQString OQFolders::GetCacheFolder()
+{
+    const OQString folder = FolderFrom(pxvis::os::UserFolder("XDG_CACHE_HOME", ".cache"));
+    return folder.IsEmpty() ? folder : folder + u"pxvis/";
 }

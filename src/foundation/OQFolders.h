@@ -7,8 +7,7 @@ struct InstallPlaces;
 }
 
 // Where a process has its folders; each with "/" at its end, or empty if the system doesn't tell.
-// FIXME: every module of a process works them out for itself; a block of shared memory is to make
-// them the same for all.
+// All modules of a process have the same ones, worked out by the first that asks.
 struct OQProcessFolders
 {
     OQString install; // what is shipped: "Visualizations" and more
@@ -17,6 +16,7 @@ struct OQProcessFolders
     OQString applicationData; // of all of the user's programs
     bool portable = false; // the program takes its user's files along, beside itself
 
+    // Any thread.
     static OQProcessFolders Get();
 
     // The rule behind it. Both folders are without "/" at their ends and may be empty;
@@ -41,4 +41,7 @@ public:
     // For files that may go at any time; made if it isn't there. The user may have chosen another
     // place for it; a choice that can't be used is dropped from the settings.
     static OQString GetTempLocation();
+
+    // For copies of what can be had again. Not made: whoever needs it makes it his user's alone.
+    static OQString GetCacheFolder();
 };

@@ -25,7 +25,7 @@ public:
     {
     }
 
-    ~OQQSort() override { this->Stop(); }
+    ~OQQSort() override { this->Finish(); }
 
     // What the comparison throws comes through; the array then holds the same elements in some
     // order. Threaded: a second thread helps with all but the smallest arrays.

@@ -41,7 +41,7 @@ OQQSortBase::OQQSortBase()
 
 OQQSortBase::~OQQSortBase()
 {
-    Stop();
+    Finish();
 }
 
 void OQQSortBase::SortElements(int count, bool threaded)

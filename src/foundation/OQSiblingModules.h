@@ -1,5 +1,6 @@
 #pragma once
 
+#include "foundation/IOQWindowServices.h"
 #include "foundation/OQString.h"
 #include "os/DynamicLibrary.h"
 
@@ -9,6 +10,7 @@
 class IOQFont;
 class IOQImage;
 class IOQImageApp;
+class IOQReader;
 class IOQText;
 class IOQTools;
 struct OQFontDescriptor;
@@ -27,7 +29,8 @@ class OQSiblingModules
 {
 public:
     explicit OQSiblingModules(OQSiblingSetup image = { .name = "OQImage.so" },
-        OQSiblingSetup tools = { .name = "OQTools.so" });
+        OQSiblingSetup tools = { .name = "OQTools.so" },
+        OQSiblingSetup reader = { .name = "OQReader.so" });
     ~OQSiblingModules();
     OQSiblingModules(const OQSiblingModules&) = delete;
     OQSiblingModules& operator=(const OQSiblingModules&) = delete;
@@ -39,15 +42,25 @@ public:
     IOQImageApp* ImageApp();
     IOQTools* Tools();
 
+    // What the tools show their boxes with, from now on or from when they are loaded.
+    void SetWindows(IOQWindowServices& windows);
+
+    // A reader that the caller owns; null as above, and without memory.
+    IOQReader* CreateReader();
+
+    // Loads nothing: null as well if nobody has asked for the tools so far.
+    IOQTools* LoadedTools();
+
     // Why the operation above gave null; empty otherwise.
     std::string ImageFailure();
     std::string ToolsFailure();
+    std::string ReaderFailure();
 
     // What the user is told, under the title "Critical Error", if the tools could not be loaded;
     // empty otherwise. To show it is the caller's.
     OQString ToolsFailureText();
 
-    // Ends all modules: the tools prepare, the image module goes, the tools go last. A later demand
+    // Ends all modules: the tools prepare, image and reader go, the tools go last. A later demand
     // loads them again. Whatever they made must be gone before.
     void Unload();
 
@@ -62,6 +75,18 @@ private:
         bool tried = false;
     };
 
+    // What a module without an interface of its own shows.
+    struct ReaderExports
+    {
+        void Initialize(const void* parameter) const { initialize(parameter); }
+
+        void Uninitialize() const { uninitialize(); }
+
+        void (*initialize)(const void*) = nullptr;
+        void (*uninitialize)() = nullptr;
+        IOQReader* (*create)() = nullptr;
+    };
+
     template <class Interface, class Entry>
     static void Load(Module<Interface>& module, const char* symbol, Entry entry);
     template <class Interface>
@@ -70,6 +95,9 @@ private:
     std::mutex m_lock;
     Module<IOQImageApp> m_image;
     Module<IOQTools> m_tools;
+    Module<ReaderExports> m_reader;
+    ReaderExports m_readerExports;
+    OQToolsSetup m_toolsSetup; // in use once there are windows
 };
 
 // An empty image from the process's image module, which the caller owns; null without that module
@@ -78,6 +106,9 @@ IOQImage* OQCreateImage();
 
 // A font from the same module, which the caller owns; null alike.
 IOQFont* OQCreateFont(const OQFontDescriptor& descriptor);
+
+// A reader from the process's reader module, which the caller owns; null alike.
+IOQReader* OQCreateReader();
 
 // Comparing and searching by the process's tools module; null without that module.
 IOQText* OQToolsText();

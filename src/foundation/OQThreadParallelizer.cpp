@@ -2,7 +2,6 @@
 
 #include "foundation/OQEngineContext.h"
 #include "foundation/OQFloatingPointScope.h"
-#include "foundation/OQThread.h"
 #include "os/Thread.h"
 
 #include <algorithm>
@@ -23,7 +22,7 @@ struct OQThreadParallelizer::Loop
     int32_t invited = 0; // helpers that may still join; those that wake too late don't
     int32_t joined = 0; // in this loop; the number of the last one
     int32_t working = 0; // helpers
-    std::vector<std::unique_ptr<Helper>> helpers; // only under `busy`
+    std::vector<std::unique_ptr<pxvis::os::Thread>> helpers; // only under `busy`
 
     void TakeIndexes(int32_t thread)
     {
@@ -38,36 +37,25 @@ struct OQThreadParallelizer::Loop
             worker->Work(static_cast<int32_t>(index), thread);
         }
     }
-};
 
-class OQThreadParallelizer::Helper final : public OQThread
-{
-public:
-    explicit Helper(Loop& loop)
-        : m_loop(loop)
+    // Without end: a helper lives as long as the process.
+    static void Help(void* context)
     {
-    }
-
-private:
-    // Without end: it lives as long as the process.
-    uint8_t Run() override
-    {
+        Loop& loop = *static_cast<Loop*>(context);
         const OQFloatingPointScope scope;
-        std::unique_lock guard(m_loop.lock);
+        std::unique_lock guard(loop.lock);
         for (;;) {
-            m_loop.wake.wait(guard, [this] { return m_loop.invited > 0; });
-            --m_loop.invited;
-            const int32_t number = ++m_loop.joined;
-            ++m_loop.working;
+            loop.wake.wait(guard, [&loop] { return loop.invited > 0; });
+            --loop.invited;
+            const int32_t number = ++loop.joined;
+            ++loop.working;
             guard.unlock();
-            m_loop.TakeIndexes(number);
+            loop.TakeIndexes(number);
             guard.lock();
-            if (--m_loop.working == 0)
-                m_loop.done.notify_one();
+            if (--loop.working == 0)
+                loop.done.notify_one();
         }
     }
-
-    Loop& m_loop;
 };
 
 OQThreadParallelizer& OQThreadParallelizer::Get()
@@ -92,9 +80,9 @@ void OQThreadParallelizer::Run(IThreadParallelizerWorker& worker, int32_t last, 
         return;
     }
     while (static_cast<int64_t>(loop.helpers.size()) < threads - 1) {
-        auto helper = std::make_unique<Helper>(loop);
-        if (!helper->Start())
-            break;
+        auto helper = std::make_unique<pxvis::os::Thread>();
+        if (helper->Start(Loop::Help, &loop) != 0)
+            break; // fewer will do
         loop.helpers.push_back(std::move(helper));
     }
     {

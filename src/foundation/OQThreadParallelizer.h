@@ -18,7 +18,6 @@ public:
     void Run(IThreadParallelizerWorker& worker, int32_t last, int32_t mostThreads);
 
 private:
-    class Helper;
     struct Loop;
 
     OQThreadParallelizer();

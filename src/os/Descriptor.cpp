@@ -25,6 +25,15 @@ Descriptor& Descriptor::operator=(Descriptor&& other) noexcept
     return *this;
 }
 
+int64_t Descriptor::Read(void* bytes, size_t size) const
+{
+    ssize_t count = 0;
+    do
+        count = ::read(m_number, bytes, size);
+    while (count < 0 && errno == EINTR);
+    return count;
+}
+
 bool Descriptor::Write(std::string_view bytes) const
 {
     while (!bytes.empty()) {

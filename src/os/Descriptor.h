@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
 #include <string_view>
 
 namespace pxvis::os {
@@ -20,6 +22,9 @@ public:
     bool IsOpen() const { return m_number >= 0; }
 
     int Get() const { return m_number; }
+
+    // At most `size` bytes; 0 at the end, -1, with the reason in errno, if they can't be read.
+    int64_t Read(void* bytes, size_t size) const;
 
     // All of the bytes. False, with the reason in errno, if there is no more room for them.
     bool Write(std::string_view bytes) const;

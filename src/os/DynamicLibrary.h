@@ -19,6 +19,8 @@ public:
     bool Open(const std::string& path);
     void Close();
 
+    bool IsOpen() const { return m_handle != nullptr; }
+
     // Null, with the reason in Error(), if the library has no such symbol or none is open.
     void* Symbol(const char* name);
 

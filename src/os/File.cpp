@@ -2,6 +2,7 @@
 
 #include "os/Descriptor.h"
 #include "os/Folder.h"
+#include "os/LongPath.h"
 #include "os/PartFile.h"
 #include "os/Path.h"
 
@@ -13,6 +14,7 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <utility>
 #include <vector>
 
 namespace pxvis::os {
@@ -41,9 +43,7 @@ bool CopyAll(const Descriptor& from, const Descriptor& to)
 {
     std::vector<char> block(1 << 16);
     for (;;) {
-        const ssize_t count = ::read(from.Get(), block.data(), block.size());
-        if (count < 0 && errno == EINTR)
-            continue;
+        const int64_t count = from.Read(block.data(), block.size());
         if (count <= 0)
             return count == 0;
         if (!to.Write({ block.data(), static_cast<size_t>(count) }))
@@ -58,7 +58,7 @@ bool IsThere(const std::string& path)
     {
     };
 
-    return ::lstat(path.c_str(), &status) == 0;
+    return StatPath(path, status, AT_SYMLINK_NOFOLLOW) == 0;
 }
 
 int64_t Nanoseconds(const timespec& time)
@@ -73,11 +73,12 @@ FileError CheckTarget(const std::string& path, struct stat& old)
     {
     };
 
-    if (::stat(path.c_str(), &status) != 0)
+    if (StatPath(path, status) != 0)
         return errno == ENOENT ? FileError::None : ErrorOf(errno);
     if (!S_ISREG(status.st_mode))
         return FileError::NotRegular;
-    if (::access(path.c_str(), W_OK) != 0)
+    const LongPath place(path);
+    if (::faccessat(place.Folder(), place.Rest(), W_OK, 0) != 0)
         return ErrorOf(errno);
     old = status;
     return FileError::None;
@@ -102,7 +103,7 @@ bool FileExists(const std::string& path)
     {
     };
 
-    return IsUsablePath(path) && ::stat(path.c_str(), &status) == 0 && !S_ISDIR(status.st_mode);
+    return IsUsablePath(path) && StatPath(path, status) == 0 && !S_ISDIR(status.st_mode);
 }
 
 int64_t FileSize(const std::string& path)
@@ -111,41 +112,52 @@ int64_t FileSize(const std::string& path)
     {
     };
 
-    if (!IsUsablePath(path) || ::stat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode))
+    if (!IsUsablePath(path) || StatPath(path, status) != 0 || !S_ISREG(status.st_mode))
         return -1;
     return status.st_size;
 }
 
-FileError ReadFile(const std::string& path, size_t maximumSize, std::string& bytes)
+FileError OpenRegularFile(const std::string& path, Descriptor& file, int64_t& size)
 {
-    bytes.clear();
+    size = -1;
+    file.Close();
     if (!IsUsablePath(path))
         return FileError::NotFound;
-    const Descriptor file(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
-    if (!file.IsOpen())
+    Descriptor opened(OpenPath(path, O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+    if (!opened.IsOpen())
         return ErrorOf(errno);
 
     struct stat status
     {
     };
 
-    if (::fstat(file.Get(), &status) != 0)
+    if (::fstat(opened.Get(), &status) != 0)
         return ErrorOf(errno);
     if (!S_ISREG(status.st_mode))
         return FileError::NotRegular;
-    if (static_cast<uint64_t>(status.st_size) > maximumSize)
+    file = std::move(opened);
+    size = status.st_size;
+    return FileError::None;
+}
+
+FileError ReadFile(const std::string& path, size_t maximumSize, std::string& bytes)
+{
+    bytes.clear();
+    Descriptor file;
+    int64_t size = 0;
+    if (const FileError error = OpenRegularFile(path, file, size); error != FileError::None)
+        return error;
+    if (static_cast<uint64_t>(size) > maximumSize)
         return FileError::TooLarge;
 
     // The size is only a hint: the file may grow meanwhile, and some tell none.
     std::string read;
-    read.resize(static_cast<size_t>(status.st_size) + 1);
+    read.resize(static_cast<size_t>(size) + 1);
     size_t used = 0;
     for (;;) {
         if (used == read.size())
             read.resize(read.size() * 2);
-        const ssize_t count = ::read(file.Get(), read.data() + used, read.size() - used);
-        if (count < 0 && errno == EINTR)
-            continue;
+        const int64_t count = file.Read(read.data() + used, read.size() - used);
         if (count < 0)
             return ErrorOf(errno);
         if (count == 0)
@@ -185,7 +197,7 @@ FileError CopyFile(const std::string& from, const std::string& to)
     if (!IsUsablePath(from) || !IsUsablePath(to))
         return FileError::NotFound;
     const Descriptor source(
-        ::open(from.c_str(), O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_NOCTTY | O_CLOEXEC));
+        OpenPath(from, O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_NOCTTY | O_CLOEXEC));
     if (!source.IsOpen())
         return errno == ELOOP ? FileError::NotRegular : ErrorOf(errno);
 
@@ -208,19 +220,22 @@ bool MoveFile(const std::string& from, const std::string& to)
 {
     if (!IsUsablePath(from) || !IsUsablePath(to))
         return false;
-    if (::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0)
+    const LongPath old(from);
+    const LongPath target(to);
+    if (::renameat2(old.Folder(), old.Rest(), target.Folder(), target.Rest(), RENAME_NOREPLACE)
+        == 0)
         return true;
     const bool otherDisk = errno == EXDEV;
     // Not every file system knows how to rename without replacing.
     if ((!otherDisk && errno != EINVAL) || IsThere(to))
         return false;
     if (!otherDisk)
-        return ::rename(from.c_str(), to.c_str()) == 0;
+        return ::renameat(old.Folder(), old.Rest(), target.Folder(), target.Rest()) == 0;
     if (CopyFile(from, to) != FileError::None)
         return false;
-    if (::unlink(from.c_str()) == 0)
+    if (::unlinkat(old.Folder(), old.Rest(), 0) == 0)
         return true;
-    ::unlink(to.c_str());
+    ::unlinkat(target.Folder(), target.Rest(), 0);
     return false;
 }
 
@@ -228,7 +243,8 @@ int DeleteFile(const std::string& path)
 {
     if (!IsUsablePath(path))
         return ENOENT;
-    if (::unlink(path.c_str()) == 0)
+    const LongPath place(path);
+    if (::unlinkat(place.Folder(), place.Rest(), 0) == 0)
         return 0;
     const int number = errno;
     return IsThere(path) ? number : 0;
@@ -244,9 +260,8 @@ bool IsSameFile(const std::string& a, const std::string& b)
     {
     };
 
-    return IsUsablePath(a) && IsUsablePath(b) && ::stat(a.c_str(), &first) == 0
-        && ::stat(b.c_str(), &second) == 0 && first.st_dev == second.st_dev
-        && first.st_ino == second.st_ino;
+    return IsUsablePath(a) && IsUsablePath(b) && StatPath(a, first) == 0 && StatPath(b, second) == 0
+        && first.st_dev == second.st_dev && first.st_ino == second.st_ino;
 }
 
 std::string ResolveLinks(std::string path)
@@ -254,7 +269,8 @@ std::string ResolveLinks(std::string path)
     constexpr int maximumLinks = 40; // as many as the system itself follows
     for (int i = 0; i < maximumLinks; ++i) {
         char target[PATH_MAX];
-        const ssize_t length = ::readlink(path.c_str(), target, sizeof target);
+        const LongPath place(path);
+        const ssize_t length = ::readlinkat(place.Folder(), place.Rest(), target, sizeof target);
         if (length <= 0 || length == sizeof target)
             break;
         const std::string_view link(target, static_cast<size_t>(length));
@@ -277,7 +293,7 @@ FileStamp StampOf(const std::string& path)
     {
     };
 
-    if (!IsUsablePath(path) || ::stat(path.c_str(), &status) != 0)
+    if (!IsUsablePath(path) || StatPath(path, status) != 0)
         return {};
     return { status.st_dev, status.st_ino, status.st_size, Nanoseconds(status.st_mtim),
         Nanoseconds(status.st_ctim) };
@@ -289,7 +305,7 @@ double LastWriteTime(const std::string& path)
     {
     };
 
-    if (!IsUsablePath(path) || ::stat(path.c_str(), &status) != 0)
+    if (!IsUsablePath(path) || StatPath(path, status) != 0)
         return 0;
     return static_cast<double>(status.st_mtim.tv_sec)
         + static_cast<double>(status.st_mtim.tv_nsec) / 1e9;

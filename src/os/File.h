@@ -1,5 +1,7 @@
 #pragma once
 
+#include "os/Descriptor.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -7,7 +9,7 @@
 
 namespace pxvis::os {
 
-// Paths are UTF-8; one with a zero inside names nothing. Any thread.
+// Paths are UTF-8, of any length; one with a zero inside names nothing. Any thread.
 
 enum class FileError
 {
@@ -25,8 +27,12 @@ bool FileExists(const std::string& path);
 // Of a regular file, in bytes; -1 if there is none of that name.
 int64_t FileSize(const std::string& path);
 
-// The whole of a regular file of at most `maximumSize` bytes. Never waits for a writer, as opening
-// a pipe would. `bytes` is empty after a failure.
+// Opens a regular file for reading and tells its size in bytes, which may change from then on.
+// Never waits for a writer, as opening a pipe would.
+FileError OpenRegularFile(const std::string& path, Descriptor& file, int64_t& size);
+
+// The whole of a regular file of at most `maximumSize` bytes, opened like that. `bytes` is empty
+// after a failure.
 FileError ReadFile(const std::string& path, size_t maximumSize, std::string& bytes);
 
 // Writes a file that is there in its new form or not at all: the bytes go to a new file beside it,

@@ -1,6 +1,7 @@
 #include "os/Folder.h"
 
 #include "os/Descriptor.h"
+#include "os/LongPath.h"
 #include "os/Path.h"
 
 #include <algorithm>
@@ -122,14 +123,15 @@ bool FolderExists(const std::string& path)
     {
     };
 
-    return IsUsablePath(path) && ::stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
+    return IsUsablePath(path) && StatPath(path, status) == 0 && S_ISDIR(status.st_mode);
 }
 
-bool MakeFolder(const std::string& path)
+bool MakeFolder(const std::string& path, unsigned mode)
 {
     if (!IsUsablePath(path))
         return false;
-    return ::mkdir(path.c_str(), 0777) == 0 || (errno == EEXIST && FolderExists(path));
+    const LongPath place(path);
+    return ::mkdirat(place.Folder(), place.Rest(), mode) == 0 || FolderExists(path);
 }
 
 bool MakeFolders(const std::string& path, unsigned mode)
@@ -140,11 +142,10 @@ bool MakeFolders(const std::string& path, unsigned mode)
         return true;
     for (size_t slash = path.find('/', 1); slash != std::string::npos;
          slash = path.find('/', slash + 1)) {
-        const std::string above = path.substr(0, slash);
-        if (::mkdir(above.c_str(), mode) != 0 && !FolderExists(above))
+        if (!MakeFolder(path.substr(0, slash), mode))
             return false;
     }
-    return ::mkdir(path.c_str(), mode) == 0 || (errno == EEXIST && FolderExists(path));
+    return MakeFolder(path, mode);
 }
 
 bool ListFolder(
@@ -155,7 +156,7 @@ bool ListFolder(
     if (!IsUsablePath(path))
         return false;
     const OpenFolder folder
-        = FolderFrom(::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_NONBLOCK | O_CLOEXEC));
+        = FolderFrom(OpenPath(path, O_RDONLY | O_DIRECTORY | O_NONBLOCK | O_CLOEXEC));
     if (!folder)
         return false;
     while (const dirent* entry = ::readdir(folder.get())) {
@@ -190,14 +191,14 @@ FolderIdentity IdentifyFolder(const std::string& path)
     {
     };
 
-    if (!IsUsablePath(path) || ::stat(path.c_str(), &status) != 0 || !S_ISDIR(status.st_mode))
+    if (!IsUsablePath(path) || StatPath(path, status) != 0 || !S_ISDIR(status.st_mode))
         return {};
     return { status.st_dev, status.st_ino };
 }
 
 void SyncFolder(const std::string& path)
 {
-    const Descriptor folder(::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    const Descriptor folder(OpenPath(path, O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (folder.IsOpen())
         ::fsync(folder.Get());
 }
@@ -210,7 +211,8 @@ TreeFailure DeleteTree(const std::string& path)
     if (!IsUsablePath(folder) || IsDots(folder.substr(folder.rfind('/') + 1)))
         return { EINVAL, path };
     TreeDeleter deleter(folder);
-    deleter.DeleteFolder(AT_FDCWD, folder.c_str(), 0);
+    const LongPath place(folder);
+    deleter.DeleteFolder(place.Folder(), place.Rest(), 0);
     return deleter.Failure();
 }
 

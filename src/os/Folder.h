@@ -7,13 +7,14 @@
 
 namespace pxvis::os {
 
-// Paths are UTF-8; one with a zero inside names nothing. Any thread.
+// Paths are UTF-8, of any length; one with a zero inside names nothing. Any thread.
 
 // A folder, or a link to one.
 bool FolderExists(const std::string& path);
 
-// True as well if the folder is there already. Its parent must be there.
-bool MakeFolder(const std::string& path);
+// With `mode` less the process's mask. True as well if the folder is there already. Its parent must
+// be there.
+bool MakeFolder(const std::string& path, unsigned mode = 0777);
 
 // Makes the folder and those above it that are missing, each with `mode` less the process's mask.
 // True as well if it was there. The path must be absolute.

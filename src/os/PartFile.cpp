@@ -1,5 +1,6 @@
 #include "os/PartFile.h"
 
+#include "os/LongPath.h"
 #include "os/Path.h"
 
 #include <atomic>
@@ -13,8 +14,13 @@ namespace pxvis::os {
 
 static Descriptor CreateNew(const std::string& path, unsigned mode)
 {
-    return Descriptor(
-        ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, mode));
+    return Descriptor(OpenPath(path, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, mode));
+}
+
+static void Remove(const std::string& path)
+{
+    const LongPath place(path);
+    ::unlinkat(place.Folder(), place.Rest(), 0);
 }
 
 PartFile::PartFile(const std::string& target, const std::string& name, unsigned mode)
@@ -22,7 +28,7 @@ PartFile::PartFile(const std::string& target, const std::string& name, unsigned 
     const std::string folder = FolderOf(target) + "/";
     if (!name.empty()) {
         m_path = folder + name;
-        ::unlink(m_path.c_str());
+        Remove(m_path);
         m_file = CreateNew(m_path, mode);
         return;
     }
@@ -40,7 +46,7 @@ PartFile::PartFile(const std::string& target, const std::string& name, unsigned 
 PartFile::~PartFile()
 {
     if (m_file.IsOpen())
-        ::unlink(m_path.c_str());
+        Remove(m_path);
 }
 
 bool PartFile::Sync() const
@@ -50,10 +56,12 @@ bool PartFile::Sync() const
 
 bool PartFile::KeepAs(const std::string& target)
 {
-    if (m_file.Close() && std::rename(m_path.c_str(), target.c_str()) == 0)
+    const LongPath part(m_path);
+    const LongPath place(target);
+    if (m_file.Close() && ::renameat(part.Folder(), part.Rest(), place.Folder(), place.Rest()) == 0)
         return true;
     const int reason = errno;
-    ::unlink(m_path.c_str());
+    Remove(m_path);
     errno = reason;
     return false;
 }

@@ -6,21 +6,35 @@
 #include <new>
 #include <pthread.h>
 #include <sched.h>
+#include <sys/resource.h>
 #include <unistd.h>
 
 namespace pxvis::os {
 
-struct Thread::Native
+namespace {
+
+// Belongs to the new thread, which may outlive whoever started it.
+struct ThreadStart
 {
-    static void* Run(void* native)
+    static void* Run(void* argument)
     {
-        auto* self = static_cast<Native*>(native);
-        self->body(self->context);
+        const std::unique_ptr<ThreadStart> start(static_cast<ThreadStart*>(argument));
+        start->body(start->context);
         return nullptr;
     }
 
     void (*body)(void*);
     void* context;
+};
+
+constexpr int nicePerPriority = 5;
+constexpr int mostNice = 19;
+constexpr int leastNice = -20;
+
+}
+
+struct Thread::Native
+{
     pthread_t thread {};
 };
 
@@ -34,8 +48,9 @@ Thread::~Thread()
 int Thread::Start(void (*body)(void*), void* context)
 {
     Join();
-    std::unique_ptr<Native> native(new (std::nothrow) Native { body, context });
-    if (!native)
+    std::unique_ptr<ThreadStart> start(new (std::nothrow) ThreadStart { body, context });
+    std::unique_ptr<Native> native(new (std::nothrow) Native);
+    if (!start || !native)
         return ENOMEM;
     // A thread starts with the mask of the one that makes it.
     sigset_t all;
@@ -44,19 +59,13 @@ int Thread::Start(void (*body)(void*), void* context)
     for (const int fault : { SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGTRAP, SIGSYS })
         sigdelset(&all, fault);
     pthread_sigmask(SIG_SETMASK, &all, &before);
-    const int error = pthread_create(&native->thread, nullptr, Native::Run, native.get());
+    const int error = pthread_create(&native->thread, nullptr, ThreadStart::Run, start.get());
     pthread_sigmask(SIG_SETMASK, &before, nullptr);
-    if (error == 0)
+    if (error == 0) {
+        start.release();
         m_native = std::move(native);
+    }
     return error;
-}
-
-int ProcessorCount()
-{
-    cpu_set_t processors;
-    if (sched_getaffinity(0, sizeof processors, &processors) == 0)
-        return std::max(CPU_COUNT(&processors), 1);
-    return std::max(static_cast<int>(sysconf(_SC_NPROCESSORS_ONLN)), 1);
 }
 
 void Thread::Join()
@@ -65,6 +74,42 @@ void Thread::Join()
         return;
     pthread_join(m_native->thread, nullptr);
     m_native.reset();
+}
+
+void Thread::Detach()
+{
+    if (!m_native)
+        return;
+    pthread_detach(m_native->thread);
+    m_native.reset();
+}
+
+int CurrentThreadId()
+{
+    return ::gettid();
+}
+
+bool SetThreadPriority(int threadId, int priority)
+{
+    // Unlike what the standard says, the system keeps this value for each thread.
+    const int nice
+        = std::clamp(std::clamp(-priority, -15, 15) * nicePerPriority, leastNice, mostNice);
+    return ::setpriority(PRIO_PROCESS, static_cast<id_t>(threadId), nice) == 0;
+}
+
+int ThreadError(int threadId)
+{
+    errno = 0; // -1 is a priority, too
+    ::getpriority(PRIO_PROCESS, static_cast<id_t>(threadId));
+    return errno;
+}
+
+int ProcessorCount()
+{
+    cpu_set_t processors;
+    if (sched_getaffinity(0, sizeof processors, &processors) == 0)
+        return std::max(CPU_COUNT(&processors), 1);
+    return std::max(static_cast<int>(sysconf(_SC_NPROCESSORS_ONLN)), 1);
 }
 
 }

@@ -12,17 +12,21 @@ namespace pxvis::os {
 
 namespace {
 
-// Services run without HOME.
-std::string HomeFolder()
+// Of the system's record of the user; empty if there is none.
+std::string UserField(char* passwd::*field)
 {
-    std::string home = EnvironmentValue("HOME");
-    if (!home.empty())
-        return home;
     std::vector<char> buffer(16 * 1024);
     passwd entry {};
     passwd* found = nullptr;
     const int failed = ::getpwuid_r(::geteuid(), &entry, buffer.data(), buffer.size(), &found);
-    return failed == 0 && found && found->pw_dir ? found->pw_dir : "";
+    return failed == 0 && found && found->*field ? found->*field : "";
+}
+
+// Services run without HOME.
+std::string HomeFolder()
+{
+    std::string home = EnvironmentValue("HOME");
+    return home.empty() ? UserField(&passwd::pw_dir) : home;
 }
 
 void CutSlashes(std::string& path)
@@ -61,6 +65,12 @@ const std::string& PortableFolder()
 std::string PortableUserFolder(const std::string& portableFolder)
 {
     return portableFolder + "/Application Data";
+}
+
+std::string UserName()
+{
+    std::string name = UserField(&passwd::pw_name);
+    return name.empty() ? std::to_string(::geteuid()) : name;
 }
 
 std::string EnvironmentValue(const char* variable)

@@ -16,6 +16,9 @@ const std::string& PortableFolder();
 // The base folder of a portable program in that folder.
 std::string PortableUserFolder(const std::string& portableFolder);
 
+// The name that the user logs in by; his number if the system doesn't know him.
+std::string UserName();
+
 // The value of a variable of the environment; empty without it, and in a program that runs with
 // rights that its user doesn't have.
 std::string EnvironmentValue(const char* variable);

@@ -1,5 +1,5 @@
 #include "TestFolder.h"
-#include "TestVariable.h"
+#include "TestFolderVariable.h"
 #include "VisTesting.h"
 #include "engine2d/CVisComponent.h"
 #include "engine2d/CVisLayer.h"
@@ -363,7 +363,7 @@ TEST_CASE("The registry finds types by their exact GUID and lists a category by 
 TEST_CASE("A shipped script is saved as the user's, whose file it is from then on")
 {
     const TestFolder folder;
-    const TestVariable data("XDG_DATA_HOME", folder.Path("").c_str());
+    const TestFolderVariable data("XDG_DATA_HOME", folder.Path("").c_str());
     const std::string name = "Visualizations/Vis Studio/Bright/Undertow.pxv";
     const std::string shipped = PXVIS_SOURCE_DIR "/data/" + name;
     const auto date = std::filesystem::last_write_time(shipped);

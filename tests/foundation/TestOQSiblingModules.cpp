@@ -4,7 +4,7 @@
 
 #include <doctest/doctest.h>
 
-#include <atomic>
+#include <filesystem>
 #include <memory>
 #include <string>
 #include <thread>
@@ -39,6 +39,19 @@ TEST_CASE("An absolute name is loaded as it stands")
     OQSiblingModules modules({ .name = kBin + "OQImage.so" });
     CHECK(modules.ImageApp() != nullptr);
     CHECK(modules.ImageFailure().empty());
+}
+
+TEST_CASE("A module that isn't in its folder may lie one below")
+{
+    const std::string folder = kBin + "x64";
+    std::filesystem::create_directory(folder);
+    std::error_code ignored;
+    std::filesystem::create_symlink("../OQImage.so", folder + "/OQBelow.so", ignored);
+    OQSiblingModules modules({ .name = "OQBelow.so" });
+    CHECK(modules.ImageApp() != nullptr);
+    CHECK(modules.ImageFailure().empty());
+    modules.Unload();
+    std::filesystem::remove_all(folder);
 }
 
 TEST_CASE("Threads that ask at once get one interface and it works again after an unload")

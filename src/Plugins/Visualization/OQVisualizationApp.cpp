@@ -22,10 +22,12 @@ bool OQVisualizationApp::Shutdown()
     return true;
 }
 
-// The other modules are loaded when they are first needed.
+// The other modules are loaded when they are first needed. Without the tools there are no settings
+// and no log, and pictures all the same: the user is told once there is a window.
 bool OQVisualizationApp::LoadSiblings()
 {
-    return OQSiblingModules::Get().Tools() != nullptr;
+    OQSiblingModules::Get().Tools();
+    return true;
 }
 
 bool OQVisualizationApp::Attach()

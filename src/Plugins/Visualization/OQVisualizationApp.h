@@ -7,7 +7,6 @@
 class OQVisualizationApp : public OQDllApp
 {
 public:
-    // False without the tools module, if the siblings are wanted.
     bool Startup() override;
 
     // Unloads the siblings: what they made must be gone.

@@ -1,8 +1,8 @@
 #include "siblings/tools/CLog.h"
 
 #include "foundation/OQFormat.h"
-#include "foundation/OQNumberText.h"
 #include "os/UserFolders.h"
+#include "siblings/tools/HarmlessText.h"
 #include "siblings/tools/LogOutput.h"
 
 #include <algorithm>
@@ -13,8 +13,6 @@ using pxvis::tools::LogOutput;
 
 namespace {
 
-constexpr int kMaxLine = 8192; // characters
-
 int32_t LevelFrom(std::string_view text, int32_t fallback)
 {
     constexpr std::string_view names[] = { "off", "error", "warning", "info", "debug" };
@@ -23,31 +21,6 @@ int32_t LevelFrom(std::string_view text, int32_t fallback)
             return level;
     }
     return fallback;
-}
-
-// Control characters would make several lines of one or reach a terminal, and those that turn the
-// direction of writing would show another text than the one that stands there.
-bool IsHarmful(OQChar character)
-{
-    return character < 32 || (character >= 127 && character < 160)
-        || (character >= 0x2028 && character <= 0x202E)
-        || (character >= 0x2066 && character <= 0x2069);
-}
-
-std::string Harmless(const OQString& text)
-{
-    OQString line;
-    for (const OQChar character : text.View().substr(0, kMaxLine)) {
-        if (!IsHarmful(character)) {
-            line += character;
-            continue;
-        }
-        line += u"\\x";
-        OQAppendUnsigned(line, character, 2, 16);
-    }
-    if (text.GetLength() > kMaxLine)
-        line += u"...";
-    return line.ToUtf8();
 }
 
 }
@@ -81,9 +54,11 @@ void CLog::Write(int32_t level, const OQChar* scope, const OQChar* text,
     if (!toFile && !toError)
         return;
     try {
-        const OQString line = OQString(scope) + u": "
+        OQString line = OQString(scope) + u": "
             + OQFormat(text, arguments, arguments && count > 0 ? static_cast<size_t>(count) : 0);
-        const std::string harmless = Harmless(line);
+        while (line.EndsWith(u"\r") || line.EndsWith(u"\n")) // the log has line ends of its own
+            line.Delete(line.GetLength() - 1);
+        const std::string harmless = pxvis::tools::HarmlessText(line);
         const std::lock_guard lock(m_lock);
         if (!m_isOpen) {
             m_isOpen = true; // a folder that refuses once isn't asked again for every line
@@ -95,6 +70,12 @@ void CLog::Write(int32_t level, const OQChar* scope, const OQChar* text,
     } catch (...) {
         // A log that fails is no reason for anything else to fail.
     }
+}
+
+bool CLog::IsOn(int32_t level) const
+{
+    level = std::max<int32_t>(level, OQLogError);
+    return level <= m_fileLevel || level <= m_errorLevel;
 }
 
 void CLog::Flush()

@@ -24,6 +24,7 @@ public:
 
     void Write(int32_t level, const OQChar* scope, const OQChar* text,
         const OQFormatArgument* arguments, int32_t count) override;
+    bool IsOn(int32_t level) const override;
 
     // The highest level of the file, from now on; 0: no line. PXVIS_LOG_LEVEL, a number or the name
     // of a level, stands in front of it.

@@ -1,12 +1,17 @@
 #include "siblings/tools/CTools.h"
 
+#include "foundation/IOQWindowServices.h"
+
 #include <memory>
 #include <new>
 
-// FIXME: the parameter will carry what windows need.
-void CTools::Initialize(const void*)
+void CTools::Initialize(const void* parameter)
 {
     const std::lock_guard lock(m_lock);
+    const auto* setup = static_cast<const OQToolsSetup*>(parameter);
+    m_mainThread.Open(setup);
+    if (setup && !m_windows)
+        m_windows = setup->windows;
     if (m_users++ > 0)
         return;
     m_displayScale.Open();
@@ -20,6 +25,8 @@ void CTools::Uninitialize()
     const std::lock_guard lock(m_lock);
     if (m_users == 0 || --m_users > 0)
         return;
+    m_mainThread.Close();
+    m_windows = nullptr;
     m_settings.Close();
     m_translator.Close();
     m_log.Close();

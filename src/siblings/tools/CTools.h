@@ -1,18 +1,26 @@
 #pragma once
 
+#include "siblings/tools/CDecompressor.h"
+#include "siblings/tools/CDialogs.h"
 #include "siblings/tools/CDisplayScale.h"
 #include "siblings/tools/CFiles.h"
 #include "siblings/tools/CLog.h"
+#include "siblings/tools/CMainThreadMessages.h"
+#include "siblings/tools/CNamedLocks.h"
 #include "siblings/tools/CSettings.h"
 #include "siblings/tools/CText.h"
 #include "siblings/tools/CTheme.h"
 #include "siblings/tools/CTranslator.h"
+#include "siblings/tools/CUnpacker.h"
+#include "siblings/tools/CUserInterface.h"
 
+#include <atomic>
 #include <mutex>
 
 // All services, which are there from the first to the last moment: what a late thread still asks
 // for is served. Several users of one process may each start and end the module; the environment is
-// looked at by the first start, and the last end gives back what is held.
+// looked at by the first start, windows are taken from the first who has any, and the last end
+// gives back what is held.
 class CTools final : public IOQTools
 {
 public:
@@ -37,25 +45,24 @@ public:
 
     IOQSettings* GetSettings(int32_t) override { return &m_settings; }
 
-    // FIXME: dialogs, main-thread messages and the user interface need windows; locks by name, the
-    // decompressor and the unpacker have no user yet.
-    IOQNamedLocks* GetNamedLocks(int32_t) override { return nullptr; }
+    IOQNamedLocks* GetNamedLocks(int32_t) override { return &m_namedLocks; }
 
-    IOQDialogs* GetDialogs(int32_t) override { return nullptr; }
+    IOQDialogs* GetDialogs(int32_t) override { return &m_dialogs; }
 
-    IOQMainThreadMessages* GetMainThreadMessages(int32_t) override { return nullptr; }
+    IOQMainThreadMessages* GetMainThreadMessages(int32_t) override { return &m_mainThread; }
 
-    IOQUserInterface* GetUserInterface(int32_t) override { return nullptr; }
+    IOQUserInterface* GetUserInterface(int32_t) override { return &m_userInterface; }
 
-    IOQDecompressor* GetDecompressor(int32_t) override { return nullptr; }
+    IOQUnpacker* GetUnpacker(int32_t) override { return &m_unpacker; }
 
-    IOQUnpacker* GetUnpacker(int32_t) override { return nullptr; }
+    IOQDecompressor* GetDecompressor(int32_t) override { return &m_decompressor; }
 
 private:
     int32_t LogLevelSetting();
 
     std::mutex m_lock; // of the count
     int32_t m_users = 0;
+    std::atomic<IOQWindowServices*> m_windows = nullptr; // of the first user that brought any
 
     CLog m_log;
     CSettings m_settings { m_log };
@@ -64,6 +71,12 @@ private:
     CTranslator m_translator;
     CTheme m_theme;
     CFiles m_files;
+    CMainThreadMessages m_mainThread;
+    CNamedLocks m_namedLocks;
+    CDialogs m_dialogs { m_windows };
+    CUserInterface m_userInterface { m_windows };
+    CUnpacker m_unpacker;
+    CDecompressor m_decompressor;
 };
 
 // The module's one export; null for a version of the interface that isn't this one.

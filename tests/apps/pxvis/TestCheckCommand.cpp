@@ -1,5 +1,5 @@
 #include "TestFolder.h"
-#include "TestVariable.h"
+#include "TestFolderVariable.h"
 #include "VisTesting.h"
 #include "apps/pxvis/Checked.h"
 #include "apps/pxvis/ScriptSet.h"
@@ -44,7 +44,7 @@ TEST_CASE("check prints a finding a line, and no control character of the script
 TEST_CASE("A folder's name stands for the user's and the shipped scripts in it")
 {
     const TestFolder folder;
-    const TestVariable data("XDG_DATA_HOME", folder.Path("data").c_str());
+    const TestFolderVariable data("XDG_DATA_HOME", folder.Path("data").c_str());
     const std::string own = "data/pxvis/Visualizations/Vis Studio/Dense";
     std::filesystem::create_directories(folder / own);
     folder.Write(own + "/Own.pxv", "<PXV Version=\"1.0\"/>");

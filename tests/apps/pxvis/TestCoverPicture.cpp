@@ -1,5 +1,5 @@
 #include "TestFolder.h"
-#include "TestVariable.h"
+#include "TestFolderVariable.h"
 #include "apps/pxvis/RenderCommand.h"
 #include "foundation/IOQImage.h"
 #include "foundation/OQSiblingModules.h"
@@ -90,7 +90,7 @@ TEST_CASE("The cover in a song's file fills the bars of its picture")
 {
     const TestFolder folder;
     const TestVariable cache("XDG_CACHE_HOME", folder.Path("cache").c_str());
-    const TestVariable data("XDG_DATA_HOME", folder.Path("data").c_str());
+    const TestFolderVariable data("XDG_DATA_HOME", folder.Path("data").c_str());
     const auto picture = Render(folder, WriteSong(folder, WriteCover(folder)));
     int filled = 0;
     for (int32_t i = 0; i < width * height; ++i) {

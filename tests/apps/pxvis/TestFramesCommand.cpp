@@ -1,5 +1,5 @@
 #include "TestFolder.h"
-#include "TestVariable.h"
+#include "TestFolderVariable.h"
 #include "VisTesting.h"
 #include "apps/pxvis/AnalyzeCommand.h"
 #include "apps/pxvis/FramesCommand.h"
@@ -146,7 +146,7 @@ TEST_CASE("Frames take a script by its name")
     CHECK(named.status == 0);
     CHECK(named.output == Frames(demoScript, 16, 16, records).output);
     const TestFolder folder;
-    const TestVariable data("XDG_DATA_HOME", folder.Path("").c_str());
+    const TestFolderVariable data("XDG_DATA_HOME", folder.Path("").c_str());
     const std::string own = "pxvis/Visualizations/Vis Studio/Folder of One";
     std::filesystem::create_directories(folder / own);
     folder.Write(own + "/Only.pxv", "<PXV Version=\"1.0\"/>");

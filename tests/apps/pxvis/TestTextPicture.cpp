@@ -1,5 +1,5 @@
 #include "TestFolder.h"
-#include "TestVariable.h"
+#include "TestFolderVariable.h"
 #include "apps/pxvis/RenderCommand.h"
 
 #include <doctest/doctest.h>
@@ -36,7 +36,7 @@ TEST_CASE("A text in a picture tells of the song and of the moment")
 {
     const TestFolder folder;
     const TestVariable cache("XDG_CACHE_HOME", folder.Path("cache").c_str());
-    const TestVariable data("XDG_DATA_HOME", folder.Path("data").c_str());
+    const TestFolderVariable data("XDG_DATA_HOME", folder.Path("data").c_str());
     const std::string told = Render(folder, "NAME ELAPSED_TIME TOTAL_TIME");
     CHECK(told == Render(folder, "First Light 0:05 0:48"));
     CHECK(told != Render(folder, "First Light 0:06 0:48"));

@@ -17,6 +17,7 @@ struct FakeTools final : IOQTools, IOQTranslator, IOQTheme, IOQLog, IOQFiles, IO
     std::u16string dataFolder;
     std::optional<std::u16string> tempLocation; // the setting
     bool mayMakeFolders = true;
+    int32_t logLevel = OQLogDebug;
     std::vector<std::string> log; // "Class::Operation: text"
 
     // As if it were just loaded.
@@ -93,6 +94,8 @@ struct FakeTools final : IOQTools, IOQTranslator, IOQTheme, IOQLog, IOQFiles, IO
             = OQFormat(text, { count > 0 ? arguments[0] : none, count > 1 ? arguments[1] : none });
         log.push_back((OQString(scope) + u": " + line).ToUtf8());
     }
+
+    bool IsOn(int32_t level) const override { return level <= logLevel; }
 
     bool MayMakeFolder(const OQChar*) const override { return mayMakeFolders; }
 

@@ -1,6 +1,7 @@
 #include "foundation/OQFileSystem.h"
 
 #include "TestFolder.h"
+#include "foundation/OQFilename.h"
 #include "foundation/StringPrinting.h"
 #include "foundation/files/FakeTools.h"
 
@@ -184,4 +185,13 @@ TEST_CASE("A copy of a folder holds its files and folders, over what was there, 
     REQUIRE(mkfifo(folder.Path("from/pipe").c_str(), 0600) == 0);
     CHECK_FALSE(OQFileSystem::CopyDirectory(Path(folder, "from"), Path(folder, "to2")));
     CHECK(folder.Read("to2/sub/file") == "new");
+}
+
+TEST_CASE("Without the reader module there is nothing at any address")
+{
+    OQString text = u"stale";
+    CHECK_FALSE(OQFileSystem::ReadTextFile(u"http://127.0.0.1/", text));
+    CHECK(text.IsEmpty());
+    const OQFilename filename(u"http://127.0.0.1/");
+    CHECK(filename.GetSize(true) == -1);
 }

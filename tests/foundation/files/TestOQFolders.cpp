@@ -1,7 +1,7 @@
 #include "foundation/OQFolders.h"
 
 #include "TestFolder.h"
-#include "TestVariable.h"
+#include "TestFolderVariable.h"
 #include "foundation/OQDataRoots.h"
 #include "foundation/StringPrinting.h"
 #include "foundation/files/FakeTools.h"
@@ -40,16 +40,16 @@ TEST_CASE("What is shipped and what is the user's are two folders, both beside a
 TEST_CASE("The user's folders follow the environment, the theme goes before them")
 {
     FakeTools& tools = FakeTools::Fresh();
-    const TestVariable data("XDG_DATA_HOME", "/somewhere/data/");
+    const TestFolderVariable data("XDG_DATA_HOME", "/somewhere/data/");
     CHECK(OQFolders::GetDataFolder() == u"/somewhere/data/pxvis/");
     CHECK(OQFolders::GetAppDataFolder() == u"/somewhere/data/Tarnwick/Generic/");
     tools.dataFolder = u"/theme";
     CHECK(OQFolders::GetAppDataFolder() == u"/theme/");
 
-    const TestVariable noData("XDG_DATA_HOME", "not/absolute");
-    const TestVariable home("HOME", "/home/b");
+    const TestFolderVariable noData("XDG_DATA_HOME", "not/absolute");
+    const TestFolderVariable home("HOME", "/home/b");
     CHECK(OQFolders::GetDataFolder() == u"/home/b/.local/share/pxvis/");
-    const TestVariable noHome("HOME", "not/absolute");
+    const TestFolderVariable noHome("HOME", "not/absolute");
     CHECK(OQFolders::GetDataFolder() == OQFolders::GetInstallFolder() + u"Data/");
     CHECK(OQDataRoots::Get().user.IsEmpty());
     tools.dataFolder.clear();

@@ -12,7 +12,7 @@ namespace {
 class Waiting final : public OQThread
 {
 public:
-    ~Waiting() override { Stop(); }
+    ~Waiting() override { Finish(); }
 
     bool wants = true;
     int runs = 0; // read after the thread's end
@@ -37,7 +37,7 @@ public:
     {
     }
 
-    ~Quick() override { Stop(); }
+    ~Quick() override { Finish(); }
 
 private:
     uint8_t Run() override
@@ -53,7 +53,7 @@ private:
 class Masked final : public OQThread
 {
 public:
-    ~Masked() override { Stop(); }
+    ~Masked() override { Finish(); }
 
 private:
     uint8_t Run() override
@@ -95,10 +95,12 @@ TEST_CASE("A running thread stays when started again, unless it is forced, and s
     CHECK(thread.IsRunning());
     CHECK(thread.Start());
     CHECK(thread.GetStartCount() == 1);
-    CHECK(thread.Start(true));
+    CHECK(thread.Start(0, true));
     CHECK(thread.GetStartCount() == 2);
+    CHECK(thread.GetThreadId() > 0);
     CHECK(thread.Stop() == 7);
     CHECK_FALSE(thread.IsRunning());
+    CHECK(thread.GetThreadId() == 0);
     CHECK(thread.GetResult() == 0);
     CHECK(thread.runs == 2);
     CHECK(thread.Stop() == 0);

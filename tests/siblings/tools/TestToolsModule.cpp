@@ -40,12 +40,12 @@ TEST_CASE("The module gives its interface for the version it knows alone, with e
         CHECK(tools->GetLog(make));
         CHECK(tools->GetFiles(make));
         CHECK(tools->GetSettings(make));
-        CHECK(tools->GetNamedLocks(make) == nullptr);
-        CHECK(tools->GetDialogs(make) == nullptr);
-        CHECK(tools->GetMainThreadMessages(make) == nullptr);
-        CHECK(tools->GetUserInterface(make) == nullptr);
-        CHECK(tools->GetDecompressor(make) == nullptr);
-        CHECK(tools->GetUnpacker(make) == nullptr);
+        CHECK(tools->GetNamedLocks(make));
+        CHECK(tools->GetDialogs(make));
+        CHECK(tools->GetMainThreadMessages(make));
+        CHECK(tools->GetUserInterface(make));
+        CHECK(tools->GetDecompressor(make));
+        CHECK(tools->GetUnpacker(make));
     }
 }
 

@@ -20,6 +20,7 @@ public:
     explicit TestTools(std::string module = PXVIS_BINARY_DIR "/bin/OQTools.so")
         : m_modules({}, { .name = std::move(module) })
     {
+        setenv("XDG_RUNTIME_DIR", folder.Path("").c_str(), 1);
         setenv("XDG_CONFIG_HOME", folder.Path("config").c_str(), 1);
         setenv("XDG_STATE_HOME", folder.Path("state").c_str(), 1);
         setenv("XDG_DATA_HOME", folder.Path("data").c_str(), 1);
@@ -33,6 +34,8 @@ public:
         REQUIRE_MESSAGE(tools, m_modules.ToolsFailure());
         return tools;
     }
+
+    void SetWindows(IOQWindowServices& windows) { m_modules.SetWindows(windows); }
 
     void Restart()
     {

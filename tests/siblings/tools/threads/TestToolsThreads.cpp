@@ -1,6 +1,8 @@
+#include "foundation/IOQNamedLocks.h"
 #include "foundation/OQLog.h"
 #include "siblings/tools/ToolsTesting.h"
 
+#include <atomic>
 #include <thread>
 #include <vector>
 
@@ -37,4 +39,29 @@ TEST_CASE("Threads share the settings, the log and the translator")
     }
     const std::string lines = tools.folder.Read("state/pxvis/pxvis.log");
     CHECK(std::count(lines.begin(), lines.end(), '\n') == threads * writes);
+}
+
+TEST_CASE("A lock by name has one holder among the threads of a process")
+{
+    constexpr int threads = 4;
+    constexpr int turns = 25;
+    TestTools tools;
+    IOQNamedLocks* locks = tools->GetNamedLocks(1);
+    std::atomic<int> inside = 0;
+    std::atomic<int> taken = 0;
+    {
+        std::vector<std::jthread> running;
+        for (int thread = 0; thread < threads; ++thread) {
+            running.emplace_back([&] {
+                for (int i = 0; i < turns; ++i) {
+                    const std::unique_ptr<IOQNamedLock> held(locks->Acquire(u"One", 20'000));
+                    CHECK(held);
+                    CHECK(++inside == 1);
+                    ++taken;
+                    --inside;
+                }
+            });
+        }
+    }
+    CHECK(taken == threads * turns);
 }

@@ -1,0 +1,204 @@
+// A display for music in plain Xlib: loads libpxvis.so, gives it a window, feeds it a song and
+// lets the keys choose what is shown. Space: next mode, Backspace: the one before, q: quit.
+//
+//     c++ -std=c++20 xlib-host.cpp -lX11 -o xlib-host
+//     pxvis analyze song.flac > song.records
+//     ./xlib-host /usr/lib/x86_64-linux-gnu/pxvis/libpxvis.so song.records
+//
+// SPDX-License-Identifier: 0BSD
+
+#include <pxvis/IOQVisualization.h>
+#include <pxvis/IOQVisualizationHost.h>
+#include <pxvis/IVisAudioData.h>
+#include <pxvis/SysString.h>
+
+#include <X11/Xlib.h>
+#include <X11/keysym.h>
+
+#include <chrono>
+#include <cstdio>
+#include <dlfcn.h>
+#include <fstream>
+#include <memory>
+#include <poll.h>
+#include <string>
+#include <vector>
+
+namespace {
+
+// What "pxvis analyze" writes 60 times a second of the song.
+struct Record
+{
+    int32_t level, beat, change;
+    VisAudioBlock block;
+};
+
+struct Song
+{
+    explicit Song(const char* path)
+    {
+        std::ifstream file(path, std::ios::binary);
+        for (Record record; file.read(reinterpret_cast<char*>(&record), sizeof record);)
+            records.push_back(record);
+    }
+
+    // What is heard now; a player asks its audio clock instead. Starts over at its end.
+    const Record& Now() const
+    {
+        const std::chrono::duration<double> time = std::chrono::steady_clock::now() - start;
+        static constexpr Record silence {};
+        if (records.empty())
+            return silence;
+        return records[static_cast<size_t>(time.count() * 60) % records.size()];
+    }
+
+    std::vector<Record> records;
+    std::chrono::steady_clock::time_point start = std::chrono::steady_clock::now();
+};
+
+// The library owns these, and asks for a new one with each script.
+struct AudioData final : IVisAudioData
+{
+    explicit AudioData(const Song& song)
+        : song(song)
+    {
+    }
+
+    int32_t Refresh() override
+    {
+        record = song.Now();
+        return 0;
+    }
+
+    void Reserved() override { }
+
+    const VisAudioBlock* GetData() override { return &record.block; }
+
+    int32_t GetValue(int32_t which) override
+    {
+        const int32_t values[] = { record.level, record.beat, 60000, record.change };
+        return which >= 0 && which < 4 ? values[which] : 0;
+    }
+
+    const void* GetPlayInfo() override { return nullptr; }
+
+    char16_t* GetTrackField(int32_t which) override
+    {
+        return which == VisTrackFieldName ? SysAllocString(u"A song") : nullptr;
+    }
+
+    char16_t* ExpandText(const char16_t* text) override { return SysAllocString(text); }
+
+    const Song& song;
+    Record record {};
+};
+
+struct Connection final : IOQHostConnection
+{
+    explicit Connection(const Song& song)
+        : song(song)
+    {
+    }
+
+    void Refresh() override { }
+
+    const int8_t* GetWaveform() override { return nullptr; } // for 3D scenes, as the next one
+
+    const uint8_t* GetSpectrum() override { return nullptr; }
+
+    char16_t* GetProperty(const char16_t* name) override
+    {
+        if (std::u16string_view(name) != u"Legacy Data Object")
+            return nullptr;
+        char digits[32];
+        IVisAudioData* data = new AudioData(song);
+        std::snprintf(digits, sizeof digits, "0x%llx", reinterpret_cast<unsigned long long>(data));
+        return SysAllocString(std::u16string(digits, digits + std::string(digits).size()).c_str());
+    }
+
+    const void* GetCoverImage() override { return nullptr; }
+
+    const Song& song;
+};
+
+struct Host final : IOQVisualizationHost
+{
+    explicit Host(const Song& song)
+        : song(song)
+    {
+    }
+
+    IOQHostConnection* Connect(OQVisualizationBase*) override { return new Connection(song); }
+
+    const Song& song;
+};
+
+std::vector<std::u16string> Modes(IOQVisualization& visualization)
+{
+    char16_t* text = visualization.GetProperty(u"Modes");
+    std::u16string_view rest = text ? text : u"";
+    std::vector<std::u16string> modes;
+    for (size_t end = 0; end != std::u16string_view::npos; rest.remove_prefix(end + 1)) {
+        end = rest.find(u'|');
+        modes.emplace_back(rest.substr(0, end));
+        if (end == std::u16string_view::npos)
+            break;
+    }
+    SysFreeString(text);
+    return modes;
+}
+
+}
+
+int main(int argc, char** argv)
+{
+    Display* display = XOpenDisplay(nullptr);
+    void* library = argc == 3 ? dlopen(argv[1], RTLD_NOW | RTLD_LOCAL) : nullptr;
+    void* entry = library ? dlsym(library, "CreateVisualization") : nullptr;
+    if (!display || !entry) {
+        std::fprintf(stderr, "usage: xlib-host LIBPXVIS RECORDS, with a display: %s\n",
+            library || argc != 3 ? "" : dlerror());
+        return 1;
+    }
+    const Window window
+        = XCreateSimpleWindow(display, DefaultRootWindow(display), 0, 0, 1280, 720, 0, 0, 0);
+    Atom closed = XInternAtom(display, "WM_DELETE_WINDOW", False);
+    XSetWMProtocols(display, window, &closed, 1);
+    XSelectInput(display, window, KeyPressMask);
+    XMapWindow(display, window);
+    XSync(display, False); // the library has a connection of its own
+
+    const Song song(argv[2]);
+    Host host(song);
+    const auto create = reinterpret_cast<decltype(&CreateVisualization)>(entry);
+    std::unique_ptr<IOQVisualization> visualization(create(2, &host));
+    if (!visualization || !visualization->CreateWnd(window, 0)) {
+        std::fprintf(stderr, "xlib-host: no visualization; the library's log tells why\n");
+        return 1;
+    }
+    const std::vector<std::u16string> modes = Modes(*visualization);
+    size_t mode = 0;
+    for (bool running = true; running;) {
+        // The library's windows have their turn here, 60 times a second or more.
+        visualization->SetProperty(u"Process Events", u"10");
+        pollfd events { ConnectionNumber(display), POLLIN, 0 };
+        if (!XPending(display) && poll(&events, 1, 4) <= 0)
+            continue;
+        while (running && XPending(display)) {
+            XEvent event;
+            XNextEvent(display, &event);
+            const KeySym key = event.type == KeyPress ? XLookupKeysym(&event.xkey, 0) : NoSymbol;
+            running = event.type != ClientMessage && key != XK_q;
+            if (key == XK_space || key == XK_BackSpace) {
+                mode = (mode + (key == XK_space ? 1 : modes.size() - 1)) % modes.size();
+                visualization->SetProperty(u"Current Mode", modes[mode].c_str());
+                XStoreName(
+                    display, window, std::string(modes[mode].begin(), modes[mode].end()).c_str());
+            }
+        }
+    }
+    visualization.reset(); // before its parent and its host
+    XDestroyWindow(display, window);
+    XCloseDisplay(display);
+    return 0;
+}

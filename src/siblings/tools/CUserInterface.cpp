@@ -1,0 +1,25 @@
+#include "siblings/tools/CUserInterface.h"
+
+#include "foundation/IOQDllString.h"
+#include "foundation/IOQMessageQueue.h"
+#include "foundation/IOQWindowServices.h"
+#include "foundation/OQString.h"
+#include "os/UserFolders.h"
+
+void CUserInterface::PumpMessages()
+{
+    if (IOQWindowServices* windows = m_windows)
+        windows->PumpMessages();
+    else if (IOQMessageQueues* queues = IOQMessageQueues::Get())
+        queues->Pump();
+}
+
+void CUserInterface::GetUserName(IOQDllString& name) const
+{
+    try {
+        const OQString text = OQString::FromUtf8(pxvis::os::UserName());
+        name.SetText(text.GetText(), text.GetLength());
+    } catch (...) {
+        name.Clear();
+    }
+}

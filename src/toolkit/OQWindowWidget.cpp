@@ -1,0 +1,191 @@
+#include "toolkit/OQWindowWidget.h"
+
+#include "foundation/OQLog.h"
+#include "foundation/OQString.h"
+#include "toolkit/OQBasicWnd.h"
+#include "toolkit/OQToolkit.h"
+
+#include <QApplication>
+#include <QEvent>
+
+#include <algorithm>
+#include <cmath>
+#include <string>
+#include <utility>
+#include <xcb/xcb.h>
+
+OQWindowWidget::OQWindowWidget(std::shared_ptr<OQWindowMailbox> mailbox)
+    : m_mailbox(std::move(mailbox))
+{
+    // Every pixel is painted by the window, or by whoever puts a window of his own over it.
+    setAttribute(Qt::WA_OpaquePaintEvent);
+    setAttribute(Qt::WA_NoSystemBackground);
+    setAttribute(Qt::WA_NativeWindow);
+    setAttribute(Qt::WA_DontCreateNativeAncestors);
+    // The host's windows decide what is active and when the program ends.
+    setAttribute(Qt::WA_ShowWithoutActivating);
+    setAttribute(Qt::WA_QuitOnClose, false);
+    setFocusPolicy(Qt::StrongFocus);
+    setMouseTracking(true);
+}
+
+OQWindowWidget::~OQWindowWidget()
+{
+    m_mailbox->Close();
+    if (OQDisplayConnection* display = OQToolkit::Get().GetDisplay())
+        display->Unwatch(this);
+    if (m_wnd) // a parent of the same toolkit takes it along
+        std::exchange(m_wnd, nullptr)->OnWindowLost(true);
+    destroy(); // before the foreign parent
+}
+
+bool OQWindowWidget::Embed(uint32_t parent, const OQChar* className)
+{
+    if (QWidget* const parentWidget = QWidget::find(parent)) {
+        setParent(parentWidget);
+        parentWidget->installEventFilter(this);
+        winId();
+    } else if (!EmbedForeign(parent)) {
+        return false;
+    }
+    FillParent();
+    SetClassName(className);
+    return true;
+}
+
+void OQWindowWidget::Connect(OQBasicWnd& wnd)
+{
+    m_wnd = &wnd;
+    m_mailbox->Open(this);
+}
+
+// The watch comes first, so that no change of the parent is missed behind the look at its size.
+bool OQWindowWidget::EmbedForeign(uint32_t parent)
+{
+    OQDisplayConnection& display = *OQToolkit::Get().GetDisplay();
+    if (!display.Watch(parent, this) || !display.GetParentSize(parent, m_foreignSize))
+        return false;
+    m_foreignParent.reset(QWindow::fromWinId(parent));
+    if (!m_foreignParent)
+        return false;
+    winId();
+    windowHandle()->setParent(m_foreignParent.get());
+    return true;
+}
+
+// On Qt's own connection, behind the request that makes the window.
+void OQWindowWidget::SetClassName(const OQChar* className)
+{
+    auto* const native = qApp->nativeInterface<QNativeInterface::QX11Application>();
+    if (!native)
+        return;
+    const std::string name = OQString(className).ToUtf8();
+    std::string both = name; // instance and class, a zero behind each
+    both += '\0';
+    both += name;
+    both += '\0';
+    xcb_change_property(native->connection(), XCB_PROP_MODE_REPLACE, GetHandle(), XCB_ATOM_WM_CLASS,
+        XCB_ATOM_STRING, 8, static_cast<uint32_t>(both.size()), both.data());
+}
+
+void OQWindowWidget::Release(OQWindowWidget* widget)
+{
+    widget->m_wnd = nullptr;
+    widget->m_mailbox->Close();
+    if (OQDisplayConnection* display = OQToolkit::Get().GetDisplay())
+        display->Unwatch(widget);
+    if (!OQToolkit::Get().IsUsable())
+        return;
+    if (widget->m_eventDepth == 0) {
+        delete widget;
+        return;
+    }
+    if (!widget->m_painting)
+        widget->hide();
+    widget->deleteLater();
+}
+
+// Rounded up where Qt's units are larger than a pixel, so that no edge of the parent shows; the X
+// server cuts off the rest.
+void OQWindowWidget::FillParent()
+{
+    if (!m_foreignParent) {
+        setGeometry(parentWidget()->rect());
+        return;
+    }
+    const double ratio = devicePixelRatioF();
+    setGeometry(0, 0, std::max(1, int(std::ceil(m_foreignSize.cx / ratio))),
+        std::max(1, int(std::ceil(m_foreignSize.cy / ratio))));
+}
+
+OQSize OQWindowWidget::GetDeviceSize() const
+{
+    if (m_foreignParent)
+        return m_foreignSize;
+    const double ratio = devicePixelRatioF();
+    return { int32_t(std::lround(width() * ratio)), int32_t(std::lround(height() * ratio)) };
+}
+
+uint32_t OQWindowWidget::GetHandle() const
+{
+    return static_cast<uint32_t>(internalWinId());
+}
+
+// Qt only notes that an embedded window is active; the server's focus stays with the host.
+void OQWindowWidget::TakeKeyboardFocus()
+{
+    setFocus(Qt::OtherFocusReason);
+    if (m_foreignParent)
+        OQToolkit::Get().GetDisplay()->SetInputFocus(GetHandle());
+}
+
+void OQWindowWidget::SetPaintDue()
+{
+    m_paintDue = true;
+    update();
+}
+
+bool OQWindowWidget::event(QEvent* event)
+{
+    if (!m_wnd)
+        return QWidget::event(event);
+    if (event->type() == QEvent::Paint)
+        m_paintDue = false;
+    const QPointer<OQWindowWidget> self(this);
+    const bool painting = std::exchange(m_painting, event->type() == QEvent::Paint);
+    ++m_eventDepth;
+    bool isDone = false;
+    try {
+        isDone = m_wnd->OnPlatformEvent(*event);
+    } catch (...) { // Qt's loop and the host's are above
+        OQLog(OQLogError, u"OQWindowWidget::event", u"An event of a window failed.");
+    }
+    if (!self)
+        return true;
+    --m_eventDepth;
+    m_painting = painting;
+    return isDone || QWidget::event(event);
+}
+
+bool OQWindowWidget::eventFilter(QObject* watched, QEvent* event)
+{
+    if (event->type() == QEvent::Resize && watched == parent())
+        FillParent();
+    return false;
+}
+
+void OQWindowWidget::OnParentSize(const OQSize& size)
+{
+    if (size == m_foreignSize)
+        return;
+    m_foreignSize = size;
+    FillParent();
+    if (m_wnd)
+        m_wnd->TellSize();
+}
+
+void OQWindowWidget::OnParentDestroyed()
+{
+    if (m_wnd)
+        m_wnd->OnWindowLost(false);
+}

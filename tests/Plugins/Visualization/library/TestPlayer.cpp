@@ -1,0 +1,165 @@
+#include "Plugins/Visualization/library/PlayerWindow.h"
+
+#include <doctest/doctest.h>
+
+#include <algorithm>
+
+namespace {
+
+constexpr uint32_t red = 0xe02010;
+constexpr uint32_t blue = 0x1030e0;
+
+// The middle of each quarter, row by row.
+std::array<uint32_t, 4> QuartersOf(const ScreenPixels& pixels)
+{
+    const int width = pixels.GetWidth();
+    const int height = pixels.GetHeight();
+    return { pixels.At(width / 4, height / 4), pixels.At(width * 3 / 4, height / 4),
+        pixels.At(width / 4, height * 3 / 4), pixels.At(width * 3 / 4, height * 3 / 4) };
+}
+
+const std::string quarters = FlushPiece("0xE02010", "0;0;.5;.5")
+    + FlushPiece("0x1030E0", ".5;0;1;.5") + FlushPiece("0xF0F000", "0;.5;.5;1")
+    + FlushPiece("0x204060", ".5;.5;1;1");
+
+constexpr std::array<uint32_t, 4> quarterColors { 0xe02010, 0x1030e0, 0xf0f000, 0x204060 };
+
+}
+
+TEST_CASE(
+    "Each draw method shows the script upright over the whole window, at every size and quality")
+{
+    for (const char* method : { "0", "1" }) {
+        INFO("Method ", std::string(method));
+        PlayerWindow player(640, 400);
+        player.AddScript("Quarters.pxv", quarters);
+        player.Set("Draw Method", method);
+        player.Set("Current Script", "");
+        REQUIRE(player.Open() != 0);
+        player.visualization->SetProperty(u"Current Mode", u"Quarters");
+        const auto isShown = [&] { return QuartersOf(player.Pixels()) == quarterColors; };
+        CHECK(player.RunUntil(isShown));
+        player.Resize(1000, 700); // more than the quality's pixels
+        CHECK(player.RunUntil(isShown));
+        player.Resize(90, 40);
+        CHECK(player.RunUntil(isShown));
+        player.Resize(1000, 700);
+        for (const int32_t id : { 1011, 1015 }) {
+            const VisMenuCommand command { id, u"" };
+            CHECK(player.visualization->OnMenuCommand(&command));
+            player.Run(200);
+            CHECK(player.RunUntil(isShown));
+        }
+        // Nothing of the window beneath is left at its edges.
+        player.Run(100);
+        const ScreenPixels pixels = player.Pixels();
+        CHECK(pixels.Count(0x00ff00, 0, 0, 1000, 700) == 0);
+    }
+}
+
+TEST_CASE("The mode can be changed, is kept, and all scripts of a folder come in turns")
+{
+    PlayerWindow player(320, 200);
+    player.AddScript("Test/Red.pxv", FlushPiece("0xE02010"));
+    player.AddScript("Test/Blue.pxv", FlushPiece("0x1030E0"));
+    player.Set("Script Cycle MS", "120");
+    REQUIRE(player.Open() != 0);
+    IOQVisualization& visualization = *player.visualization;
+    CHECK(visualization.SetProperty(u"Current Mode", u"Test\\Red"));
+    CHECK(player.RunUntil([&] { return player.Middle() == red; }));
+    CHECK(visualization.SetProperty(u"Current Mode", u"Test\\Blue"));
+    CHECK(player.RunUntil([&] { return player.Middle() == blue; }));
+    CHECK(PropertyOf(visualization, u"Current Mode") == u"Test\\Blue");
+    player.Run(400); // a script alone stays
+    CHECK(player.Middle() == blue);
+
+    CHECK(visualization.SetProperty(u"Current Mode", u"Test\\Cycle All"));
+    for (int turn = 0; turn < 2; ++turn) {
+        CHECK(player.RunUntil([&] { return player.Middle() == red; }));
+        CHECK(player.RunUntil([&] { return player.Middle() == blue; }));
+    }
+    CHECK(player.host.dataGiven > 4); // new data with each script
+}
+
+TEST_CASE("Flashing light is damped unless the user wants it as it is")
+{
+    for (const char* limit : { "1", "0" }) {
+        INFO("Limit ", std::string(limit));
+        PlayerWindow player(320, 200);
+        player.AddScript("Strobe.pxv",
+            "<Component GUID=\"36267E6D-70E1-435e-9E2A-428EEA2D3C7E\" Name=\"Flush\"><Properties>"
+            "<AlternatingColors>0.1;0xFFFFFF;0x000000</AlternatingColors></Properties></"
+            "Component>");
+        player.Set("Flash Limit", limit);
+        player.Set("Draw Method", "0");
+        REQUIRE(player.Open() != 0);
+        player.visualization->SetProperty(u"Current Mode", u"Strobe");
+        player.Run(1500);
+        int darkest = 255;
+        int brightest = 0;
+        player.RunUntil(
+            [&] {
+                const int light = static_cast<int>(player.Middle() & 255);
+                darkest = std::min(darkest, light);
+                brightest = std::max(brightest, light);
+                return false;
+            },
+            1500);
+        if (*limit == '1')
+            CHECK(brightest - darkest < 60);
+        else
+            CHECK(brightest - darkest == 255);
+    }
+}
+
+TEST_CASE("Without a host, data or a script the window is there and black")
+{
+    SUBCASE("no data")
+    {
+        PlayerWindow player(320, 200);
+        player.AddScript("Red.pxv", FlushPiece("0xE02010"));
+        player.host.givesData = false;
+        REQUIRE(player.Open() != 0);
+        player.visualization->SetProperty(u"Current Mode", u"Red");
+        CHECK(player.RunUntil([&] { return player.Middle() == 0; }));
+        player.host.givesData = true; // it comes later
+        CHECK(player.RunUntil([&] { return player.Middle() == red; }));
+        // Nothing new: the picture stays.
+        player.host.audio->refreshResult = -1;
+        player.Run(200);
+        CHECK(player.Middle() == red);
+    }
+    SUBCASE("no script")
+    {
+        PlayerWindow player(320, 200);
+        REQUIRE(player.Open() != 0);
+        player.visualization->SetProperty(u"Current Mode", u"Later");
+        CHECK(player.RunUntil([&] { return player.Middle() == 0; }));
+        player.AddScript("Later.pxv", FlushPiece("0x1030E0"));
+        CHECK(player.RunUntil([&] { return player.Middle() == blue; }));
+    }
+    SUBCASE("no connection")
+    {
+        PlayerWindow player(320, 200);
+        player.host.refusesConnection = true;
+        REQUIRE(player.Open() != 0);
+        CHECK(player.RunUntil([&] { return player.Middle() == 0; }));
+    }
+}
+
+TEST_CASE("A parent that isn't there gives no window, and one that goes takes the window along")
+{
+    PlayerWindow player(320, 200);
+    player.AddScript("Red.pxv", FlushPiece("0xE02010"));
+    REQUIRE(player.Open() != 0);
+    player.visualization->SetProperty(u"Current Mode", u"Red");
+    CHECK(player.visualization->CreateWnd(0, 0) == 0);
+    CHECK(player.visualization->CreateWnd(0x7fffffff, 0) == 0);
+    REQUIRE(player.visualization->CreateWnd(player.GetWindow(), 0) != 0);
+    CHECK(player.RunUntil([&] { return player.Middle() == red; }));
+    player.DestroyWindow();
+    player.Run(500);
+    CHECK(PropertyOf(*player.visualization, u"Current Mode") == u"Red");
+    CHECK(player.visualization->SetProperty(u"Current Mode", u"Cycle All"));
+    player.Run(200);
+}

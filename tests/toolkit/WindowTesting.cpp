@@ -1,0 +1,169 @@
+#include "WindowTesting.h"
+
+#include <algorithm>
+#include <chrono>
+#include <csignal>
+#include <cstdlib>
+#include <ctime>
+#include <sys/prctl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace {
+
+constexpr const char* ChildMark = "PXVIS_TEST_CHILD";
+constexpr int ChildSeconds = 100;
+constexpr int ProgramSeconds = 20;
+
+using Clock = std::chrono::steady_clock;
+
+void Sleep(int milliseconds)
+{
+    const timespec time { milliseconds / 1000, milliseconds % 1000 * 1000000L };
+    nanosleep(&time, nullptr);
+}
+
+pid_t StartProgram(const std::vector<std::string>& command)
+{
+    std::vector<char*> arguments;
+    for (const std::string& argument : command)
+        arguments.push_back(const_cast<char*>(argument.c_str()));
+    arguments.push_back(nullptr);
+    const pid_t process = fork();
+    if (process != 0)
+        return process;
+    prctl(PR_SET_PDEATHSIG, SIGKILL);
+    execvp(arguments[0], arguments.data());
+    _exit(127);
+}
+
+// 0 if it ended well in time; one that doesn't end is killed.
+int WaitFor(pid_t process, int seconds, const std::function<void()>& meanwhile)
+{
+    const auto end = Clock::now() + std::chrono::seconds(seconds);
+    int status = -1;
+    while (waitpid(process, &status, WNOHANG) == 0) {
+        if (Clock::now() > end)
+            kill(process, SIGKILL);
+        meanwhile();
+    }
+    return status;
+}
+
+}
+
+void InProcessOfItsOwn(const std::function<void()>& body)
+{
+    if (const char* const mark = getenv(ChildMark)) {
+        REQUIRE(write(atoi(mark), "", 1) == 1); // it came this far
+        body();
+        return;
+    }
+    std::string filter = "--test-case=";
+    for (const char* c = doctest::getContextOptions()->currentTest->m_name; *c; ++c)
+        filter += *c == ',' ? std::string("\\,") : std::string(1, *c);
+    int ends[2] = {};
+    REQUIRE(pipe(ends) == 0);
+    setenv(ChildMark, std::to_string(ends[1]).c_str(), 1);
+    const pid_t process = StartProgram({ "/proc/self/exe", filter, "--minimal" });
+    unsetenv(ChildMark);
+    close(ends[1]);
+    CHECK(WaitFor(process, ChildSeconds, [] { Sleep(5); }) == 0);
+    char byte = 0;
+    CHECK(read(ends[0], &byte, 1) == 1);
+    close(ends[0]);
+}
+
+PlainHost::PlainHost(int width, int height, uint32_t color)
+    : m_connection(xcb_connect(nullptr, nullptr))
+{
+    REQUIRE(xcb_connection_has_error(m_connection) == 0);
+    const xcb_screen_t* const screen = xcb_setup_roots_iterator(xcb_get_setup(m_connection)).data;
+    m_window = MakeChild(screen->root, 100, 50, width, height, color);
+}
+
+PlainHost::~PlainHost()
+{
+    xcb_disconnect(m_connection);
+}
+
+uint32_t PlainHost::MakeChild(uint32_t parent, int x, int y, int width, int height, uint32_t color)
+{
+    const uint32_t window = xcb_generate_id(m_connection);
+    xcb_create_window(m_connection, XCB_COPY_FROM_PARENT, window, parent, static_cast<int16_t>(x),
+        static_cast<int16_t>(y), static_cast<uint16_t>(width), static_cast<uint16_t>(height), 0,
+        XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, XCB_CW_BACK_PIXEL, &color);
+    xcb_map_window(m_connection, window);
+    Sync();
+    return window;
+}
+
+void PlainHost::Configure(int x, int y, int width, int height)
+{
+    const uint32_t values[] = { uint32_t(x), uint32_t(y), uint32_t(width), uint32_t(height) };
+    xcb_configure_window(m_connection, m_window,
+        XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y | XCB_CONFIG_WINDOW_WIDTH
+            | XCB_CONFIG_WINDOW_HEIGHT,
+        values);
+    Sync();
+}
+
+void PlainHost::Show(bool show)
+{
+    if (show)
+        xcb_map_window(m_connection, m_window);
+    else
+        xcb_unmap_window(m_connection, m_window);
+    Sync();
+}
+
+void PlainHost::DestroyWindow(uint32_t window)
+{
+    xcb_destroy_window(m_connection, window);
+    Sync();
+}
+
+std::string PlainHost::GetTextProperty(uint32_t window, xcb_atom_t property)
+{
+    xcb_get_property_reply_t* const reply = xcb_get_property_reply(m_connection,
+        xcb_get_property(m_connection, 0, window, property, XCB_GET_PROPERTY_TYPE_ANY, 0, 256),
+        nullptr);
+    REQUIRE(reply);
+    const std::string text(static_cast<const char*>(xcb_get_property_value(reply)),
+        size_t(xcb_get_property_value_length(reply)));
+    free(reply);
+    return text;
+}
+
+void PlainHost::Sync()
+{
+    free(xcb_get_input_focus_reply(m_connection, xcb_get_input_focus(m_connection), nullptr));
+}
+
+int TestWnd::CountMouse(OQMouseAction action) const
+{
+    return static_cast<int>(std::count_if(
+        mouse.begin(), mouse.end(), [&](const OQMouseEvent& e) { return e.action == action; }));
+}
+
+bool PumpUntil(const std::function<bool()>& condition, int milliseconds)
+{
+    const auto end = Clock::now() + std::chrono::milliseconds(milliseconds);
+    do {
+        OQToolkit::Get().ProcessEvents(5);
+        if (condition())
+            return true;
+        Sleep(2);
+    } while (Clock::now() < end);
+    return false;
+}
+
+void PumpFor(int milliseconds)
+{
+    PumpUntil([] { return false; }, milliseconds);
+}
+
+bool RunProgram(const std::vector<std::string>& command)
+{
+    return WaitFor(StartProgram(command), ProgramSeconds, [] { PumpFor(1); }) == 0;
+}
