@@ -40,39 +40,39 @@ bool Find(Function& function, const char* name)
 
 struct PictureQuad::Functions
 {
-    PFNGLATTACHSHADERPROC AttachShader;
-    PFNGLBINDTEXTUREPROC BindTexture;
-    PFNGLBINDVERTEXARRAYPROC BindVertexArray;
-    PFNGLCLEARPROC Clear;
-    PFNGLCOMPILESHADERPROC CompileShader;
-    PFNGLCREATEPROGRAMPROC CreateProgram;
-    PFNGLCREATESHADERPROC CreateShader;
-    PFNGLDRAWARRAYSPROC DrawArrays;
-    PFNGLGENTEXTURESPROC GenTextures;
-    PFNGLGENVERTEXARRAYSPROC GenVertexArrays;
-    PFNGLGETERRORPROC GetError;
-    PFNGLGETINTEGERVPROC GetIntegerv;
-    PFNGLGETPROGRAMIVPROC GetProgramiv;
-    PFNGLLINKPROGRAMPROC LinkProgram;
-    PFNGLSHADERSOURCEPROC ShaderSource;
-    PFNGLTEXIMAGE2DPROC TexImage2D;
-    PFNGLTEXPARAMETERIPROC TexParameteri;
-    PFNGLTEXSUBIMAGE2DPROC TexSubImage2D;
-    PFNGLUSEPROGRAMPROC UseProgram;
-    PFNGLVIEWPORTPROC Viewport;
+    PFNGLATTACHSHADERPROC attachShader;
+    PFNGLBINDTEXTUREPROC bindTexture;
+    PFNGLBINDVERTEXARRAYPROC bindVertexArray;
+    PFNGLCLEARPROC clear;
+    PFNGLCOMPILESHADERPROC compileShader;
+    PFNGLCREATEPROGRAMPROC createProgram;
+    PFNGLCREATESHADERPROC createShader;
+    PFNGLDRAWARRAYSPROC drawArrays;
+    PFNGLGENTEXTURESPROC genTextures;
+    PFNGLGENVERTEXARRAYSPROC genVertexArrays;
+    PFNGLGETERRORPROC getError;
+    PFNGLGETINTEGERVPROC getIntegerv;
+    PFNGLGETPROGRAMIVPROC getProgramiv;
+    PFNGLLINKPROGRAMPROC linkProgram;
+    PFNGLSHADERSOURCEPROC shaderSource;
+    PFNGLTEXIMAGE2DPROC texImage2D;
+    PFNGLTEXPARAMETERIPROC texParameteri;
+    PFNGLTEXSUBIMAGE2DPROC texSubImage2D;
+    PFNGLUSEPROGRAMPROC useProgram;
+    PFNGLVIEWPORTPROC viewport;
 
     bool FindAll()
     {
-        return Find(AttachShader, "glAttachShader") && Find(BindTexture, "glBindTexture")
-            && Find(BindVertexArray, "glBindVertexArray") && Find(Clear, "glClear")
-            && Find(CompileShader, "glCompileShader") && Find(CreateProgram, "glCreateProgram")
-            && Find(CreateShader, "glCreateShader") && Find(DrawArrays, "glDrawArrays")
-            && Find(GenTextures, "glGenTextures") && Find(GenVertexArrays, "glGenVertexArrays")
-            && Find(GetError, "glGetError") && Find(GetIntegerv, "glGetIntegerv")
-            && Find(GetProgramiv, "glGetProgramiv") && Find(LinkProgram, "glLinkProgram")
-            && Find(ShaderSource, "glShaderSource") && Find(TexImage2D, "glTexImage2D")
-            && Find(TexParameteri, "glTexParameteri") && Find(TexSubImage2D, "glTexSubImage2D")
-            && Find(UseProgram, "glUseProgram") && Find(Viewport, "glViewport");
+        return Find(attachShader, "glAttachShader") && Find(bindTexture, "glBindTexture")
+            && Find(bindVertexArray, "glBindVertexArray") && Find(clear, "glClear")
+            && Find(compileShader, "glCompileShader") && Find(createProgram, "glCreateProgram")
+            && Find(createShader, "glCreateShader") && Find(drawArrays, "glDrawArrays")
+            && Find(genTextures, "glGenTextures") && Find(genVertexArrays, "glGenVertexArrays")
+            && Find(getError, "glGetError") && Find(getIntegerv, "glGetIntegerv")
+            && Find(getProgramiv, "glGetProgramiv") && Find(linkProgram, "glLinkProgram")
+            && Find(shaderSource, "glShaderSource") && Find(texImage2D, "glTexImage2D")
+            && Find(texParameteri, "glTexParameteri") && Find(texSubImage2D, "glTexSubImage2D")
+            && Find(useProgram, "glUseProgram") && Find(viewport, "glViewport");
     }
 };
 
@@ -86,35 +86,35 @@ bool PictureQuad::Open()
     if (!m_gl->FindAll() || !BuildProgram())
         return false;
     GLuint vertices = 0; // none, but some contexts want an object that says so
-    m_gl->GenVertexArrays(1, &vertices);
-    m_gl->BindVertexArray(vertices);
+    m_gl->genVertexArrays(1, &vertices);
+    m_gl->bindVertexArray(vertices);
     GLuint texture = 0;
-    m_gl->GenTextures(1, &texture);
-    m_gl->BindTexture(GL_TEXTURE_2D, texture);
-    m_gl->TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR);
-    m_gl->TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
-    m_gl->TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE);
-    m_gl->TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE);
-    m_gl->GetIntegerv(GL_MAX_TEXTURE_SIZE, &m_largestTexture);
-    m_gl->GetIntegerv(GL_MAX_VIEWPORT_DIMS, m_largestViewport);
-    return m_gl->GetError() == GL_NO_ERROR;
+    m_gl->genTextures(1, &texture);
+    m_gl->bindTexture(GL_TEXTURE_2D, texture);
+    m_gl->texParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR);
+    m_gl->texParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
+    m_gl->texParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE);
+    m_gl->texParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE);
+    m_gl->getIntegerv(GL_MAX_TEXTURE_SIZE, &m_largestTexture);
+    m_gl->getIntegerv(GL_MAX_VIEWPORT_DIMS, m_largestViewport);
+    return m_gl->getError() == GL_NO_ERROR;
 }
 
 bool PictureQuad::BuildProgram()
 {
-    const GLuint program = m_gl->CreateProgram();
+    const GLuint program = m_gl->createProgram();
     const auto attach = [&](GLenum kind, const char* text) {
-        const GLuint shader = m_gl->CreateShader(kind);
-        m_gl->ShaderSource(shader, 1, &text, nullptr);
-        m_gl->CompileShader(shader);
-        m_gl->AttachShader(program, shader);
+        const GLuint shader = m_gl->createShader(kind);
+        m_gl->shaderSource(shader, 1, &text, nullptr);
+        m_gl->compileShader(shader);
+        m_gl->attachShader(program, shader);
     };
     attach(GL_VERTEX_SHADER, kVertexShader);
     attach(GL_FRAGMENT_SHADER, kFragmentShader);
-    m_gl->LinkProgram(program);
+    m_gl->linkProgram(program);
     GLint linked = 0; // 0, too, if one of them doesn't compile
-    m_gl->GetProgramiv(program, GL_LINK_STATUS, &linked);
-    m_gl->UseProgram(program);
+    m_gl->getProgramiv(program, GL_LINK_STATUS, &linked);
+    m_gl->useProgram(program);
     return linked != 0;
 }
 
@@ -125,19 +125,19 @@ bool PictureQuad::Draw(const PresenterPicture& picture, int32_t surfaceWidth, in
         return false;
     const bool isNew = picture.width != m_width || picture.height != m_height;
     if (isNew)
-        m_gl->TexImage2D(GL_TEXTURE_2D, 0, GL_RGBA8, picture.width, picture.height, 0, GL_BGRA,
+        m_gl->texImage2D(GL_TEXTURE_2D, 0, GL_RGBA8, picture.width, picture.height, 0, GL_BGRA,
             GL_UNSIGNED_INT_8_8_8_8_REV, picture.bits);
     else
-        m_gl->TexSubImage2D(GL_TEXTURE_2D, 0, 0, 0, picture.width, picture.height, GL_BGRA,
+        m_gl->texSubImage2D(GL_TEXTURE_2D, 0, 0, 0, picture.width, picture.height, GL_BGRA,
             GL_UNSIGNED_INT_8_8_8_8_REV, picture.bits);
     m_width = picture.width;
     m_height = picture.height;
-    m_gl->Viewport(0, 0, surfaceWidth, surfaceHeight);
+    m_gl->viewport(0, 0, surfaceWidth, surfaceHeight);
     // All is drawn over, but it is here that software drivers notice another size of the window;
     // and those that draw in tiles needn't fetch what was there.
-    m_gl->Clear(GL_COLOR_BUFFER_BIT);
-    m_gl->DrawArrays(GL_TRIANGLE_STRIP, 0, 4);
-    return !isNew || m_gl->GetError() == GL_NO_ERROR;
+    m_gl->clear(GL_COLOR_BUFFER_BIT);
+    m_gl->drawArrays(GL_TRIANGLE_STRIP, 0, 4);
+    return !isNew || m_gl->getError() == GL_NO_ERROR;
 }
 
 }

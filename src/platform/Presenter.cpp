@@ -1,6 +1,5 @@
 #include "platform/Presenter.h"
 
-#include "foundation/OQLog.h"
 #include "platform/ConnectionBreaker.h"
 #include "platform/EglSurface.h"
 #include "platform/PresenterThread.h"
@@ -8,6 +7,7 @@
 
 #include <cstdlib>
 #include <string_view>
+#include <utility>
 
 namespace pxvis {
 
@@ -71,10 +71,8 @@ Presenter::Presenter(uintptr_t window)
 
 Presenter::~Presenter()
 {
-    if (m_thread->End())
-        return;
-    OQLog(OQLogError, u"Presenter::~Presenter", u"The thread doesn't end and is left behind");
-    static_cast<void>(m_thread.release());
+    m_thread->End();
+    OQThread::Discard(std::move(m_thread));
 }
 
 bool Presenter::Present(const PresenterPicture& picture, int32_t width, int32_t height)

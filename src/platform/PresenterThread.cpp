@@ -11,18 +11,20 @@ namespace {
 constexpr int32_t kMostPictureSide = 16384;
 constexpr int64_t kMostPicturePixels = int64_t { 64 } << 20;
 constexpr int32_t kMostAreaSide = 32767; // X has no larger windows
-constexpr std::chrono::milliseconds kPatience { 400 }; // twice in End, which has a second
+constexpr std::chrono::milliseconds kPatience { 400 }; // twice in End
+constexpr int32_t kEndTime = 100; // milliseconds; of a thread that has shown its last picture
 
 }
 
 PresenterThread::PresenterThread(std::unique_ptr<PresenterSurfaceSource> source)
     : m_source(std::move(source))
 {
+    SetStopTimeout(kEndTime);
 }
 
 PresenterThread::~PresenterThread()
 {
-    PresenterThread::Stop();
+    Finish();
 }
 
 bool PresenterThread::Present(const PresenterPicture& picture, int32_t width, int32_t height)

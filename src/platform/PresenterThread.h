@@ -25,7 +25,7 @@ public:
     const char* Method() const;
 
     // Ends the thread, breaking what it waits for if it doesn't end by itself. False if it hasn't
-    // ended even so, after less than a second: then the object must stay for ever.
+    // ended even so, after less than a second: then the object is one for Discard.
     bool End();
 
     void Cancel(bool cancel) override;

@@ -2,8 +2,8 @@
 
 #include "kernels/Stretch.h"
 #include "platform/ConnectionBreaker.h"
+#include "platform/PictureMemory.h"
 #include "platform/PresenterWindow.h"
-#include "platform/SharedMemory.h"
 #include "platform/XcbReply.h"
 
 #include <algorithm>
@@ -58,7 +58,7 @@ private:
     int64_t m_mostRequestBytes = 0;
     uint8_t m_completion = 0; // the number of the event
     uint32_t m_segment = 0; // of m_memory at the server; 0: none
-    SharedMemory m_memory;
+    PictureMemory m_memory;
     std::vector<uint32_t> m_bits; // instead of it
     uint32_t* m_pixels = nullptr; // of either
 };

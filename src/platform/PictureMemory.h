@@ -7,13 +7,13 @@
 namespace pxvis {
 
 // Memory that a process at the other end of a socket can map, too. One owner.
-class SharedMemory
+class PictureMemory
 {
 public:
-    SharedMemory() = default;
-    ~SharedMemory();
-    SharedMemory(const SharedMemory&) = delete;
-    SharedMemory& operator=(const SharedMemory&) = delete;
+    PictureMemory() = default;
+    ~PictureMemory();
+    PictureMemory(const PictureMemory&) = delete;
+    PictureMemory& operator=(const PictureMemory&) = delete;
 
     // In place of what there was, all of it backed by memory. False, and empty, if there is none.
     bool Create(size_t bytes);

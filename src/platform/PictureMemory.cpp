@@ -1,16 +1,16 @@
-#include "platform/SharedMemory.h"
+#include "platform/PictureMemory.h"
 
 #include <fcntl.h>
 #include <sys/mman.h>
 
 namespace pxvis {
 
-SharedMemory::~SharedMemory()
+PictureMemory::~PictureMemory()
 {
     Clear();
 }
 
-void SharedMemory::Clear()
+void PictureMemory::Clear()
 {
     if (m_data)
         munmap(m_data, m_size);
@@ -19,7 +19,7 @@ void SharedMemory::Clear()
     m_file = os::Descriptor();
 }
 
-bool SharedMemory::Create(size_t bytes)
+bool PictureMemory::Create(size_t bytes)
 {
     Clear();
     os::Descriptor file(memfd_create("pxvis-picture", MFD_CLOEXEC));
@@ -35,7 +35,7 @@ bool SharedMemory::Create(size_t bytes)
     return true;
 }
 
-int SharedMemory::Duplicate() const
+int PictureMemory::Duplicate() const
 {
     return m_file.IsOpen() ? fcntl(m_file.Get(), F_DUPFD_CLOEXEC, 0) : -1;
 }
