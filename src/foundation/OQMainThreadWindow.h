@@ -5,7 +5,7 @@
 #include "foundation/OQSiblingModules.h"
 
 // Has main-thread messages delivered by the message queue of the thread that makes it, which is the
-// main one thereby. Is handed to OQSiblingModules::SetWindows; stays until all modules are
+// main one thereby. Is handed to OQSiblingModules::SetUpTools; stays until all modules are
 // unloaded.
 class OQMainThreadWindow final : public IOQMainThreadWaker, private IOQMessageWindowEvents
 {

@@ -102,15 +102,14 @@ IOQTools* OQSiblingModules::Tools()
     return m_tools.app;
 }
 
-void OQSiblingModules::SetWindows(IOQWindowServices& windows, IOQMainThreadWaker* mainThread)
+void OQSiblingModules::SetUpTools(const OQToolsSetup& setup)
 {
     const std::lock_guard lock(m_lock);
-    m_toolsSetup.windows = &windows;
-    m_toolsSetup.mainThread = mainThread;
+    m_toolsSetup = setup;
     m_tools.setup.parameter = &m_toolsSetup;
     if (!m_tools.app)
         return;
-    // As another user, who goes at once; the windows stay.
+    // As another user, who goes at once; what it brought stays.
     m_tools.app->Initialize(&m_toolsSetup);
     m_tools.app->Uninitialize();
 }

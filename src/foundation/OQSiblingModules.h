@@ -42,9 +42,8 @@ public:
     IOQImageApp* ImageApp();
     IOQTools* Tools();
 
-    // What the tools show their boxes with, and who wakes the main thread for its messages, if
-    // anybody does: from now on or from when they are loaded.
-    void SetWindows(IOQWindowServices& windows, IOQMainThreadWaker* mainThread = nullptr);
+    // What the calling thread has for the tools: from now on, or from when they are loaded by it.
+    void SetUpTools(const OQToolsSetup& setup);
 
     // A reader that the caller owns; null as above, and without memory.
     IOQReader* CreateReader();
@@ -98,7 +97,7 @@ private:
     Module<IOQTools> m_tools;
     Module<ReaderExports> m_reader;
     ReaderExports m_readerExports;
-    OQToolsSetup m_toolsSetup; // in use once there are windows
+    OQToolsSetup m_toolsSetup; // in use once it is set
 };
 
 // An empty image from the process's image module, which the caller owns; null without that module

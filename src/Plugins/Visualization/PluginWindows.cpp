@@ -27,7 +27,7 @@ void PluginWindows::Prepare()
 {
     static auto* const queues = new OQQtMessageQueues(pxvis::PollMessageQueues::Get());
     IOQMessageQueues::Install(queues);
-    OQSiblingModules::Get().SetWindows(Services());
+    OQSiblingModules::Get().SetUpTools({ &Services(), nullptr });
 }
 
 void PluginWindows::UseThread()
@@ -35,7 +35,7 @@ void PluginWindows::UseThread()
     static auto* const window = new OQMainThreadWindow;
     static const bool isHandedOver = [] {
         if (window->IsValid())
-            OQSiblingModules::Get().SetWindows(Services(), window);
+            OQSiblingModules::Get().SetUpTools({ &Services(), window });
         return true;
     }();
     static_cast<void>(isHandedOver);

@@ -83,9 +83,9 @@ TEST_CASE("Windows come with the first user who has any, also a later one, and g
     CHECK(tools->GetVersion() > 0);
     {
         OQSiblingModules later({}, { .name = PXVIS_BINARY_DIR "/bin/OQTools.so" });
-        later.SetWindows(windows);
+        later.SetUpTools({ .windows = &windows });
         REQUIRE(later.Tools());
-        tools.SetWindows(others);
+        tools.SetUp({ .windows = &others });
     }
     CHECK(tools->GetDialogs(1)->ShowMessageBox(0, u"a", u"b", OQMessageBoxQuestion)
         == OQMessageBoxYes);

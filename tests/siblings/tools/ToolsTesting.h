@@ -35,7 +35,7 @@ public:
         return tools;
     }
 
-    void SetWindows(IOQWindowServices& windows) { m_modules.SetWindows(windows); }
+    void SetUp(const OQToolsSetup& setup) { m_modules.SetUpTools(setup); }
 
     void Restart()
     {
