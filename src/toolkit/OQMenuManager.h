@@ -2,7 +2,7 @@
 
 #include "foundation/OQArray.h"
 #include "foundation/OQString.h"
-#include "pxvis/IOQMenu.h"
+#include <pxvis/IOQMenu.h>
 
 #include <memory>
 
