@@ -42,6 +42,8 @@ OQBasicWnd::OQBasicWnd(uintptr_t handle)
 OQBasicWnd::~OQBasicWnd()
 {
     Destroy();
+    if (m_widget) // deleted in OnTerminate; Destroy goes on behind that
+        m_widget->Disconnect();
 }
 
 bool OQBasicWnd::CreateChild(uintptr_t parent, const OQChar* className)
@@ -88,6 +90,8 @@ void OQBasicWnd::OnWindowLost(bool widgetIsGone)
 {
     const QPointer<OQWindowWidget> widget(widgetIsGone ? nullptr : m_widget);
     m_widget = nullptr;
+    if (widget)
+        widget->Disconnect();
     if (m_ending) // Destroy goes on behind OnTerminate
         return;
     Terminate();

@@ -5,6 +5,7 @@
 #include "toolkit/OQBasicWnd.h"
 #include "toolkit/OQDisplayConnection.h"
 #include "toolkit/OQMakeApplication.h"
+#include "toolkit/OQWindowWidget.h"
 
 #include <QAbstractEventDispatcher>
 #include <QApplication>
@@ -95,14 +96,18 @@ bool OQToolkit::PumpQt(int32_t milliseconds)
     QDeadlineTimer deadline(std::clamp(milliseconds, 0, MostPumpMilliseconds));
     QAbstractEventDispatcher* const dispatcher = QAbstractEventDispatcher::instance();
     bool wasAny = false;
+    ++m_pumps;
     while (CheckDisplay() && dispatcher->processEvents(QEventLoop::AllEvents)) {
         wasAny = true;
         if (deadline.hasExpired())
             break;
     }
-    // Without a loop of Qt's nobody else deletes what was to be deleted later.
-    if (!m_displayLost)
+    // Without a loop of Qt's nobody else deletes what was to be deleted later. Whoever said so may
+    // still be further up the stack, though, where this was called out of an event.
+    if (!m_displayLost && QThread::currentThread()->loopLevel() == 0 && m_pumps == 1
+        && !OQWindowWidget::IsInEvent())
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    --m_pumps;
     return wasAny;
 }
 

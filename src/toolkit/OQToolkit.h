@@ -62,4 +62,5 @@ private:
     QSocketNotifier* m_notifier = nullptr; // owned; null while no application was seen
     OQArray<OQBasicWnd*, OQBasicWnd*> m_windows; // not owned
     std::atomic<bool> m_displayLost = false;
+    int m_pumps = 0; // how many calls of PumpQt are on the stack
 };

@@ -17,6 +17,8 @@
 
 namespace {
 
+int g_eventDepth = 0; // of all widgets; the thread of the windows only
+
 // Qt's loop and the host's are above.
 template <class Call>
 void Guard(Call call)
@@ -47,11 +49,10 @@ OQWindowWidget::OQWindowWidget(std::shared_ptr<OQWindowMailbox> mailbox)
 
 OQWindowWidget::~OQWindowWidget()
 {
-    m_mailbox->Close();
-    if (OQDisplayConnection* display = OQToolkit::Get().GetDisplay())
-        display->Unwatch(this);
-    if (m_wnd) // a parent of the same toolkit takes it along
-        std::exchange(m_wnd, nullptr)->OnWindowLost(true);
+    OQBasicWnd* const wnd = m_wnd;
+    Disconnect();
+    if (wnd) // a parent of the same toolkit takes the widget along
+        wnd->OnWindowLost(true);
     destroy(); // before the foreign parent
 }
 
@@ -112,12 +113,17 @@ void OQWindowWidget::SetTitle(const QString& title)
     windowHandle()->setTitle(title);
 }
 
+void OQWindowWidget::Disconnect()
+{
+    m_wnd = nullptr;
+    m_mailbox->Close();
+    if (OQDisplayConnection* display = OQToolkit::Get().GetDisplay())
+        display->Unwatch(this);
+}
+
 void OQWindowWidget::Release(OQWindowWidget* widget)
 {
-    widget->m_wnd = nullptr;
-    widget->m_mailbox->Close();
-    if (OQDisplayConnection* display = OQToolkit::Get().GetDisplay())
-        display->Unwatch(widget);
+    widget->Disconnect();
     if (!OQToolkit::Get().IsUsable())
         return;
     if (widget->m_eventDepth == 0) {
@@ -140,6 +146,11 @@ void OQWindowWidget::FillParent()
     const double ratio = devicePixelRatioF();
     setGeometry(0, 0, std::max(1, int(std::ceil(m_foreignSize.cx / ratio))),
         std::max(1, int(std::ceil(m_foreignSize.cy / ratio))));
+}
+
+bool OQWindowWidget::IsInEvent()
+{
+    return g_eventDepth > 0;
 }
 
 OQSize OQWindowWidget::GetDeviceSize() const
@@ -180,8 +191,10 @@ bool OQWindowWidget::event(QEvent* event)
     const QPointer<OQWindowWidget> self(this);
     const bool painting = std::exchange(m_painting, event->type() == QEvent::Paint);
     ++m_eventDepth;
+    ++g_eventDepth;
     bool isDone = false;
     Guard([&] { isDone = m_wnd->OnPlatformEvent(*event); });
+    --g_eventDepth;
     if (!self)
         return true;
     --m_eventDepth;

@@ -28,10 +28,14 @@ public:
 
     // From now on the window's object hears of every event.
     void Connect(OQBasicWnd& wnd);
+    // And from now on of none.
+    void Disconnect();
 
-    // The window's object has no more to do with it: no event reaches that any more. It is
-    // deleted, at once or when its event is handled; where Qt may not be called, it stays.
+    // Deletes it, at once or when its event is handled; where Qt may not be called, it stays.
     static void Release(OQWindowWidget* widget);
+
+    // Some widget of ours is handling an event, further up the stack.
+    static bool IsInEvent();
 
     OQSize GetDeviceSize() const;
     uint32_t GetHandle() const;
@@ -57,7 +61,7 @@ private:
     void MarkWindow(); // title and class name
     void FillParent();
 
-    OQBasicWnd* m_wnd = nullptr; // null before it is connected and once released
+    OQBasicWnd* m_wnd = nullptr; // null while it isn't connected
     std::shared_ptr<OQWindowMailbox> m_mailbox;
     std::unique_ptr<QWindow> m_foreignParent; // null: a child of a widget
     OQSize m_foreignSize;

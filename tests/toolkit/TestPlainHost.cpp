@@ -169,8 +169,11 @@ TEST_CASE("a window's object may be deleted in each of its events")
             int terminated = 0;
             wnd->onEvent = [&](const char* event) {
                 terminated += std::string(event) == "Terminate";
-                if (wnd && std::string(event) == fatal)
-                    delete std::exchange(wnd, nullptr);
+                if (!wnd || std::string(event) != fatal)
+                    return;
+                delete std::exchange(wnd, nullptr);
+                if (std::string(event) != "Paint") // a host may tick wherever it is called
+                    OQToolkit::Get().ProcessEvents(0);
             };
             wnd->CreateChild(host.GetWindow(), u"Fatal");
             if (wnd) {
