@@ -306,8 +306,8 @@ bool C2DVisualizations::DrawAndPresent(IOQPaint& paint)
     if (m_drawMethod != DrawDirect)
         return false;
     if (!m_surface)
-        m_surface = std::make_unique<CDXSurface>(GetHandle());
-    return m_surface->Present(*image, GetClientSize());
+        m_surface = std::make_unique<CDXSurface>();
+    return m_surface->Present(*image, GetHandle(), GetClientSize());
 }
 
 // The picture itself where it may be shown.

@@ -16,16 +16,17 @@ class Presenter;
 class CDXSurface
 {
 public:
-    explicit CDXSurface(uintptr_t window); // an X11 window id
+    CDXSurface();
     ~CDXSurface();
     CDXSurface(const CDXSurface&) = delete;
     CDXSurface& operator=(const CDXSurface&) = delete;
 
-    // Stretched over a window of that size, in device pixels. False if the picture can't be shown.
-    bool Present(IOQImage& image, OQSize client);
+    // Stretched over a window, an X11 window id, of that size in device pixels. The window may be
+    // another one each time. False if the picture can't be shown.
+    bool Present(IOQImage& image, uintptr_t window, OQSize client);
 
 private:
-    uintptr_t m_window;
+    uintptr_t m_window = 0;
     std::unique_ptr<pxvis::Presenter> m_presenter;
     int64_t m_nextTry = 0; // ns, monotonic
 };
