@@ -4,8 +4,8 @@
 //
 // plays what "pxvis analyze" wrote in a window of 1280x720 on the display that DISPLAY names. With
 // a mode, or "Cycle All" without one, it prints a line a minute; SECONDS of 0 instead gives each
-// script three seconds and prints a line for each. The settings and scripts are the user's: set
-// XDG_CONFIG_HOME and XDG_DATA_HOME for others.
+// script three seconds and prints a line for each, without the second in which it starts. The
+// settings and scripts are the user's: set XDG_CONFIG_HOME and XDG_DATA_HOME for others.
 
 #include <pxvis/IOQVisualization.h>
 #include <pxvis/IOQVisualizationHost.h>
@@ -142,6 +142,15 @@ double ProcessorSeconds()
     return seconds(usage.ru_utime) + seconds(usage.ru_stime);
 }
 
+void Play(IOQVisualization& visualization, double seconds)
+{
+    const auto start = Clock::now();
+    while (SecondsSince(start) < seconds) {
+        visualization.SetProperty(u"Process Events", u"10");
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+}
+
 // Plays for so long and prints what it took.
 void Measure(IOQVisualization& visualization, Song& song, double seconds, const std::string& name)
 {
@@ -150,10 +159,7 @@ void Measure(IOQVisualization& visualization, Song& song, double seconds, const 
     const double cpu = ProcessorSeconds();
     song.slowest = 0;
     song.last = start;
-    while (SecondsSince(start) < seconds) {
-        visualization.SetProperty(u"Process Events", u"10");
-        std::this_thread::sleep_for(std::chrono::milliseconds(1));
-    }
+    Play(visualization, seconds);
     const double time = SecondsSince(start);
     std::printf("%-28s %5.1f paints/s, slowest %5.1f ms, %3.0f %% of a processor, %.1f MiB\n",
         name.c_str(), static_cast<double>(song.frames - frames) / time, song.slowest * 1000,
@@ -230,6 +236,7 @@ int main(int argc, char** argv)
         if (name.ends_with(u"Cycle All"))
             continue;
         choose(name);
+        Play(*visualization, 1);
         Measure(*visualization, host.song, 3, std::string(name.begin(), name.end()));
     }
     return 0;
