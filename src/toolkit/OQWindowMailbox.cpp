@@ -11,9 +11,13 @@ void OQWindowMailbox::Open(QObject* receiver)
     m_invalidated = false;
 }
 
-void OQWindowMailbox::Close()
+// A widget that goes late, behind its last event, finds the mailbox with the one that came after
+// it.
+void OQWindowMailbox::Close(const QObject* receiver)
 {
-    Open(nullptr);
+    const std::lock_guard guard(m_lock);
+    if (m_receiver == receiver)
+        m_receiver = nullptr;
 }
 
 // Posting under the lock keeps the receiver alive for that long.

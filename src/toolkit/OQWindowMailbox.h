@@ -10,9 +10,10 @@ class QObject;
 class OQWindowMailbox
 {
 public:
-    // The widget's thread only: from now on the widget receives, until it closes the mailbox again.
+    // The widget's thread only: from now on the widget receives, until it closes the mailbox again
+    // or the next widget opens it.
     void Open(QObject* receiver);
-    void Close();
+    void Close(const QObject* receiver);
 
     // False while there is no widget.
     bool Post(uint32_t message, intptr_t p1, intptr_t p2);

@@ -17,7 +17,9 @@
 
 namespace {
 
-int g_eventDepth = 0; // of all widgets; the thread of the windows only
+// Of all widgets; the thread of the windows only.
+int g_eventDepth = 0;
+int g_paintDepth = 0;
 
 // Qt's loop and the host's are above.
 template <class Call>
@@ -116,7 +118,7 @@ void OQWindowWidget::SetTitle(const QString& title)
 void OQWindowWidget::Disconnect()
 {
     m_wnd = nullptr;
-    m_mailbox->Close();
+    m_mailbox->Close(this);
     if (OQDisplayConnection* display = OQToolkit::Get().GetDisplay())
         display->Unwatch(this);
 }
@@ -151,6 +153,11 @@ void OQWindowWidget::FillParent()
 bool OQWindowWidget::IsInEvent()
 {
     return g_eventDepth > 0;
+}
+
+bool OQWindowWidget::IsInPaint()
+{
+    return g_paintDepth > 0;
 }
 
 OQSize OQWindowWidget::GetDeviceSize() const
@@ -189,12 +196,15 @@ bool OQWindowWidget::event(QEvent* event)
     if (event->type() == QEvent::WinIdChange && internalWinId() != 0)
         MarkWindow();
     const QPointer<OQWindowWidget> self(this);
-    const bool painting = std::exchange(m_painting, event->type() == QEvent::Paint);
+    const int paint = event->type() == QEvent::Paint ? 1 : 0;
+    const bool painting = std::exchange(m_painting, paint != 0);
     ++m_eventDepth;
     ++g_eventDepth;
+    g_paintDepth += paint;
     bool isDone = false;
     Guard([&] { isDone = m_wnd->OnPlatformEvent(*event); });
     --g_eventDepth;
+    g_paintDepth -= paint;
     if (!self)
         return true;
     --m_eventDepth;

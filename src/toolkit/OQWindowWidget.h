@@ -36,6 +36,7 @@ public:
 
     // Some widget of ours is handling an event, further up the stack.
     static bool IsInEvent();
+    static bool IsInPaint(); // which no other paint may come into
 
     OQSize GetDeviceSize() const;
     uint32_t GetHandle() const;

@@ -192,6 +192,55 @@ TEST_CASE("a window's object may be deleted in each of its events")
     });
 }
 
+TEST_CASE("a window that is made anew in one of its events is painted from then on")
+{
+    InProcessOfItsOwn([] {
+        XvfbDisplay display;
+        PlainHost host;
+        for (const char* const event : { "Paint", "Timer" }) {
+            CAPTURE(event);
+            TestWnd wnd;
+            wnd.onEvent = [&](const char* name) {
+                if (std::string(name) != event || wnd.initialized > 1)
+                    return;
+                wnd.Destroy();
+                CHECK(wnd.CreateChild(host.GetWindow(), u"Anew"));
+            };
+            REQUIRE(wnd.CreateChild(host.GetWindow(), u"Old"));
+            wnd.SetTimer(1, 20);
+            REQUIRE(PumpUntil([&] { return wnd.initialized == 2; }));
+            PumpFor(100); // the first one is gone for good
+            const int paints = wnd.paints;
+            wnd.Invalidate();
+            CHECK(PumpUntil([&] { return wnd.paints > paints; }));
+            CHECK(wnd.Post(7));
+            CHECK(PumpUntil([&] { return wnd.messages == std::vector<uint32_t> { 7 }; }));
+        }
+    });
+}
+
+TEST_CASE("a host that ticks in a paint starts no other one there")
+{
+    InProcessOfItsOwn([] {
+        XvfbDisplay display;
+        PlainHost host;
+        TestWnd wnd;
+        int depth = 0;
+        int deepest = 0;
+        wnd.onEvent = [&](const char* name) {
+            if (std::string(name) != "Paint" || depth > 5)
+                return;
+            deepest = std::max(deepest, ++depth);
+            wnd.Invalidate();
+            CHECK(OQToolkit::Get().ProcessEvents(5));
+            --depth;
+        };
+        REQUIRE(wnd.CreateChild(host.GetWindow(), u"Tick"));
+        CHECK(PumpUntil([&] { return wnd.paints > 5; }));
+        CHECK(deepest == 1);
+    });
+}
+
 TEST_CASE("mouse events arrive where the window is, also through a window that lies over it")
 {
     InProcessOfItsOwn([] {
