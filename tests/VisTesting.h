@@ -8,13 +8,19 @@
 #include <pxvis/SysString.h>
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <string>
 
 // Audio that a test sets as it likes.
 struct TestAudio final : IVisAudioData
 {
-    int32_t Refresh() override { return refreshResult; }
+    int32_t Refresh() override
+    {
+        if (onRefresh)
+            onRefresh();
+        return refreshResult;
+    }
 
     void Reserved() override { }
 
@@ -41,6 +47,7 @@ struct TestAudio final : IVisAudioData
     VisAudioBlock block {};
     int32_t values[4] = { 0, 0, 60000, 0 }; // level, beat, frame rate, change
     int32_t refreshResult = 0;
+    std::function<void()> onRefresh;
     std::u16string coverFile;
     std::map<int32_t, std::u16string> fields; // by VisTrackField; a missing one is unknown
     int fieldsAsked = 0;

@@ -80,7 +80,7 @@ bool OQToolkit::IsUsable() const
 bool OQToolkit::ProcessEvents(int32_t milliseconds)
 {
     const bool isUsable = CheckDisplay();
-    if (isUsable && QThread::currentThread()->loopLevel() > 0)
+    if (isUsable && (QThread::currentThread()->loopLevel() > 0 || OQWindowWidget::IsInPaint()))
         return true;
     if (isUsable)
         PumpQt(milliseconds);

@@ -31,8 +31,8 @@ public:
 
     // For hosts whose loop doesn't drive Qt: handles what is due there and on the thread's message
     // queue, for `milliseconds` at the most while there is more, and waits for nothing. Where Qt's
-    // own loop runs it leaves the work to that. False if there are no windows to be had on this
-    // thread (any more).
+    // own loop runs it leaves the work to that, and in a paint to the next call. False if there are
+    // no windows to be had on this thread (any more).
     bool ProcessEvents(int32_t milliseconds);
 
     // Only Qt's part of it, whatever loops run. True if there was anything.

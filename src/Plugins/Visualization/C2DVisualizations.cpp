@@ -16,6 +16,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <utility>
 
 namespace {
 
@@ -141,7 +142,11 @@ void C2DVisualizations::GetModes(OQStringArray* names, int32_t* current)
 bool C2DVisualizations::SetMode(const char16_t* mode)
 {
     return GuardedFromHost(u"C2DVisualizations::SetMode", false, [&] {
-        LoadMode(m_folder.GetModePath(mode));
+        const OQString path = m_folder.GetModePath(mode);
+        if (m_isDrawing) // what draws, and the data that it asks, must stay until it is done
+            m_nextPath = path;
+        else
+            LoadMode(path);
         return true;
     });
 }
@@ -244,6 +249,8 @@ void C2DVisualizations::OnResizeEngine()
 
 OQString C2DVisualizations::CurrentPath() const
 {
+    if (!m_nextPath.IsEmpty())
+        return m_nextPath;
     return m_unsavedPath.IsEmpty() ? m_settings.ReadString(u"Current Script", m_folder.GetAllPath())
                                    : m_unsavedPath;
 }
@@ -288,13 +295,15 @@ void C2DVisualizations::OnPaint(IOQPaint& paint)
         return;
     if (!DrawAndPresent(paint))
         paint.FillRect(GetClientRect(), 0);
+    if (!m_nextPath.IsEmpty())
+        LoadMode(std::exchange(m_nextPath, {}));
     if (m_redrawThread)
         m_redrawThread->OnPainted();
 }
 
 bool C2DVisualizations::DrawAndPresent(IOQPaint& paint)
 {
-    if (m_engine.Draw({ 0, 0, m_pictureSize.cx, m_pictureSize.cy }, m_showFrameRate) != 0)
+    if (!DrawPicture())
         return false;
     IOQImage* image = m_engine.GetBuffer().GetImage(0);
     if (image && m_flashLimit)
@@ -308,6 +317,25 @@ bool C2DVisualizations::DrawAndPresent(IOQPaint& paint)
     if (!m_surface)
         m_surface = std::make_unique<CDXSurface>();
     return m_surface->Present(*image, GetHandle(), GetClientSize());
+}
+
+bool C2DVisualizations::DrawPicture()
+{
+    struct Drawing
+    {
+        explicit Drawing(bool& flag)
+            : flag(flag)
+        {
+            flag = true;
+        }
+
+        ~Drawing() { flag = false; }
+
+        bool& flag;
+    };
+
+    const Drawing drawing(m_isDrawing);
+    return m_engine.Draw({ 0, 0, m_pictureSize.cx, m_pictureSize.cy }, m_showFrameRate) == 0;
 }
 
 // The picture itself where it may be shown.

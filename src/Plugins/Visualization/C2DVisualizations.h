@@ -86,6 +86,7 @@ private:
     void LoadRandomScript();
     void StartCycleTimer();
     bool DrawAndPresent(IOQPaint& paint);
+    bool DrawPicture();
     IOQImage* LimitFlashes(IOQImage& image);
 
     VisualizationSettings m_settings { u"Plugins\\Display\\Visualizations" };
@@ -102,6 +103,8 @@ private:
     OQStringArray m_scripts; // the files of the current mode
     int32_t m_currentScript = -1; // its index
     int32_t m_cycleTime; // ms
+    bool m_isDrawing = false; // the host is called, and may call back
+    OQString m_nextPath; // of the mode that it chose meanwhile; else empty
     OQString m_unsavedPath; // of the current mode, where the settings don't take it; else empty
     CVisFlashLimiter m_limiter;
     std::unique_ptr<IOQImage> m_dampedImage; // what is shown in place of a picture that flashes

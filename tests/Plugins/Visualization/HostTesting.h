@@ -35,6 +35,7 @@ struct TestHost final : IOQVisualizationHost
             if (std::u16string(name) == u"Legacy Data Object" && host.givesData) {
                 ++host.dataGiven;
                 host.audio = new TestAudio;
+                host.audio->onRefresh = host.onRefresh;
                 char digits[32];
                 std::snprintf(digits, sizeof digits, "0x%llX",
                     static_cast<unsigned long long>(reinterpret_cast<uintptr_t>(host.audio)));
@@ -59,6 +60,7 @@ struct TestHost final : IOQVisualizationHost
 
     std::map<std::u16string, std::u16string> properties;
     TestAudio* audio = nullptr; // the newest one; the engine's
+    std::function<void()> onRefresh; // of each audio object from now on
     bool givesData = true;
     bool refusesConnection = false;
     int connections = 0;

@@ -81,6 +81,31 @@ TEST_CASE("The mode can be changed, is kept, and all scripts of a folder come in
     CHECK(player.host.dataGiven > 4); // new data with each script
 }
 
+TEST_CASE(
+    "A host may choose another mode, tick and make the window anew while it is asked for data")
+{
+    PlayerWindow player(320, 200);
+    player.AddScript("Red.pxv", FlushPiece("0xE02010"));
+    player.AddScript("Blue.pxv", FlushPiece("0x1030E0"));
+    int calls = 0;
+    player.host.onRefresh = [&] {
+        IOQVisualization& visualization = *player.visualization;
+        CHECK(visualization.SetProperty(u"Process Events", u"5"));
+        if (++calls == 20) {
+            CHECK(visualization.SetProperty(u"Current Mode", u"Blue"));
+            CHECK(PropertyOf(visualization, u"Current Mode") == u"Blue");
+        }
+        if (calls == 40)
+            CHECK(visualization.CreateWnd(player.GetWindow(), 0) != 0);
+    };
+    REQUIRE(player.Open() != 0);
+    player.visualization->SetProperty(u"Current Mode", u"Red");
+    CHECK(player.RunUntil([&] { return player.Middle() == red; }));
+    CHECK(player.RunUntil([&] { return player.Middle() == blue; }));
+    CHECK(player.RunUntil([&] { return calls > 80; }));
+    CHECK(player.Middle() == blue);
+}
+
 TEST_CASE("Flashing light is damped unless the user wants it as it is")
 {
     for (const char* limit : { "1", "0" }) {
