@@ -192,4 +192,10 @@ TEST_CASE("What only looks like the process's block is left alone, and nothing w
         const Squatter squatter(size, 0600, other);
         CHECK(folder() == u"/mine/pxvis/");
     }
+    const std::string pipe = "/dev/shm/" + OQProcessBlock::GetName();
+    OQSharedMemory::Get().Forget();
+    REQUIRE(mkfifo(pipe.c_str(), 0600) == 0);
+    CHECK(folder() == u"/mine/pxvis/");
+    OQSharedMemory::Get().Forget();
+    CHECK(unlink(pipe.c_str()) == 0);
 }
