@@ -240,6 +240,11 @@ TEST_CASE("Texts come from addresses as from files, and sizes only if the server
 
     const OQFilename filename(Text(server.Url("/a")));
     const size_t requests = server.Requests().size();
+    const TestFolder folder;
+    std::filesystem::create_directories(folder / "http:");
+    folder.Write("http:/a.txt", "local");
+    CHECK(OQFileSystem::ReadTextFile(Text(folder.Path("http://a.txt")), text));
+    CHECK(text == u"local");
     CHECK(filename.GetSize() == -1);
     CHECK(server.Requests().size() == requests);
     CHECK(filename.GetSize(true) == 123456789012);
