@@ -196,7 +196,7 @@ TEST_CASE("A copy stands in for what the server says is unchanged")
     CHECK(loader.GetStatusCode() == 200);
 
     page = "second";
-    headers = "ETag: \"2\"\r\nCache-Control: private, No-Store\r\n";
+    headers = "ETag: \"2\"\r\nCache-Control: private, No-Store\r\nCache-Control: max-age=9\r\n";
     CHECK(Loaded(loader, url) == "second");
     CHECK(server.Requests().back().find("If-None-Match: W/\"1\"") != std::string::npos);
     CHECK(BytesOf(copy).find("second") == std::string::npos);
