@@ -33,40 +33,22 @@ struct Record
     VisAudioBlock block;
 };
 
-struct Song
+std::vector<Record> g_song(1); // a step of silence, or what the file has
+const auto g_start = std::chrono::steady_clock::now();
+
+// What is heard now; a player asks its audio clock instead. Starts over at its end.
+const Record& Now()
 {
-    explicit Song(const char* path)
-    {
-        std::ifstream file(path, std::ios::binary);
-        for (Record record; file.read(reinterpret_cast<char*>(&record), sizeof record);)
-            records.push_back(record);
-    }
-
-    // What is heard now; a player asks its audio clock instead. Starts over at its end.
-    const Record& Now() const
-    {
-        const std::chrono::duration<double> time = std::chrono::steady_clock::now() - start;
-        static constexpr Record silence {};
-        if (records.empty())
-            return silence;
-        return records[static_cast<size_t>(time.count() * 60) % records.size()];
-    }
-
-    std::vector<Record> records;
-    std::chrono::steady_clock::time_point start = std::chrono::steady_clock::now();
-};
+    const std::chrono::duration<double> time = std::chrono::steady_clock::now() - g_start;
+    return g_song[static_cast<size_t>(time.count() * 60) % g_song.size()];
+}
 
 // The library owns these, and asks for a new one with each script.
 struct AudioData final : IVisAudioData
 {
-    explicit AudioData(const Song& song)
-        : song(song)
-    {
-    }
-
     int32_t Refresh() override
     {
-        record = song.Now();
+        record = Now();
         return 0;
     }
 
@@ -89,17 +71,11 @@ struct AudioData final : IVisAudioData
 
     char16_t* ExpandText(const char16_t* text) override { return SysAllocString(text); }
 
-    const Song& song;
     Record record {};
 };
 
 struct Connection final : IOQHostConnection
 {
-    explicit Connection(const Song& song)
-        : song(song)
-    {
-    }
-
     void Refresh() override { }
 
     const int8_t* GetWaveform() override { return nullptr; } // for 3D scenes, as the next one
@@ -111,26 +87,17 @@ struct Connection final : IOQHostConnection
         if (std::u16string_view(name) != u"Legacy Data Object")
             return nullptr;
         char digits[32];
-        IVisAudioData* data = new AudioData(song);
+        IVisAudioData* data = new AudioData;
         std::snprintf(digits, sizeof digits, "0x%llx", reinterpret_cast<unsigned long long>(data));
         return SysAllocString(std::u16string(digits, digits + std::string(digits).size()).c_str());
     }
 
     const void* GetCoverImage() override { return nullptr; }
-
-    const Song& song;
 };
 
 struct Host final : IOQVisualizationHost
 {
-    explicit Host(const Song& song)
-        : song(song)
-    {
-    }
-
-    IOQHostConnection* Connect(OQVisualizationBase*) override { return new Connection(song); }
-
-    const Song& song;
+    IOQHostConnection* Connect(OQVisualizationBase*) override { return new Connection; }
 };
 
 std::vector<std::u16string> Modes(IOQVisualization& visualization)
@@ -168,8 +135,10 @@ int main(int argc, char** argv)
     XMapWindow(display, window);
     XSync(display, False); // the library has a connection of its own
 
-    const Song song(argv[2]);
-    Host host(song);
+    std::ifstream file(argv[2], std::ios::binary);
+    for (Record record; file.read(reinterpret_cast<char*>(&record), sizeof record);)
+        g_song.push_back(record);
+    Host host;
     const auto create = reinterpret_cast<decltype(&CreateVisualization)>(entry);
     std::unique_ptr<IOQVisualization> visualization(create(2, &host));
     if (!visualization || !visualization->CreateWnd(window, 0)) {

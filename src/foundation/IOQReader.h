@@ -28,8 +28,9 @@ public:
 
     // Opens a regular file by its path, or an address of http or https. True for any answer of a
     // server: what it says is its "StatusCode". Redirects are followed to such addresses alone,
-    // never to a file. `openMilliseconds`: until the answer's headers are there, and
-    // how far a slow server may lag behind. `idleMilliseconds`: without a byte. What was open is
+    // never to a file, from https to https only, and from a public server to public ones only.
+    // `openMilliseconds`: until the answer's headers are there, and how far a slow server may lag
+    // behind. `idleMilliseconds`: without a byte. What was open is
     // closed.
     virtual bool Open(const OQChar* path, int32_t openMilliseconds, int32_t idleMilliseconds) = 0;
 

@@ -14,9 +14,10 @@ constexpr std::string_view kFirstLine = "pxvis download 1";
 constexpr const char* kExtension = ".download";
 constexpr const char* kUnfinishedExtension = ".part"; // of writers that were killed
 
+// A server may send "\r" in the midst of a line; given back to it, it would begin another header.
 bool IsOneLine(std::string_view text)
 {
-    return text.find('\n') == text.npos;
+    return text.find_first_of("\r\n") == text.npos;
 }
 
 // Cuts the first line off.

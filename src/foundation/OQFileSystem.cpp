@@ -137,7 +137,8 @@ bool OQFileSystem::ReadTextFile(const OQString& path, OQString& text, size_t max
     text.Clear();
     if (path.IsEmpty())
         return true;
-    if (CFileLoader::IsAddress(path)) {
+    // Who has looked whether the file is there must not wait for a server.
+    if (CFileLoader::IsAddress(path) && !FileExists(path)) {
         OQLoadSettings settings;
         settings.maximumSize = maximumSize;
         CFileLoader loader(settings);

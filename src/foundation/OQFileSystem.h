@@ -24,11 +24,11 @@ public:
     // A file of any kind but a folder.
     static bool FileExists(const OQString& path);
 
-    // The text of a regular file, or of what a server sends for an address (a path with "://"),
-    // which must not be silent for more than four seconds: UTF-8, UTF-16 with a byte order mark, or
-    // else windows-1252, up to the first zero character. A lone LF is read as CR LF. An empty path
-    // gives true and an empty text. False, and an empty text, if the file can't be read, is of
-    // another kind or larger than `maximumSize` bytes.
+    // The text of a regular file, or of what a server sends for an address (a path with "://" where
+    // no file is), which must not be silent for more than four seconds: UTF-8, UTF-16 with a byte
+    // order mark, or else windows-1252, up to the first zero character. A lone LF is read as CR LF.
+    // An empty path gives true and an empty text. False, and an empty text, if the file can't be
+    // read, is of another kind or larger than `maximumSize` bytes.
     static bool ReadTextFile(
         const OQString& path, OQString& text, size_t maximumSize = MaximumTextFileSize);
 

@@ -54,13 +54,15 @@ bool OQProcessBlock::Read(OQProcessFolders& folders) const
     return true;
 }
 
-// Numbers of processes come again, but not together with the time of the start.
+// Numbers of processes come again, but not together with the time of the start. Both stay when a
+// process goes on with another program, which may have other folders.
 std::string OQProcessBlock::GetName()
 {
     const OQString name
         = OQFormat(nameFormat, { static_cast<int32_t>(Version), int32_t { ::getpid() } });
     return name.ToUtf8() + " " + std::to_string(::geteuid()) + " "
-        + std::to_string(pxvis::os::ProcessStartTime());
+        + std::to_string(pxvis::os::ProcessStartTime()) + " "
+        + std::to_string(pxvis::os::ProgramNumber());
 }
 
 bool OQProcessBlock::IsLeftOver(const std::string& name)
@@ -68,6 +70,8 @@ bool OQProcessBlock::IsLeftOver(const std::string& name)
     const OQString text = OQString::FromUtf8(name);
     const OQString format = nameFormat;
     const int process = text.Find(u'(') + 1;
-    return process > 0 && text.StartsWith(format.Left(format.Find(u'%')))
-        && !pxvis::os::ProcessExists(OQTextToInt64(text.GetText() + process));
+    if (process <= 0 || !text.StartsWith(format.Left(format.Find(u'%'))))
+        return false;
+    const int64_t number = OQTextToInt64(text.GetText() + process);
+    return number == ::getpid() ? name != GetName() : !pxvis::os::ProcessExists(number);
 }

@@ -30,10 +30,11 @@ struct OQProcessBlock
     // as it was, for a block that isn't filled or of another version.
     bool Read(OQProcessFolders& folders) const;
 
-    // Of the calling process: no other one, now or later, has a block of this name.
+    // Of the calling process and its program: no other one, now or later, has a block of this name.
     static std::string GetName();
 
-    // Is this the name of a block whose process is gone, having had no time to take it away?
+    // Is this the name of a block whose process is gone, or goes on with another program, having
+    // had no time to take it away?
     static bool IsLeftOver(const std::string& name);
 };
 

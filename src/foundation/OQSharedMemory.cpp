@@ -32,8 +32,9 @@ OQSharedMemory& OQSharedMemory::Get()
         auto* made = new OQSharedMemory;
         std::atexit([] {
             OQSharedMemory& self = Get();
-            const std::lock_guard lock(self.m_lock);
-            self.RemoveName();
+            // Whoever holds it may be a thread that a forked process doesn't have.
+            if (const std::unique_lock lock(self.m_lock, std::try_to_lock); lock)
+                self.RemoveName();
         });
         return made;
     }();

@@ -60,8 +60,15 @@ OQThread::OQThread() = default;
 OQThread::~OQThread()
 {
     Finish();
-    if (IOQMainThreadMessages* messages = LoadedMessages())
-        messages->Forget(this);
+}
+
+void OQThread::OnMainThreadMessage()
+{
+    try {
+        HandleMainThreadMessage();
+    } catch (...) {
+        OQLog(OQLogError, u"OQThread::OnMainThreadMessage", u"A message failed.");
+    }
 }
 
 bool OQThread::Start(int32_t priority, bool force)
@@ -89,9 +96,12 @@ bool OQThread::Start(int32_t priority, bool force)
         ++m_startCount;
         return true;
     }
+    // For those who wait for what won't come.
     const auto state = GetCurrent();
     state->threadId = -1;
     state->threadId.notify_all();
+    state->running = false;
+    state->ended.Set();
     const std::lock_guard guard(m_lock);
     m_current.reset();
     return false;
@@ -218,6 +228,9 @@ void OQThread::Finish()
     }();
     if (abandoned)
         abandoned->inside.wait(true);
+    // What it posted meanwhile, or somebody who never started it.
+    if (IOQMainThreadMessages* messages = LoadedMessages())
+        messages->Forget(this);
 }
 
 bool OQThread::HasAbandonedRun() const

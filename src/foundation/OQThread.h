@@ -32,7 +32,7 @@ class OQThread : public IMainThreadMessageManagerCallback
 public:
     OQThread();
 
-    void OnMainThreadMessage() override { HandleMainThreadMessage(); }
+    void OnMainThreadMessage() override;
 
     virtual ~OQThread();
     OQThread(const OQThread&) = delete;
@@ -115,7 +115,8 @@ protected:
     // Whether Stop may give up a run whose time is over.
     virtual bool MayHardKill() { return true; }
 
-    // Stops it and waits until no run is in the object any more, not even an abandoned one.
+    // Stops it, waits until no run is in the object any more, not even an abandoned one, and drops
+    // what was posted for the main thread.
     void Finish();
 
     // Any thread. Has HandleMainThreadMessage called on the main thread; false without tools.

@@ -6,6 +6,7 @@
 #include <charconv>
 #include <csignal>
 #include <string>
+#include <sys/auxv.h>
 
 namespace pxvis::os {
 
@@ -23,6 +24,18 @@ uint64_t ProcessStartTime()
     if (at != std::string::npos)
         std::from_chars(fields.data() + at + 1, fields.data() + fields.size(), time);
     return time;
+}
+
+// Of the random bytes that the system gives to each program, which keep its stacks safe from
+// strangers: hence no more than tells one program from another.
+uint32_t ProgramNumber()
+{
+    constexpr size_t count = 16;
+    const auto* bytes = reinterpret_cast<const unsigned char*>(::getauxval(AT_RANDOM));
+    uint64_t hash = 0xCBF29CE484222325; // FNV-1a
+    for (size_t i = 0; bytes && i < count; ++i)
+        hash = (hash ^ bytes[i]) * 0x100000001B3;
+    return bytes ? static_cast<uint32_t>(hash >> 32) : 0;
 }
 
 bool ProcessExists(int64_t number)

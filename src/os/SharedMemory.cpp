@@ -36,9 +36,10 @@ bool SharedMemory::Make(const std::string& name, size_t size)
     if (!file.IsOpen())
         return false;
     // The size comes last: by it others know that the rest is as it will be. The process's mask
-    // may have taken from the mode.
+    // may have taken from the mode. A size without the memory behind it would be a fault at the
+    // first write where there is no more room.
     if (::fchmod(file.Get(), ownersAlone) == 0
-        && ::ftruncate(file.Get(), static_cast<off_t>(size)) == 0
+        && ::posix_fallocate(file.Get(), 0, static_cast<off_t>(size)) == 0
         && Map(file.Get(), size, PROT_READ | PROT_WRITE))
         return true;
     Remove(name);
@@ -48,7 +49,9 @@ bool SharedMemory::Make(const std::string& name, size_t size)
 SharedMemory::Found SharedMemory::Open(const std::string& name, size_t size)
 {
     Unmap();
-    const Descriptor file(::shm_open(SystemName(name).c_str(), O_RDONLY | O_CLOEXEC, 0));
+    // Without waiting: anybody may have put a pipe there.
+    const Descriptor file(
+        ::shm_open(SystemName(name).c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC, 0));
 
     struct stat status
     {

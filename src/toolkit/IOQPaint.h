@@ -14,7 +14,7 @@ public:
     virtual void FillRect(const OQRect& rect, uint32_t color) = 0; // 0x00RRGGBB
     // Stretches the picture over the rectangle, bilinearly; its alpha doesn't count. False, and
     // nothing drawn, for an empty picture or rectangle or without memory.
-    virtual bool DrawImage(const IOQImage& image, const OQRect& rect) = 0;
+    virtual bool DrawImage(IOQImage& image, const OQRect& rect) = 0;
 
 protected:
     ~IOQPaint() = default;

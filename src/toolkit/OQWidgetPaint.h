@@ -13,7 +13,7 @@ public:
     explicit OQWidgetPaint(OQWindowWidget& widget);
 
     void FillRect(const OQRect& rect, uint32_t color) override;
-    bool DrawImage(const IOQImage& image, const OQRect& rect) override;
+    bool DrawImage(IOQImage& image, const OQRect& rect) override;
 
 private:
     OQWindowWidget& m_widget;

@@ -51,5 +51,6 @@ TEST_CASE("A cache of downloads keeps within its bounds, the newest longest")
 
     CHECK_FALSE(cache.Keep("http://a/none", { "", "", "text" }));
     CHECK_FALSE(cache.Keep("http://a\nb", { "t", "", "text" }));
+    CHECK_FALSE(cache.Keep("http://a", { "t\rHost: b", "", "text" }));
     CHECK_FALSE(OQDownloadCache(OQString()).Keep("http://a", { "t", "", "text" }));
 }

@@ -26,7 +26,11 @@ prefix=$work/stage/usr
 modules=$prefix/$(value_of CMAKE_INSTALL_LIBDIR)/pxvis
 [ -f "$prefix/include/pxvis/IVisAudioData.h" ] || fail "the headers are missing"
 [ -n "$(find "$prefix" -path '*/doc/*/LICENSES/*')" ] || fail "the licences are missing"
-[ -f "$modules/OQTools.so" ] || fail "the tools module is missing"
+for module in libpxvis.so OQTools.so OQReader.so; do
+    [ -f "$modules/$module" ] || fail "$module is missing"
+done
+library=$(PKG_CONFIG_PATH=$prefix/$(value_of CMAKE_INSTALL_LIBDIR)/pkgconfig pkg-config --variable=library pxvis)
+[ "$(realpath "$library")" = "$(realpath "$modules/libpxvis.so")" ] || fail "pkg-config names $library"
 [ -n "$(find "$prefix" -path '*/de/LC_MESSAGES/pxvis.mo')" ] || fail "the translations are missing"
 [ -n "$(find "$prefix" -name pxvis.1)" ] || fail "the manual page is missing"
 # Sanitizers put paths of their own into programs.

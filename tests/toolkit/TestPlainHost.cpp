@@ -315,7 +315,7 @@ void CheckPicture()
             CHECK_FALSE(paint.DrawImage(*image, { 0, 0, 2000000000, 2000000000 }));
         }
 
-        const IOQImage* image;
+        IOQImage* image;
     } wnd;
 
     wnd.image = image.get();

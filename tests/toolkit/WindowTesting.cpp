@@ -2,17 +2,11 @@
 
 #include <algorithm>
 #include <chrono>
-#include <csignal>
 #include <cstdlib>
 #include <ctime>
-#include <sys/prctl.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace {
 
-constexpr const char* ChildMark = "PXVIS_TEST_CHILD";
-constexpr int ChildSeconds = 100;
 constexpr int ProgramSeconds = 20;
 
 using Clock = std::chrono::steady_clock;
@@ -23,55 +17,6 @@ void Sleep(int milliseconds)
     nanosleep(&time, nullptr);
 }
 
-pid_t StartProgram(const std::vector<std::string>& command)
-{
-    std::vector<char*> arguments;
-    for (const std::string& argument : command)
-        arguments.push_back(const_cast<char*>(argument.c_str()));
-    arguments.push_back(nullptr);
-    const pid_t process = fork();
-    if (process != 0)
-        return process;
-    prctl(PR_SET_PDEATHSIG, SIGKILL);
-    execvp(arguments[0], arguments.data());
-    _exit(127);
-}
-
-// 0 if it ended well in time; one that doesn't end is killed.
-int WaitFor(pid_t process, int seconds, const std::function<void()>& meanwhile)
-{
-    const auto end = Clock::now() + std::chrono::seconds(seconds);
-    int status = -1;
-    while (waitpid(process, &status, WNOHANG) == 0) {
-        if (Clock::now() > end)
-            kill(process, SIGKILL);
-        meanwhile();
-    }
-    return status;
-}
-
-}
-
-void InProcessOfItsOwn(const std::function<void()>& body)
-{
-    if (const char* const mark = getenv(ChildMark)) {
-        REQUIRE(write(atoi(mark), "", 1) == 1); // it came this far
-        body();
-        return;
-    }
-    std::string filter = "--test-case=";
-    for (const char* c = doctest::getContextOptions()->currentTest->m_name; *c; ++c)
-        filter += *c == ',' ? std::string("\\,") : std::string(1, *c);
-    int ends[2] = {};
-    REQUIRE(pipe(ends) == 0);
-    setenv(ChildMark, std::to_string(ends[1]).c_str(), 1);
-    const pid_t process = StartProgram({ "/proc/self/exe", filter, "--minimal" });
-    unsetenv(ChildMark);
-    close(ends[1]);
-    CHECK(WaitFor(process, ChildSeconds, [] { Sleep(5); }) == 0);
-    char byte = 0;
-    CHECK(read(ends[0], &byte, 1) == 1);
-    close(ends[0]);
 }
 
 PlainHost::PlainHost(int width, int height, uint32_t color)
@@ -188,5 +133,5 @@ void PumpFor(int milliseconds)
 
 bool RunProgram(const std::vector<std::string>& command)
 {
-    return WaitFor(StartProgram(command), ProgramSeconds, [] { PumpFor(1); }) == 0;
+    return ChildProcess(command).Wait(ProgramSeconds, [] { PumpFor(1); }) == 0;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ChildProcess.h"
 #include "ScreenPixels.h"
 #include "XvfbDisplay.h"
 #include "toolkit/IOQPaint.h"
@@ -13,10 +14,6 @@
 #include <string_view>
 #include <vector>
 #include <xcb/xcb.h>
-
-// Runs the body of the current test case in a process of its own, since Qt's application object is
-// made once a process. Its checks print there; here it must end by itself, with nothing failed.
-void InProcessOfItsOwn(const std::function<void()>& body);
 
 // A top-level window of a program that has nothing to do with Qt, on a connection of its own.
 class PlainHost

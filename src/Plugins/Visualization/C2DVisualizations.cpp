@@ -15,6 +15,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cmath>
 #include <utility>
 
@@ -154,7 +155,7 @@ bool C2DVisualizations::SetMode(const char16_t* mode)
 IVisAudioData* C2DVisualizations::GetAudioData()
 {
     const uintptr_t address = TextToAddress(GetHostProperty(u"Legacy Data Object"));
-    return reinterpret_cast<IVisAudioData*>(address);
+    return std::bit_cast<IVisAudioData*>(address);
 }
 
 void C2DVisualizations::SetDrawMethod(int32_t method)

@@ -1,6 +1,7 @@
 #include "siblings/reader/HttpTransfer.h"
 
 #include "os/Clock.h"
+#include "os/NetworkAddress.h"
 
 #include <algorithm>
 #include <cstring>
@@ -22,10 +23,13 @@ bool StartLibrary()
     return started;
 }
 
-// Programs that this process starts don't get our connections.
-curl_socket_t OpenSocket(void*, curlsocktype, curl_sockaddr* address)
+bool IsSecure(CURLU* url)
 {
-    return ::socket(address->family, address->socktype | SOCK_CLOEXEC, address->protocol);
+    char* scheme = nullptr;
+    const bool isSecure = curl_url_get(url, CURLUPART_SCHEME, &scheme, 0) == CURLUE_OK
+        && std::string_view(scheme) == "https"; // the library gives it in lower case
+    curl_free(scheme);
+    return isSecure;
 }
 
 }
@@ -77,7 +81,7 @@ bool HttpTransfer::Configure(const HttpRequest& request)
     };
     set(CURLOPT_CURLU, m_url.get());
     set(CURLOPT_PROTOCOLS_STR, "http,https");
-    set(CURLOPT_REDIR_PROTOCOLS_STR, "http,https");
+    set(CURLOPT_REDIR_PROTOCOLS_STR, IsSecure(m_url.get()) ? "https" : "http,https");
     set(CURLOPT_FOLLOWLOCATION, 1L);
     set(CURLOPT_MAXREDIRS, kMostRedirects);
     set(CURLOPT_SSL_VERIFYPEER, 1L);
@@ -93,6 +97,7 @@ bool HttpTransfer::Configure(const HttpRequest& request)
     // A host's next address is tried while there is time.
     set(CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(request.idleMilliseconds));
     set(CURLOPT_OPENSOCKETFUNCTION, &OpenSocket);
+    set(CURLOPT_OPENSOCKETDATA, static_cast<void*>(this));
     set(CURLOPT_HEADERFUNCTION, &OnHeader);
     set(CURLOPT_HEADERDATA, static_cast<void*>(this));
     set(CURLOPT_WRITEFUNCTION, &OnBody);
@@ -100,6 +105,19 @@ bool HttpTransfer::Configure(const HttpRequest& request)
     if (result != CURLE_OK)
         return Fail(curl_easy_strerror(result));
     return curl_multi_add_handle(m_multi.get(), easy) == CURLM_OK || Fail("out of memory");
+}
+
+// Programs that this process starts don't get our connections. A server out there must not lead to
+// one that only this machine, or its network, can reach: the machine's own addresses are for those
+// who begin with them.
+curl_socket_t HttpTransfer::OpenSocket(void* transfer, curlsocktype, curl_sockaddr* address)
+{
+    auto& self = *static_cast<HttpTransfer*>(transfer);
+    const bool isPublic = os::IsPublicAddress(address->addr);
+    if (self.m_wentOut && !isPublic)
+        return CURL_SOCKET_BAD;
+    self.m_wentOut = self.m_wentOut || isPublic;
+    return ::socket(address->family, address->socktype | SOCK_CLOEXEC, address->protocol);
 }
 
 size_t HttpTransfer::OnHeader(const char* bytes, size_t, size_t size, void* transfer) noexcept

@@ -65,6 +65,7 @@ private:
         }
     };
 
+    static curl_socket_t OpenSocket(void* transfer, curlsocktype, curl_sockaddr* address);
     static size_t OnHeader(const char* bytes, size_t, size_t size, void* transfer) noexcept;
     static size_t OnBody(const char* bytes, size_t, size_t size, void* transfer) noexcept;
     bool Configure(const HttpRequest& request);
@@ -87,6 +88,7 @@ private:
     int64_t m_waited = 0; // ms in Read
     int32_t m_patience = 0;
     int32_t m_idle = 0;
+    bool m_wentOut = false; // to a public address
     bool m_bodyStarted = false;
     bool m_ended = false;
     bool m_failed = false;

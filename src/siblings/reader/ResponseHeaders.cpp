@@ -41,15 +41,15 @@ bool ResponseHeaders::Add(std::string_view line)
     return true;
 }
 
-std::string_view ResponseHeaders::Value(std::string_view name) const
+std::string ResponseHeaders::Value(std::string_view name) const
 {
-    std::string_view value;
+    std::string value;
     for (std::string_view rest = m_text; !rest.empty();) {
         const std::string_view line = rest.substr(0, rest.find('\n'));
         rest.remove_prefix(std::min(line.size() + 1, rest.size()));
         const size_t colon = line.find(':');
         if (colon != line.npos && EqualNoCase(line.substr(0, colon), name))
-            value = Trimmed(line.substr(colon + 1));
+            value.append(value.empty() ? "" : ", ").append(Trimmed(line.substr(colon + 1)));
     }
     return value;
 }

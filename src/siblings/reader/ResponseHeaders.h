@@ -20,8 +20,9 @@ public:
     // The status line and all others, as they came, without the empty one at their end.
     const std::string& Text() const { return m_text; }
 
-    // The last header of that name, trimmed; empty if there is none. Case makes no difference.
-    std::string_view Value(std::string_view name) const;
+    // The header of that name, trimmed, several as one list with ", " between; empty if there is
+    // none. Case makes no difference.
+    std::string Value(std::string_view name) const;
 
 private:
     std::string m_text;

@@ -139,4 +139,9 @@ int64_t ArchiveReader::Position() const
     return std::clamp<int64_t>(archive_filter_bytes(m_archive.get(), -1), 0, m_size);
 }
 
+int64_t ArchiveReader::Unpacked() const
+{
+    return archive_filter_bytes(m_archive.get(), 0);
+}
+
 }

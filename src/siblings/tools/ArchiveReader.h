@@ -58,6 +58,8 @@ public:
 
     int64_t Position() const; // up to Size()
 
+    int64_t Unpacked() const; // bytes so far, of which not all are the entries' files
+
 private:
     struct Close
     {

@@ -46,6 +46,8 @@ private:
 
     OQUnpackResult Add(const ArchiveReader::Entry& entry)
     {
+        if (m_reader.Unpacked() > m_mostBytes + (m_entries + 1) * CUnpacker::kMaxBytesAnEntry)
+            return OQUnpackTooMuch;
         std::string path;
         if (entry.kind == ArchiveReader::Kind::Other || !UnpackFolder::Normalize(entry.name, path))
             return OQUnpackRefused;

@@ -14,6 +14,9 @@ public:
     static constexpr int64_t kMaxRatio = 250; // of them to the archive's own ...
     static constexpr int64_t kAnyRatioBytes = 16 << 20; // ... once there are more than these
 
+    // What else there may be unpacked, such as headers; time and memory go by that, too.
+    static constexpr int64_t kMaxBytesAnEntry = 2048;
+
     int32_t Unpack(
         const OQChar* archive, const OQChar* folder, IOQUnpackProgress* progress) override;
 };

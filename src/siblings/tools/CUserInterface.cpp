@@ -1,7 +1,6 @@
 #include "siblings/tools/CUserInterface.h"
 
 #include "foundation/IOQDllString.h"
-#include "foundation/IOQMessageQueue.h"
 #include "foundation/IOQWindowServices.h"
 #include "foundation/OQString.h"
 #include "os/UserFolders.h"
@@ -10,8 +9,6 @@ void CUserInterface::PumpMessages()
 {
     if (IOQWindowServices* windows = m_windows)
         windows->PumpMessages();
-    else if (IOQMessageQueues* queues = IOQMessageQueues::Get())
-        queues->Pump();
 }
 
 void CUserInterface::GetUserName(IOQDllString& name) const

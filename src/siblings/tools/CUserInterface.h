@@ -6,7 +6,7 @@
 
 class IOQWindowServices;
 
-// Pumps by the windows that the module was given, or else by the message queues.
+// Pumps by the windows that the module was given; without any there is nothing to pump.
 class CUserInterface final : public IOQUserInterface
 {
 public:

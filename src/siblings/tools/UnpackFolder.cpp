@@ -46,8 +46,16 @@ UnpackFolder::UnpackFolder(std::string target)
         return;
     m_secret = pattern;
     const std::string contents = m_secret + kContents;
-    if (os::MakeFolder(contents))
-        m_folder = os::Descriptor(::open(contents.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (!os::MakeFolder(contents))
+        return;
+    m_folder = os::Descriptor(::open(contents.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+
+    struct stat status
+    {
+    };
+
+    if (m_folder.IsOpen() && ::stat(m_target.c_str(), &status) == 0)
+        ::fchmod(m_folder.Get(), status.st_mode & 07777); // it may be its owner's alone
 }
 
 UnpackFolder::~UnpackFolder()

@@ -11,6 +11,7 @@
 
 #include <doctest/doctest.h>
 
+#include <algorithm>
 #include <fcntl.h>
 #include <memory>
 #include <sys/mman.h>
@@ -143,6 +144,30 @@ TEST_CASE("A process that was forked off has a block of its own, which goes with
     close(ends[1]);
 }
 
+TEST_CASE("A process that goes on with another program works its folders out anew")
+{
+    FakeTools::Fresh();
+    const pid_t child = fork();
+    if (child == 0) {
+        setenv("XDG_DATA_HOME", "/before", 1);
+        OQProcessFolders::Get();
+        execl("/proc/self/exe", "after", "--no-skip", "-tc=After another program*", nullptr);
+        _exit(1);
+    }
+    int status = -1;
+    waitpid(child, &status, 0);
+    CHECK(status == 0);
+}
+
+TEST_CASE("After another program of the same process" * doctest::skip())
+{
+    CHECK(OQProcessFolders::Get().data == OQString::FromUtf8(PXVIS_BINARY_DIR "/home/data/pxvis/"));
+    const auto names = pxvis::os::SharedMemory::Names();
+    CHECK(std::count_if(names.begin(), names.end(), [](const std::string& name) {
+        return name.find("(" + std::to_string(getpid()) + ")") != name.npos;
+    }) == 1);
+}
+
 TEST_CASE("The block of a process that was killed goes with the next one's, those of others stay")
 {
     FakeTools::Fresh();
@@ -192,4 +217,10 @@ TEST_CASE("What only looks like the process's block is left alone, and nothing w
         const Squatter squatter(size, 0600, other);
         CHECK(folder() == u"/mine/pxvis/");
     }
+    const std::string pipe = "/dev/shm/" + OQProcessBlock::GetName();
+    OQSharedMemory::Get().Forget();
+    REQUIRE(mkfifo(pipe.c_str(), 0600) == 0);
+    CHECK(folder() == u"/mine/pxvis/");
+    OQSharedMemory::Get().Forget();
+    CHECK(unlink(pipe.c_str()) == 0);
 }

@@ -6,6 +6,9 @@
 
 #include <doctest/doctest.h>
 
+#include <chrono>
+#include <thread>
+
 namespace {
 
 // Posts as often as it is told.
@@ -26,6 +29,41 @@ private:
     }
 
     void HandleMainThreadMessage() override { ++handled; }
+};
+
+// Posts after it was given up, when its destructor waits for it; handling it throws.
+class Late final : public OQThread
+{
+public:
+    ~Late() override
+    {
+        SetStopTimeout(0);
+        SetFlushMessages(false);
+        Stop();
+        CHECK(HasAbandonedRun());
+        mayLeave.Set();
+        Finish();
+        pxvis::PollMessageQueues::Get().Pump();
+        CHECK(handled == 0);
+    }
+
+    OQEvent mayLeave { true };
+    int handled = 0;
+
+private:
+    uint8_t Run() override
+    {
+        mayLeave.Wait(-1);
+        std::this_thread::sleep_for(std::chrono::milliseconds(5)); // until it is waited for
+        CHECK(PostMainThreadMessage());
+        return 1;
+    }
+
+    void HandleMainThreadMessage() override
+    {
+        ++handled;
+        throw handled;
+    }
 };
 
 // The tools, started by this thread with a window for its messages.
@@ -88,4 +126,14 @@ TEST_CASE("A thread that doesn't flush drops what it posted when it stops")
     while (thread.WaitAndPump(-1) != OQWaitThreadEnded) { }
     queues.Pump();
     CHECK(thread.handled == 100);
+}
+
+TEST_CASE("What a thread posts after it was given up reaches no object that is being destroyed")
+{
+    const MainThread main(pxvis::PollMessageQueues::Get());
+    Late thread;
+    REQUIRE(thread.Start());
+    thread.OnMainThreadMessage(); // as the tools call it: nothing is thrown
+    CHECK(thread.handled == 1);
+    thread.handled = 0;
 }

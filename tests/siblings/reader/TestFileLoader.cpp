@@ -196,7 +196,7 @@ TEST_CASE("A copy stands in for what the server says is unchanged")
     CHECK(loader.GetStatusCode() == 200);
 
     page = "second";
-    headers = "ETag: \"2\"\r\nCache-Control: private, No-Store\r\n";
+    headers = "ETag: \"2\"\r\nCache-Control: private, No-Store\r\nCache-Control: max-age=9\r\n";
     CHECK(Loaded(loader, url) == "second");
     CHECK(server.Requests().back().find("If-None-Match: W/\"1\"") != std::string::npos);
     CHECK(BytesOf(copy).find("second") == std::string::npos);
@@ -240,6 +240,11 @@ TEST_CASE("Texts come from addresses as from files, and sizes only if the server
 
     const OQFilename filename(Text(server.Url("/a")));
     const size_t requests = server.Requests().size();
+    const TestFolder folder;
+    std::filesystem::create_directories(folder / "http:");
+    folder.Write("http:/a.txt", "local");
+    CHECK(OQFileSystem::ReadTextFile(Text(folder.Path("http://a.txt")), text));
+    CHECK(text == u"local");
     CHECK(filename.GetSize() == -1);
     CHECK(server.Requests().size() == requests);
     CHECK(filename.GetSize(true) == 123456789012);

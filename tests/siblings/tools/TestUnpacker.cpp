@@ -16,6 +16,7 @@ struct Entry
     std::string text;
     unsigned type = AE_IFREG;
     std::string link = {}; // what a symbolic or, of a file, a hard one leads to
+    std::string attribute = {}; // which stands in its header
 };
 
 // A name's ending says which kind of archive it is.
@@ -39,6 +40,9 @@ void Pack(const std::string& path, const std::vector<Entry>& entries)
             archive_entry_copy_symlink(header, entry.link.c_str());
         else if (!entry.link.empty())
             archive_entry_copy_hardlink(header, entry.link.c_str());
+        if (!entry.attribute.empty())
+            archive_entry_xattr_add_entry(
+                header, "user.a", entry.attribute.data(), entry.attribute.size());
         CHECK(archive_write_header(writer, header) >= ARCHIVE_WARN);
         if (!entry.text.empty())
             CHECK(archive_write_data(writer, entry.text.data(), entry.text.size()) >= 0);
@@ -120,7 +124,9 @@ TEST_CASE("Archives of each kind come out as they went in")
         CHECK(unpack.place.Read("out/new/deep/program") == "run");
         fs::remove_all(unpack.place.Path("out"));
         fs::create_directory(unpack.place.Path("out"));
+        fs::permissions(unpack.place.Path("out"), fs::perms::owner_all);
         CHECK(unpack(name) == OQUnpackDone);
+        CHECK(fs::status(unpack.place.Path("out")).permissions() == fs::perms::owner_all);
         fs::remove_all(unpack.place.Path("out"));
     }
     CHECK(SlotOf(&IOQUnpacker::Unpack) == 0);
@@ -158,6 +164,9 @@ TEST_CASE("An archive that would grow beyond all measure is given up")
     CHECK(unpack.Refused({ { "zeros", zeros } }) == OQUnpackTooMuch);
     CHECK(unpack.Refused({ { "zeros", zeros } }, "a.zip") == OQUnpackTooMuch);
     CHECK(unpack.Refused(std::vector<Entry>(100'001, { "./", "", AE_IFDIR })) == OQUnpackTooMuch);
+    const std::string attribute(300'000, '\0');
+    CHECK(unpack.Refused(std::vector<Entry>(30, { "a", "", AE_IFREG, "", attribute }))
+        == OQUnpackTooMuch);
     std::string deep;
     for (int level = 0; level <= 64; ++level)
         deep += "d/";

@@ -1,3 +1,4 @@
+#include "ChildProcess.h"
 #include "ScreenPixels.h"
 #include "TestFolder.h"
 #include "TestVariable.h"
@@ -6,16 +7,11 @@
 #include <doctest/doctest.h>
 
 #include <chrono>
-#include <csignal>
 #include <cstring>
 #include <functional>
-#include <spawn.h>
 #include <string>
-#include <sys/wait.h>
 #include <thread>
 #include <xcb/xcb.h>
-
-extern char** environ;
 
 namespace {
 
@@ -27,43 +23,6 @@ constexpr const char* ocean
       "Name=\"Oscilloscope\"><Properties><LineEquation>Across Middle"
       "</LineEquation></Properties></Component></PXV>";
 constexpr uint32_t blue = 0x1030e0;
-
-// A program that is ended with the object.
-class Program
-{
-public:
-    explicit Program(const std::vector<std::string>& command)
-    {
-        std::vector<char*> arguments;
-        for (const std::string& argument : command)
-            arguments.push_back(const_cast<char*>(argument.c_str()));
-        arguments.push_back(nullptr);
-        posix_spawnp(&m_process, arguments[0], nullptr, nullptr, arguments.data(), environ);
-    }
-
-    ~Program()
-    {
-        if (m_process > 0)
-            kill(m_process, SIGKILL);
-        Wait();
-    }
-
-    Program(const Program&) = delete;
-    Program& operator=(const Program&) = delete;
-
-    // What it ended with; -1 by a signal.
-    int Wait()
-    {
-        int status = -1;
-        if (m_process > 0)
-            waitpid(m_process, &status, 0);
-        m_process = -1;
-        return status >= 0 && WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    }
-
-private:
-    pid_t m_process = -1;
-};
 
 bool Until(const std::function<bool()>& isSo)
 {
@@ -168,7 +127,7 @@ TEST_CASE("The sample host shows a song, changes the mode, follows its size and 
                             .c_str())
         == 0);
 
-    Program host(
+    ChildProcess host(
         { PXVIS_BINARY_DIR "/bin/xlib-host", PXVIS_BINARY_DIR "/bin/libpxvis.so", records });
     HostWindow window;
     REQUIRE(Until([&] { return window.Find(); }));
@@ -202,5 +161,5 @@ TEST_CASE("The sample host shows a song, changes the mode, follows its size and 
         return changed > 0;
     }));
     window.Press(keyQ);
-    CHECK(host.Wait() == 0);
+    CHECK(host.Wait(20) == 0);
 }
