@@ -128,8 +128,9 @@ OQString VisScriptFolder::GetModePath(const OQString& mode) const
     return m_folder + relative;
 }
 
-bool VisScriptFolder::TakeRelative(const OQString& path, OQString& relative) const
+bool VisScriptFolder::TakeRelative(OQString path, OQString& relative) const
 {
+    path.Replace(u'\\', u'/');
     for (const OQString& folder : { m_folder, m_roots.shipped + scriptFolder }) {
         if (path.StartsWith(folder)) {
             relative = path.Mid(folder.GetLength());
@@ -156,12 +157,14 @@ OQStringArray VisScriptFolder::FindScripts(const OQString& path) const
 {
     OQString relative;
     const bool isOurs = TakeRelative(path, relative);
-    const int32_t name = path.ReverseFind(u'/') + 1;
-    if (path.Mid(name) != allNames)
-        return { isOurs ? FindOne(relative) : path };
+    OQString native = path;
+    native.Replace(u'\\', u'/');
+    const int32_t name = native.ReverseFind(u'/') + 1;
+    if (native.Mid(name) != allNames)
+        return { isOurs ? FindOne(relative) : native };
     OQStringArray scripts;
     if (!isOurs) {
-        OQFileFinder finder(path.Left(name), u"*.pxv", OQFinderDepth::TreeAndLinks);
+        OQFileFinder finder(native.Left(name), u"*.pxv", OQFinderDepth::TreeAndLinks);
         while (finder.Next()) {
             if (!finder.IsFolder())
                 scripts.Add(finder.GetPath());

@@ -23,14 +23,14 @@ public:
     OQString GetModePath(const OQString& mode) const;
 
     // The files of a mode, the user's before shipped ones of the same name. A mode of one script
-    // always has one file, which need not be there.
+    // always has one file, which need not be there. "\" in a path counts as "/".
     OQStringArray FindScripts(const OQString& path) const;
 
 private:
     static constexpr const OQChar* allNames = u"*.*";
 
     // Below the folder, with "/"; false for a path elsewhere.
-    bool TakeRelative(const OQString& path, OQString& relative) const;
+    bool TakeRelative(OQString path, OQString& relative) const;
     OQStringArray ListRelative() const;
     OQString FindOne(const OQString& relative) const;
 

@@ -105,6 +105,13 @@ TEST_CASE(
     CHECK(folder.FindScripts(u"/elsewhere/x.pxv").Join(u"|") == u"/elsewhere/x.pxv");
     CHECK(folder.FindScripts(OQString::FromUtf8(scripts.folder.Path("user/*.*"))).Join(u"|")
         == own + u"|" + tide);
+    OQString all = folder.GetModePath(u"Calm\\Cycle All");
+    all.Replace(u'/', u'\\');
+    CHECK(folder.FindScripts(all).GetCount() == 3);
+    int32_t current = -1;
+    const OQStringArray modes = folder.ListModes(all, current);
+    REQUIRE(current >= 0);
+    CHECK(modes[current] == u"Calm\\Cycle All");
 }
 
 TEST_CASE("No mode leads out of the folder of scripts")
