@@ -38,7 +38,8 @@ public:
 class IOQVisualizationHost
 {
 public:
-    // Called once by each visualization, when it first needs something.
+    // Called once by each visualization, when it first needs something; again as long as it gives
+    // null.
     virtual IOQHostConnection* Connect(OQVisualizationBase* self) = 0;
 
 protected:

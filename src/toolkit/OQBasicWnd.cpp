@@ -171,6 +171,12 @@ void OQBasicWnd::Enable(bool enable)
         m_widget->setEnabled(enable);
 }
 
+void OQBasicWnd::LetInputThrough()
+{
+    if (m_widget)
+        m_widget->LetInputThrough();
+}
+
 void OQBasicWnd::SetFocus()
 {
     if (m_widget)

@@ -45,6 +45,8 @@ public:
     const OQString& GetText() const { return m_text; }
 
     void Enable(bool enable); // whether mouse and keyboard reach it
+    // From now on mouse and keys are as if the window weren't there: they reach the parent.
+    void LetInputThrough();
     void SetFocus();
     void SetCapture();
     void ReleaseCapture();

@@ -13,7 +13,7 @@
 #include <cmath>
 #include <string>
 #include <utility>
-#include <xcb/xcb.h>
+#include <xcb/shape.h>
 
 namespace {
 
@@ -107,6 +107,26 @@ void OQWindowWidget::MarkWindow()
     both += '\0';
     xcb_change_property(native->connection(), XCB_PROP_MODE_REPLACE, GetHandle(), XCB_ATOM_WM_CLASS,
         XCB_ATOM_STRING, 8, static_cast<uint32_t>(both.size()), both.data());
+    if (m_letsInputThrough)
+        EmptyInputShape(native->connection());
+}
+
+// An X server without shapes leaves the input to the window.
+void OQWindowWidget::EmptyInputShape(xcb_connection_t* connection)
+{
+    const auto* const shape = xcb_get_extension_data(connection, &xcb_shape_id);
+    if (shape && shape->present)
+        xcb_shape_rectangles(connection, XCB_SHAPE_SO_SET, XCB_SHAPE_SK_INPUT,
+            XCB_CLIP_ORDERING_UNSORTED, GetHandle(), 0, 0, 0, nullptr);
+}
+
+// The widget as well, for a parent of the same toolkit.
+void OQWindowWidget::LetInputThrough()
+{
+    m_letsInputThrough = true;
+    setAttribute(Qt::WA_TransparentForMouseEvents);
+    setFocusPolicy(Qt::NoFocus);
+    MarkWindow();
 }
 
 void OQWindowWidget::SetTitle(const QString& title)

@@ -12,6 +12,7 @@
 #include <memory>
 #include <string>
 
+struct xcb_connection_t;
 class OQBasicWnd;
 
 // The widget behind an OQBasicWnd: a native window that fills a window of the host's. Where that is
@@ -41,6 +42,7 @@ public:
     OQSize GetDeviceSize() const;
     uint32_t GetHandle() const;
     void TakeKeyboardFocus();
+    void LetInputThrough();
     void SetTitle(const QString& title);
 
     void SetPaintDue();
@@ -55,6 +57,7 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    void EmptyInputShape(xcb_connection_t* connection);
     void OnParentSize(const OQSize& size) override;
     void OnParentDestroyed() override;
 
@@ -66,6 +69,7 @@ private:
     std::shared_ptr<OQWindowMailbox> m_mailbox;
     std::unique_ptr<QWindow> m_foreignParent; // null: a child of a widget
     OQSize m_foreignSize;
+    bool m_letsInputThrough = false;
     std::string m_className; // UTF-8
     QString m_title;
     QImage m_picture;

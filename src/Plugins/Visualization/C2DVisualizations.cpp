@@ -192,6 +192,7 @@ void C2DVisualizations::OnInitialize()
 {
     OQSystemWnd::OnInitialize();
     SetText(u"PXVisEngine");
+    LetInputThrough(); // whatever is done over the picture is meant for the player
     m_redrawThread = std::make_unique<OQRedrawThread>(*this, framesPerSecond);
     m_redrawThread->Start();
     RegisterMessage(messageResizeEngine, [this](intptr_t, intptr_t) { OnResizeEngine(); });
@@ -212,7 +213,7 @@ void C2DVisualizations::OnTerminate()
 
 void C2DVisualizations::OnSize(const OQSize& client)
 {
-    OQSystemWnd::OnSize(client);
+    OQSystemWnd::OnSize(client); // the surface stays: it is told the size with each picture
     KillTimer(timerResize);
     SetTimer(timerResize, resizeDelay);
 }
@@ -231,13 +232,15 @@ void C2DVisualizations::OnTimer(int32_t id)
 OQSize C2DVisualizations::PictureSizeFor(OQSize client, int32_t quality)
 {
     constexpr int32_t least = 8;
+    constexpr int32_t leastDrawn = 5; // by the engine, in windows that are all but lines
     const OQSize size { std::max(client.cx, least), std::max(client.cy, least) };
     const int32_t limit = mostPixels[static_cast<size_t>(quality) - 1];
     if (int64_t { size.cx } * size.cy < limit)
         return size;
     const float shape = static_cast<float>(size.cx) / static_cast<float>(size.cy);
     const int32_t height = OQTruncateToInt32(std::sqrt(limit / (shape + 1.0)));
-    return { OQTruncateToInt32(static_cast<float>(height) * shape), height };
+    const int32_t width = OQTruncateToInt32(static_cast<float>(height) * shape);
+    return { std::max(width, leastDrawn), std::max(height, leastDrawn) };
 }
 
 void C2DVisualizations::OnResizeEngine()

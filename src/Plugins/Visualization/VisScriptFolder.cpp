@@ -21,10 +21,12 @@ bool IsEqualNoCase(const OQString& a, const OQString& b)
     return a.CompareNoCase(b) == 0;
 }
 
-// Modes are told apart by "|" in lists and by "\" in folders.
+// Modes are told apart by "|" in lists and by "\" in folders. A name that isn't UTF-8 leads back to
+// no file.
 bool CanBeMode(const OQString& relative)
 {
-    return relative.Find(u'|') < 0 && relative.Find(u'\\') < 0;
+    constexpr OQChar replacement = u'\xFFFD';
+    return relative.Find(u'|') < 0 && relative.Find(u'\\') < 0 && relative.Find(replacement) < 0;
 }
 
 // The deepest first, those of one depth as people sort them.
@@ -98,7 +100,8 @@ OQStringArray VisScriptFolder::ListModes(const OQString& currentPath, int32_t& c
     OQStringArray modes;
     current = -1;
     const auto add = [&](const OQString& mode, const OQString& name) {
-        if (currentName == name)
+        // Scripts are found whatever the case, but of two the one that is written so.
+        if (currentName == name || (current < 0 && IsEqualNoCase(currentName, name)))
             current = modes.GetCount();
         modes.Add(mode);
     };

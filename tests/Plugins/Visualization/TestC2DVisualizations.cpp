@@ -53,6 +53,7 @@ TEST_CASE("The picture is the window, or as large a picture of its shape as the 
     CHECK(size(1, 0, 3) == OQSize { 8, 8 });
     CHECK(size(3, 100, 3) == OQSize { 8, 100 });
     CHECK(size(30000, 30000, 1).cx < 300);
+    CHECK(size(20, 30000, 1) == OQSize { 5, 277 });
 }
 
 TEST_CASE("The menu offers the qualities, and the choice is kept")

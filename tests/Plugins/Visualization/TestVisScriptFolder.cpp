@@ -55,6 +55,7 @@ TEST_CASE("Modes are all scripts of both roots, the deepest first, each folder w
     scripts.Add("user", "Calm/Mine/Own.pxv");
     scripts.Add("user", "Calm/no script.txt");
     scripts.Add("user", "no|mode.pxv");
+    scripts.Add("user", "no\xffname.pxv");
 
     int32_t current = -2;
     const VisScriptFolder folder = scripts.Make();
@@ -72,6 +73,8 @@ TEST_CASE("Modes are all scripts of both roots, the deepest first, each folder w
     }
     folder.ListModes(scripts.Path("shipped", "Zero.pxv"), current); // from older settings
     CHECK(current == 8);
+    folder.ListModes(folder.GetModePath(u"calm\\HARBOUR"), current);
+    CHECK(current == 6);
 }
 
 TEST_CASE(
