@@ -8,6 +8,10 @@ foreach(module px_Plugins_Visualization_library px_siblings_image px_siblings_to
     endif()
 endforeach()
 
+# All of these, without the tests.
+add_custom_target(installed DEPENDS px_apps_pxvis_main px_Plugins_Visualization_library px_siblings_image
+    px_siblings_tools px_siblings_reader)
+
 install(DIRECTORY "${CMAKE_SOURCE_DIR}/data/" DESTINATION "${PXVIS_INSTALL_DATADIR}" PATTERN kicks.txt EXCLUDE)
 install(DIRECTORY "${CMAKE_BINARY_DIR}/locale/" DESTINATION "${PXVIS_INSTALL_LOCALEDIR}" OPTIONAL
     FILES_MATCHING PATTERN "*.mo")

@@ -1,9 +1,9 @@
 // A display for music in plain Xlib: loads libpxvis.so, gives it a window, feeds it a song and
 // lets the keys choose what is shown. Space: next mode, Backspace: the one before, q: quit.
 //
-//     c++ -std=c++20 xlib-host.cpp -lX11 -o xlib-host
+//     c++ -std=c++17 $(pkg-config --cflags pxvis) xlib-host.cpp -lX11 -ldl -o xlib-host
 //     pxvis analyze song.flac > song.records
-//     ./xlib-host /usr/lib/x86_64-linux-gnu/pxvis/libpxvis.so song.records
+//     ./xlib-host $(pkg-config --variable=library pxvis) song.records
 //
 // SPDX-License-Identifier: 0BSD
 
@@ -157,7 +157,10 @@ int main(int argc, char** argv)
             XEvent event;
             XNextEvent(display, &event);
             const KeySym key = event.type == KeyPress ? XLookupKeysym(&event.xkey, 0) : NoSymbol;
-            running = event.type != ClientMessage && key != XK_q;
+            // Other messages may come, too: toolkits send their own to windows they embed in.
+            const bool isClosed = event.type == ClientMessage
+                && static_cast<Atom>(event.xclient.data.l[0]) == closed;
+            running = !isClosed && key != XK_q;
             if (key == XK_space || key == XK_BackSpace) {
                 mode = (mode + (key == XK_space ? 1 : modes.size() - 1)) % modes.size();
                 visualization->SetProperty(u"Current Mode", modes[mode].c_str());

@@ -34,7 +34,7 @@ OQString FileOfScripts(const OQString& path, const OQDataRoots& roots)
         ++slashes;
     name.Delete(0, slashes);
     for (const OQString& relative : { name, u"Images/" + name, OQString(u"Images/Default.gif") }) {
-        OQString file = roots.FindFile(u"Visualizations/Vis Studio/" + relative);
+        OQString file = roots.FindFile(OQDataRoots::scripts + relative);
         if (!file.IsEmpty())
             return file;
     }

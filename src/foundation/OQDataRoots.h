@@ -14,6 +14,9 @@ struct OQDataFile
 // "/" and trusted; both folders have "/" at their ends, and an empty one holds nothing.
 struct OQDataRoots
 {
+    // Where the scripts lie, below either.
+    static constexpr const OQChar* scripts = u"Visualizations/Vis Studio/";
+
     OQString user;
     OQString shipped;
 

@@ -27,7 +27,7 @@ constexpr int32_t timerResize = 1;
 constexpr int32_t timerCycle = 2;
 constexpr int32_t resizeDelay = 150; // ms that a size must have stayed
 // A stored cycle time may be anything; the editor of the settings offers 5 s and more.
-constexpr int32_t shortestCycle = 100; // ms
+constexpr int32_t shortestCycle = 1000; // ms
 constexpr int32_t commandQuality = 1010; // and up to 9 more
 constexpr double framesPerSecond = 60.0;
 
@@ -279,7 +279,9 @@ void C2DVisualizations::LoadRandomScript()
     m_currentScript = OQRand() % m_scripts.GetCount();
     const OQString& script = m_scripts[m_currentScript];
     OQLog(OQLogDebug, u"C2DVisualizations::LoadRandomScript", u"%s", { script });
-    m_engine.LoadScript(script);
+    if (m_engine.LoadScript(script) != 0)
+        OQLog(OQLogWarning, u"C2DVisualizations::LoadRandomScript",
+            u"There is no script to be read in %s", { script });
 }
 
 void C2DVisualizations::StartCycleTimer()

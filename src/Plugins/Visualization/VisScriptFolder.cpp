@@ -11,7 +11,7 @@
 
 namespace {
 
-constexpr const OQChar* scriptFolder = u"Visualizations/Vis Studio/";
+constexpr const OQChar* scriptFolder = OQDataRoots::scripts;
 constexpr const OQChar* extension = u".pxv";
 constexpr int32_t extensionLength = 4;
 constexpr const OQChar* cycleAll = u"Cycle All";

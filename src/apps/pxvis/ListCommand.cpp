@@ -20,8 +20,6 @@ namespace pxvis {
 
 namespace {
 
-constexpr const OQChar* scriptFolder = u"Visualizations/Vis Studio/";
-
 const char* FormName(CVisRowForm form)
 {
     switch (form) {
@@ -239,7 +237,7 @@ void PrintScripts(ListForm form, std::ostream& output)
 {
     constexpr int32_t ending = 4; // ".pxv"
     std::vector<std::string> names;
-    for (const OQDataFile& file : OQDataRoots::Get().List(scriptFolder, u"*.pxv")) {
+    for (const OQDataFile& file : OQDataRoots::Get().List(OQDataRoots::scripts, u"*.pxv")) {
         const OQString name = file.relative.Left(file.relative.GetLength() - ending);
         names.push_back(name.ToUtf8());
         if (form == ListForm::Json)

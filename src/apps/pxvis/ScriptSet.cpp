@@ -14,7 +14,6 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr size_t mostScripts = 10000;
-constexpr const OQChar* scriptFolder = u"Visualizations/Vis Studio/";
 
 std::vector<std::string> ScriptsBelow(const fs::path& folder)
 {
@@ -67,7 +66,7 @@ std::string FindNamed(const OQString& name, const fs::path& folder)
 std::vector<std::string> FindMood(const OQString& name)
 {
     std::vector<std::string> scripts;
-    for (const OQDataFile& file : OQDataRoots::Get().List(scriptFolder, u"*.pxv")) {
+    for (const OQDataFile& file : OQDataRoots::Get().List(OQDataRoots::scripts, u"*.pxv")) {
         if (file.relative.StartsWithNoCase(name + u"/"))
             scripts.push_back(file.path.ToUtf8());
     }

@@ -63,7 +63,7 @@ TEST_CASE("The mode can be changed, is kept, and all scripts of a folder come in
     PlayerWindow player(320, 200);
     player.AddScript("Test/Red.pxv", FlushPiece("0xE02010"));
     player.AddScript("Test/Blue.pxv", FlushPiece("0x1030E0"));
-    player.Set("Script Cycle MS", "120");
+    player.Set("Script Cycle MS", "1"); // no shorter than a second
     REQUIRE(player.Open() != 0);
     IOQVisualization& visualization = *player.visualization;
     CHECK(visualization.SetProperty(u"Current Mode", u"Test\\Red"));
@@ -71,7 +71,7 @@ TEST_CASE("The mode can be changed, is kept, and all scripts of a folder come in
     CHECK(visualization.SetProperty(u"Current Mode", u"Test\\Blue"));
     CHECK(player.RunUntil([&] { return player.Middle() == blue; }));
     CHECK(PropertyOf(visualization, u"Current Mode") == u"Test\\Blue");
-    player.Run(400); // a script alone stays
+    player.Run(1500); // a script alone stays
     CHECK(player.Middle() == blue);
 
     CHECK(visualization.SetProperty(u"Current Mode", u"Test\\Cycle All"));
