@@ -406,6 +406,10 @@ void OQString::Split(OQChar separator, OQStringArray& parts) const
 {
     const OQString text(*this); // the list may hold this very string
     parts.Clear();
+    // A list from a stranger may have millions of pieces, and growing over and over costs more than
+    // all else then.
+    parts.Reserve(
+        1 + static_cast<int>(std::count(text.View().begin(), text.View().end(), separator)));
     int from = 0;
     for (int at = text.Find(separator); at >= 0; at = text.Find(separator, from)) {
         parts.Add(OQString(text.m_text + from, at - from));
