@@ -31,11 +31,12 @@ public:
     Presenter& operator=(const Presenter&) = delete;
 
     // Hands over a picture, which is copied, to be shown stretched over the whole client area of
-    // width x height device pixels. Waits for the picture before it to be shown, for at most 17 ms;
-    // if that one still waits then, this one takes its place. A picture or an area without pixels
-    // shows nothing new. False once presenting is impossible: no way works, or the window or the
-    // display is gone. False, too, for a picture of more than 16384 pixels a side or 64 * 2^20 in
-    // all, an area of more than 32767 pixels a side, and without memory.
+    // width x height device pixels. One may wait behind the one that is being shown, so that a
+    // frame that takes longer holds up nobody; where there is one, waits for its turn to come for
+    // at most 17 ms and takes its place then. A picture or an area without pixels shows nothing
+    // new. False once presenting is impossible: no way works, or the window or the display is gone.
+    // False, too, for a picture of more than 16384 pixels a side or 64 * 2^20 in all, an area of
+    // more than 32767 pixels a side, and without memory.
     bool Present(const PresenterPicture& picture, int32_t width, int32_t height);
 
     // "EGL", "MIT-SHM" or "XPutImage"; empty before the first picture is shown and once presenting

@@ -39,8 +39,7 @@ bool PresenterThread::Present(const PresenterPicture& picture, int32_t width, in
     m_isEnded = m_isEnded || cannotStart;
     if (!picture.bits || picture.width < 1 || picture.height < 1 || width < 1 || height < 1)
         return !m_isEnded;
-    m_idle.wait_for(
-        guard, longestWait, [this] { return m_isEnded || (!m_isWaiting && !m_isShowing); });
+    m_idle.wait_for(guard, longestWait, [this] { return m_isEnded || !m_isWaiting; });
     if (m_isEnded)
         return false;
     try {
@@ -108,15 +107,12 @@ uint8_t PresenterThread::Run()
 bool PresenterThread::TakeFrame()
 {
     std::unique_lock guard(m_lock);
-    m_isShowing = false;
-    if (!m_isWaiting)
-        m_idle.notify_all();
     m_wake.wait(guard, [this] { return m_isWaiting || IsCancelled(); });
     if (IsCancelled())
         return false;
     std::swap(m_waiting, m_shown);
     m_isWaiting = false;
-    m_isShowing = true;
+    m_idle.notify_all();
     return true;
 }
 

@@ -55,10 +55,9 @@ private:
 
     mutable std::mutex m_lock; // of all that follows
     std::condition_variable m_wake; // the thread: a frame waits, or the end
-    std::condition_variable m_idle; // the others: nothing waits or is being shown, or the end
+    std::condition_variable m_idle; // the others: nothing waits, or the end
     Frame m_waiting;
     bool m_isWaiting = false;
-    bool m_isShowing = false;
     bool m_isEnded = false; // the thread's work, for good
     const char* m_method = "";
 };
