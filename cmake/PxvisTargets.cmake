@@ -1,13 +1,13 @@
 # The two functions that every folder uses, and the flags that every target shares.
 #
-#   oq_library(<folder> [KIND STATIC|MODULE|SHARED] [DEPENDS <folders>] [LIBRARIES <targets of others>]
-#       [OUTPUT_NAME <name>] [EXPORTS <symbols>])
+#   oq_library(<folder> [KIND STATIC|MODULE|SHARED|EXECUTABLE] [DEPENDS <folders>] [LIBRARIES <targets of others>]
+#       [OUTPUT_NAME <name>] [EXPORTS <symbols>] [MOC])
 #   oq_test(<folder> [DEPENDS <folders>] [LIBRARIES <targets of others>] [MODULES <folders>] [LABELS <labels>]
 #       [ENVIRONMENT <NAME=value>])
 #
 # A folder src/a/b is the target px_a_b; its sources are all *.cpp in it. DEPENDS names the folders it
 # may include; CheckLayers.cmake holds every #include against the declared folders. EXPORTS is all that a
-# module or shared library shows. MODULES are loaded by the test at run time and built before it.
+# module or shared library shows. MOC: its classes have signals of Qt's. MODULES are loaded by the test at run time and built before it.
 
 if(NOT DEFINED CMAKE_CXX_COMPILER_LAUNCHER)
     find_program(PXVIS_CCACHE ccache)
@@ -78,7 +78,7 @@ function(_oq_close_borders target)
 endfunction()
 
 function(oq_library folder)
-    cmake_parse_arguments(arg "" "KIND;OUTPUT_NAME" "DEPENDS;LIBRARIES;EXPORTS" ${ARGN})
+    cmake_parse_arguments(arg "MOC" "KIND;OUTPUT_NAME" "DEPENDS;LIBRARIES;EXPORTS" ${ARGN})
     if(NOT arg_KIND)
         set(arg_KIND STATIC)
     endif()
@@ -103,6 +103,7 @@ function(oq_library folder)
         target_sources(${target} PUBLIC FILE_SET HEADERS BASE_DIRS "${CMAKE_SOURCE_DIR}/src" FILES ${headers})
         set_target_properties(${target} PROPERTIES VERIFY_INTERFACE_HEADER_SETS ON)
     endif()
+    set_target_properties(${target} PROPERTIES AUTOMOC ${arg_MOC})
     if(arg_OUTPUT_NAME)
         set_target_properties(${target} PROPERTIES OUTPUT_NAME "${arg_OUTPUT_NAME}" PREFIX "")
     endif()

@@ -5,12 +5,12 @@
 PXVIS_PACKAGES="g++ cmake ninja-build pkg-config ccache
     gettext libspdlog-dev libkissfft-dev libcli11-dev libpango1.0-dev libgdk-pixbuf-2.0-dev webp-pixbuf-loader
     qt6-base-dev libxcb1-dev libxcb-shm0-dev libxcb-shape0-dev libepoxy-dev libegl-dev libgl1-mesa-dri libegl-mesa0
-    libcurl4-openssl-dev libarchive-dev zlib1g-dev
+    libcurl4-openssl-dev libarchive-dev zlib1g-dev libsqlite3-dev
     libgstreamer1.0-dev libgstreamer-plugins-base1.0-dev
     gstreamer1.0-plugins-base gstreamer1.0-plugins-good gstreamer1.0-plugins-ugly gstreamer1.0-libav
     fonts-dejavu-core"
 PXVIS_TEST_PACKAGES="doctest-dev clang-format clang libclang-rt-14-dev python3
-    xvfb xdotool openbox libx11-dev"
+    xvfb xdotool openbox libx11-dev dbus-daemon pulseaudio pulseaudio-utils lintian desktop-file-utils appstream"
 
 # need_packages ASSUME_YES PACKAGE...
 need_packages() {
