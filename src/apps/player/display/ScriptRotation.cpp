@@ -199,10 +199,14 @@ QString ScriptRotation::Pick()
         if (const uint32_t weight = WeightOf(history.rating(script)); weight > 0)
             choice.emplace_back(script, weight);
     }
-    qsizetype resting = std::max<qsizetype>(1, static_cast<qsizetype>(choice.size()) / 3);
+    const auto leaveOut = [&](const QString& script) {
+        return static_cast<qsizetype>(
+            std::erase_if(choice, [&](const auto& one) { return one.first == script; }));
+    };
+    qsizetype resting = static_cast<qsizetype>(choice.size()) / 3;
+    resting -= leaveOut(history.Current());
     for (qsizetype place = history.shown.size() - 1; place >= 0 && resting > 0; --place)
-        resting -= static_cast<qsizetype>(std::erase_if(
-            choice, [&](const auto& one) { return one.first == history.shown[place]; }));
+        resting -= leaveOut(history.shown[place]);
     uint32_t sum = 0;
     for (const auto& [script, weight] : choice)
         sum += weight;

@@ -1,58 +1,61 @@
 #pragma once
 
+#include "ChildProcess.h"
 #include "ScreenPixels.h"
 #include "TestFolder.h"
 #include "TestVariable.h"
 #include "XvfbDisplay.h"
 #include "apps/player/display/DisplayArea.h"
+#include "apps/player/display/FakeSound.h"
 #include "apps/player/display/VisualHost.h"
-#include "apps/player/sound/HeardSound.h"
 
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QThread>
 
+#include <doctest/doctest.h>
+
 #include <functional>
 #include <string>
 
-// What a test tells.
-struct FakeSound final : pxvis::player::HeardSound
+// A user's home with two scripts, and a window on a screen that has the area in its middle. Once a
+// process.
+class DisplayDesk
 {
-    bool Take(pxvis::host::AudioRecord& heard) override
-    {
-        ++taken;
-        if (!plays)
-            return false;
-        heard = record;
-        return true;
-    }
-
-    pxvis::host::AudioRecord record;
-    bool plays = true;
-    int taken = 0;
-};
-
-// A user's home with two scripts and a screen with the display area on it; once a process.
-struct DisplayDesk
-{
+public:
     static constexpr uint32_t red = 0xe02010;
     static constexpr uint32_t blue = 0x1030e0;
     static constexpr const char* library = PXVIS_BINARY_DIR "/bin/libpxvis.so";
 
-    DisplayDesk()
+    explicit DisplayDesk(bool isManaged = false)
     {
-        AddScript("Test/Red.pxv", "0xE02010");
-        AddScript("Test/Blue.pxv", "0x1030E0");
+        AddScript("data/pxvis/Visualizations/Vis Studio/Test/Red.pxv", "0xE02010");
+        AddScript("data/pxvis/Visualizations/Vis Studio/Test/Blue.pxv", "0x1030E0");
+        if (isManaged)
+            display.Start({ "openbox" });
         host.SetSound(&sound);
+        window.setGeometry(100, 100, 500, 400);
+        area.setGeometry(50, 30, 400, 300);
+    }
+
+    // False, with the reason printed, if there is no picture.
+    bool Open()
+    {
+        window.show();
+        QString error;
+        const bool isThere = area.Start(library, error);
+        CHECK(error == "");
+        area.SetMode("Test\\Red");
+        return isThere && RunUntil([&] { return IsShown(red); });
     }
 
     void AddScript(const std::string& name, const std::string& color) const
     {
-        const std::filesystem::path path = home / ("data/pxvis/Visualizations/Vis Studio/" + name);
-        std::filesystem::create_directories(path.parent_path());
-        std::ofstream(path) << "<PXV Version=\"1.0\"><Component GUID=\"36267E6D-70E1-435e-9E2A-"
-                               "428EEA2D3C7E\" Name=\"Flush\"><Properties><Color>"
-                            << color << "</Color></Properties></Component></PXV>";
+        std::filesystem::create_directories((home / name).parent_path());
+        home.Write(name,
+            "<PXV Version=\"1.0\"><Component GUID=\"36267E6D-70E1-435e-9E2A-428EEA2D3C7E\" "
+            "Name=\"Flush\"><Properties><Color>"
+                + color + "</Color></Properties></Component></PXV>");
     }
 
     static bool RunUntil(const std::function<bool()>& isSo, int milliseconds = 10000)
@@ -72,24 +75,38 @@ struct DisplayDesk
         RunUntil([] { return false; }, milliseconds);
     }
 
-    ScreenPixels Pixels(const QWidget& window) const
+    // What the user sees of a window, frames and all.
+    ScreenPixels Pixels(const QWidget& seen) const
     {
-        return ScreenPixels(display.GetName(), static_cast<uint32_t>(window.internalWinId()));
+        return ScreenPixels(display.GetName(), static_cast<uint32_t>(seen.internalWinId()));
     }
 
-    // All of the window has that colour.
-    bool Shows(const QWidget& window, uint32_t color) const
+    // All of the picture, and nothing else, has the colour.
+    bool IsShown(uint32_t color) const
     {
-        const ScreenPixels pixels = Pixels(window);
-        const int all = pixels.GetWidth() * pixels.GetHeight();
-        return all > 0 && pixels.Count(color, 0, 0, pixels.GetWidth(), pixels.GetHeight()) == all;
+        const QWidget& seen = *area.PictureWindow();
+        const ScreenPixels pixels = Pixels(seen);
+        const QRect picture = area.IsFullScreen() ? seen.rect() : area.geometry();
+        return pixels.Count(color, 0, 0, seen.width(), seen.height())
+            == picture.width() * picture.height()
+            && pixels.Count(
+                   color, picture.left(), picture.top(), picture.right() + 1, picture.bottom() + 1)
+            == picture.width() * picture.height();
+    }
+
+    // As a person does it.
+    void Do(const std::vector<std::string>& input) const
+    {
+        std::vector<std::string> command { "xdotool" };
+        command.insert(command.end(), input.begin(), input.end());
+        ChildProcess(command).Wait(20, [] { Run(1); });
     }
 
     TestFolder home;
     TestVariable config { "XDG_CONFIG_HOME", home.Path("config").c_str() };
     TestVariable data { "XDG_DATA_HOME", home.Path("data").c_str() };
     TestVariable state { "XDG_STATE_HOME", home.Path("state").c_str() };
-    TestVariable cache { "XDG_CACHE_HOME", home.Path("cache").c_str() };
+    TestVariable runtime { "XDG_RUNTIME_DIR", home.Path("").c_str() };
     XvfbDisplay display;
     int argc = 1;
     char name[7] = "player";
@@ -97,4 +114,6 @@ struct DisplayDesk
     QApplication application { argc, argv };
     FakeSound sound;
     pxvis::player::VisualHost host;
+    QWidget window;
+    pxvis::player::DisplayArea area { host, &window };
 };
