@@ -1,0 +1,327 @@
+#include "apps/player/display/DisplayArea.h"
+
+#include "apps/player/display/FullScreenWindow.h"
+#include "apps/player/display/PictureFrame.h"
+#include "apps/player/display/UrlDrops.h"
+#include "apps/player/display/VisualHost.h"
+#include "apps/player/display/VisualLibrary.h"
+#include "apps/player/display/VisualMenu.h"
+
+#include <QActionEvent>
+#include <QContextMenuEvent>
+#include <QFileInfo>
+#include <QMenu>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QPointer>
+#include <QTimer>
+
+#include <utility>
+
+namespace pxvis::player {
+
+struct DisplayArea::Display
+{
+    explicit Display(VisualHost& host)
+        : host(host)
+    {
+    }
+
+    VisualHost& host;
+    VisualLibrary library;
+    std::unique_ptr<IOQVisualization> visualization; // gone before its window and its host
+    PictureFrame* frame = nullptr; // the area's child
+    FullScreenWindow* fullScreen = nullptr; // owned; null outside of full screen
+    QPointer<QWidget> watched; // the top-level window that the area is in
+    QString fault; // why there is no picture
+    QString scriptFile; // shown instead of a mode
+    QString cycleWord; // in the library's language; "": not yet known
+    QString text;
+    QTimer textTimer;
+};
+
+DisplayArea::DisplayArea(VisualHost& host, QWidget* parent)
+    : QWidget(parent)
+    , m_display(std::make_unique<Display>(host))
+{
+    Display& display = *m_display;
+    setAttribute(Qt::WA_OpaquePaintEvent);
+    display.frame = new PictureFrame(this);
+    display.frame->hide();
+    display.textTimer.setSingleShot(true);
+    connect(&display.textTimer, &QTimer::timeout, this, [this] { ShowText({}); });
+    connect(display.frame, &PictureFrame::DoubleClicked, this, &DisplayArea::DoubleClicked);
+    connect(display.frame, &PictureFrame::MenuAsked, this, &DisplayArea::MenuAsked);
+    connect(new UrlDrops(*this), &UrlDrops::Dropped, this, &DisplayArea::Dropped);
+    UpdateSeen();
+}
+
+DisplayArea::~DisplayArea()
+{
+    m_display->visualization.reset();
+    delete m_display->fullScreen;
+}
+
+bool DisplayArea::Start(const QString& library, QString& error)
+{
+    const bool isThere = m_display->library.Load(library, error) && MakeVisualization(error);
+    m_display->fault = error;
+    UpdateSeen();
+    return isThere;
+}
+
+void DisplayArea::Restart()
+{
+    MakeVisualization(m_display->fault);
+    UpdateSeen();
+}
+
+bool DisplayArea::MakeVisualization(QString& error)
+{
+    Display& display = *m_display;
+    error.clear();
+    display.cycleWord.clear();
+    display.visualization.reset(); // the old one saves what it has before the new one reads
+    display.visualization = display.library.Create(display.host);
+    if (display.visualization && !ShowIn(CurrentFrame()))
+        display.visualization.reset();
+    if (!display.visualization)
+        error = tr("The visualizations can't be shown here; pxvis.log tells why.");
+    else if (!display.scriptFile.isEmpty())
+        ShowScriptFile(std::exchange(display.scriptFile, {}));
+    return display.visualization != nullptr;
+}
+
+bool DisplayArea::ShowIn(PictureFrame& frame)
+{
+    Display& display = *m_display;
+    if (display.visualization->CreateWnd(frame.winId(), 0) == 0)
+        return false;
+    frame.RaiseText();
+    display.host.DrawAwhile();
+    return true;
+}
+
+QStringList DisplayArea::Modes() const
+{
+    if (!m_display->visualization)
+        return {};
+    const QStringList modes
+        = VisualProperty(*m_display->visualization, u"Modes").split('|', Qt::SkipEmptyParts);
+    m_display->cycleWord = modes.value(0);
+    return modes;
+}
+
+// The first mode is all scripts in turns; folders' modes of that kind end in the same words.
+bool DisplayArea::IsCycle(const QString& mode) const
+{
+    if (m_display->cycleWord.isEmpty())
+        Modes();
+    const QString& word = m_display->cycleWord;
+    return !word.isEmpty()
+        && mode.sliced(mode.lastIndexOf('\\') + 1).compare(word, Qt::CaseInsensitive) == 0;
+}
+
+QString DisplayArea::CurrentMode() const
+{
+    return m_display->visualization ? VisualProperty(*m_display->visualization, u"Current Mode")
+                                    : QString();
+}
+
+void DisplayArea::SetMode(const QString& mode)
+{
+    Display& display = *m_display;
+    if (!display.visualization)
+        return;
+    display.scriptFile.clear();
+    SetVisualProperty(*display.visualization, u"Current Mode", mode);
+    display.host.DrawAwhile();
+    emit ModeChanged();
+}
+
+bool DisplayArea::ShowScriptFile(const QString& path)
+{
+    Display& display = *m_display;
+    const QString file = QFileInfo(path).absoluteFilePath();
+    if (!display.visualization || path.isEmpty()
+        || !SetVisualProperty(*display.visualization, u"Script File", file))
+        return false;
+    display.scriptFile = file;
+    display.host.DrawAwhile();
+    return true;
+}
+
+void DisplayArea::AddTo(QMenu& menu)
+{
+    if (!m_display->visualization)
+        return;
+    VisualMenu adapter(menu, [area = QPointer(this)](int32_t id, const QString& text) {
+        if (!area || !area->m_display->visualization)
+            return;
+        const std::u16string units = text.toStdU16String();
+        const VisMenuCommand command { id, units.c_str() };
+        const QString before = area->CurrentMode();
+        area->m_display->visualization->OnMenuCommand(&command);
+        if (area && area->CurrentMode() != before)
+            emit area->ModeChanged();
+    });
+    m_display->visualization->BuildMenu(&adapter, 0);
+}
+
+void DisplayArea::ShowText(const QString& text, int milliseconds)
+{
+    Display& display = *m_display;
+    display.text = text;
+    CurrentFrame().SetText(text);
+    if (text.isEmpty())
+        display.textTimer.stop();
+    else
+        display.textTimer.start(milliseconds);
+}
+
+PictureFrame& DisplayArea::CurrentFrame() const
+{
+    return m_display->fullScreen ? m_display->fullScreen->Frame() : *m_display->frame;
+}
+
+bool DisplayArea::IsFullScreen() const
+{
+    return m_display->fullScreen != nullptr;
+}
+
+QWidget* DisplayArea::PictureWindow() const
+{
+    return m_display->fullScreen ? m_display->fullScreen : window();
+}
+
+void DisplayArea::SetFullScreen(bool fullScreen)
+{
+    if (fullScreen == IsFullScreen() || (fullScreen && !m_display->visualization))
+        return;
+    if (fullScreen)
+        EnterFullScreen();
+    else
+        LeaveFullScreen();
+    UpdateSeen();
+    emit FullScreenChanged();
+}
+
+void DisplayArea::EnterFullScreen()
+{
+    Display& display = *m_display;
+    display.frame->SetText({});
+    auto* const full = new FullScreenWindow(*screen());
+    display.fullScreen = full;
+    full->setWindowTitle(window()->windowTitle());
+    full->setWindowIcon(window()->windowIcon());
+    full->addActions(actions());
+    connect(full, &FullScreenWindow::LeaveAsked, this, [this] { SetFullScreen(false); });
+    connect(full, &FullScreenWindow::MinimisedChanged, this, &DisplayArea::UpdateSeen);
+    connect(&full->Frame(), &PictureFrame::MenuAsked, this, &DisplayArea::MenuAsked);
+    connect(new UrlDrops(*full), &UrlDrops::Dropped, this, &DisplayArea::Dropped);
+    full->showFullScreen();
+    full->activateWindow();
+    full->Frame().SetText(display.text);
+    if (!ShowIn(full->Frame()))
+        LeaveFullScreen();
+}
+
+void DisplayArea::LeaveFullScreen()
+{
+    Display& display = *m_display;
+    FullScreenWindow* const full = display.fullScreen;
+    display.fullScreen = nullptr;
+    if (!ShowIn(*display.frame)) {
+        display.visualization.reset();
+        display.fault = tr("The visualizations can't be shown here; pxvis.log tells why.");
+    }
+    display.frame->SetText(display.text);
+    full->hide();
+    full->deleteLater(); // an event of its own may have led here
+    window()->activateWindow();
+}
+
+bool DisplayArea::IsSeen() const
+{
+    return (m_display->fullScreen || isVisible()) && !PictureWindow()->isMinimized();
+}
+
+// A frame that is hidden makes the library draw nothing.
+void DisplayArea::UpdateSeen()
+{
+    Display& display = *m_display;
+    const bool isSeen = IsSeen() && display.visualization;
+    display.frame->setVisible(isSeen && !display.fullScreen);
+    if (display.fullScreen)
+        display.fullScreen->Frame().setVisible(isSeen);
+    display.host.SetResting(!isSeen);
+    if (isSeen)
+        display.host.DrawAwhile();
+    update();
+}
+
+bool DisplayArea::eventFilter(QObject* watched, QEvent* event)
+{
+    if (watched == m_display->watched && event->type() == QEvent::WindowStateChange)
+        UpdateSeen();
+    return QWidget::eventFilter(watched, event);
+}
+
+void DisplayArea::actionEvent(QActionEvent* event)
+{
+    QWidget::actionEvent(event);
+    if (!m_display->fullScreen)
+        return;
+    if (event->type() == QEvent::ActionAdded)
+        m_display->fullScreen->insertAction(event->before(), event->action());
+    else if (event->type() == QEvent::ActionRemoved)
+        m_display->fullScreen->removeAction(event->action());
+}
+
+void DisplayArea::paintEvent(QPaintEvent*)
+{
+    QPainter painter(this);
+    painter.fillRect(rect(), Qt::black);
+    const QString text
+        = m_display->fullScreen ? tr("The picture is in full screen.") : m_display->fault;
+    constexpr int margin = 16;
+    painter.setPen(Qt::lightGray);
+    painter.drawText(rect().marginsRemoved({ margin, margin, margin, margin }),
+        Qt::AlignCenter | Qt::TextWordWrap, text);
+}
+
+void DisplayArea::resizeEvent(QResizeEvent*)
+{
+    m_display->frame->setGeometry(rect());
+    m_display->host.DrawAwhile();
+}
+
+void DisplayArea::showEvent(QShowEvent*)
+{
+    Display& display = *m_display;
+    if (display.watched != window()) {
+        if (display.watched)
+            display.watched->removeEventFilter(this);
+        display.watched = window();
+        display.watched->installEventFilter(this);
+    }
+    UpdateSeen();
+}
+
+void DisplayArea::hideEvent(QHideEvent*)
+{
+    UpdateSeen();
+}
+
+void DisplayArea::mouseDoubleClickEvent(QMouseEvent* event)
+{
+    if (event->button() == Qt::LeftButton)
+        emit DoubleClicked();
+}
+
+void DisplayArea::contextMenuEvent(QContextMenuEvent* event)
+{
+    emit MenuAsked(event->globalPos());
+}
+
+}
