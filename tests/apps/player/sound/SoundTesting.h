@@ -7,6 +7,7 @@
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QStringList>
+#include <QThread>
 #include <doctest/doctest.h>
 
 #include <cmath>
@@ -35,7 +36,8 @@ inline bool WaitFor(const std::function<bool()>& condition, int milliseconds = 1
     while (!condition()) {
         if (timer.elapsed() > milliseconds)
             return false;
-        Application().processEvents(QEventLoop::WaitForMoreEvents | QEventLoop::AllEvents, 5);
+        Application().processEvents();
+        QThread::msleep(3);
     }
     return true;
 }
