@@ -33,12 +33,14 @@ public:
     virtual bool OnMenuCommand(const VisMenuCommand* command) = 0;
 
     // A text from SysAllocString that the caller frees. Names, without regard to case: "Version",
-    // "Display Name", "Modes" (joined by "|"), "Current Mode"; empty for others. Null only without
-    // memory.
+    // "Display Name", "Modes" (joined by "|"), "Current Mode", "Script File"; empty for others.
+    // Null only without memory.
     virtual char16_t* GetProperty(const char16_t* name) = 0;
-    // True if the property was taken: "Current Mode", the name of a mode; "Process Events", for
-    // hosts without a Qt or GLib main loop: milliseconds that the library's windows may take at
-    // most to handle what is due, at least 60 times a second.
+    // True if the property was taken: "Current Mode", the name of a mode; "Script File", the
+    // absolute path of a script that is shown in place of the mode from now on, until a mode is
+    // chosen, or the empty text to end it; false, with nothing changed, for what is no script.
+    // "Process Events", for hosts without a Qt or GLib main loop: milliseconds that the library's
+    // windows may take at most to handle what is due, at least 60 times a second.
     virtual bool SetProperty(const char16_t* name, const char16_t* value) = 0;
 
     virtual const char16_t* GetName() = 0; // lives as long as the object

@@ -97,16 +97,13 @@ int32_t CVisualization::LoadScript(const OQString& path)
     const Operation operation(*this);
     Reset();
     m_scriptPath = path;
+    // That of no file: one that comes back is read, also with the date that it had.
+    m_scriptDate = 0;
     if (!OQFileSystem::FileExists(m_scriptPath))
         return -1;
     m_scriptDate = OQFileSystem::GetLastWriteTime(m_scriptPath);
     m_lastCheck = OQClockMilliseconds();
-
-    OQString text;
-    if (!OQFileSystem::ReadTextFile(m_scriptPath, text, VisLimits::scriptFileBytes))
-        return -1;
-    m_scriptDocument.SetDocument(text);
-    if (!FindScript(m_scriptDocument))
+    if (!ReadScript(m_scriptPath, m_scriptDocument))
         return -1;
     m_scriptDocument.IntoElem();
     CVisSaveLoadHelper(m_scriptDocument).ReadChildren(m_rootPiece, m_componentManager);
@@ -114,6 +111,21 @@ int32_t CVisualization::LoadScript(const OQString& path)
         m_owner->OnScriptLoaded();
     m_sized = false;
     return 0;
+}
+
+bool CVisualization::ReadScript(const OQString& path, OQXmlDocument& document)
+{
+    OQString text;
+    if (!OQFileSystem::ReadTextFile(path, text, VisLimits::scriptFileBytes))
+        return false;
+    document.SetDocument(text);
+    return FindScript(document);
+}
+
+bool CVisualization::IsScript(const OQString& path)
+{
+    OQXmlDocument document;
+    return OQFileSystem::FileExists(path) && ReadScript(path, document);
 }
 
 bool CVisualization::FindScript(OQXmlDocument& document)

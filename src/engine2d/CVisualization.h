@@ -36,6 +36,9 @@ public:
     // the path is kept so that a file that appears is read.
     int32_t LoadScript(const OQString& path);
 
+    // Whether LoadScript would read it.
+    static bool IsScript(const OQString& path);
+
     // Moves to the root element of a script; false if there is none of a version that we read.
     static bool FindScript(OQXmlDocument& document);
 
@@ -72,6 +75,7 @@ public:
 private:
     class Operation; // the lock and the engine context, for the length of one
 
+    static bool ReadScript(const OQString& path, OQXmlDocument& document);
     void CheckScriptDate();
     void DrawRootLayer(const OQRect& rect);
     void DrawFrameRate();

@@ -143,13 +143,24 @@ void C2DVisualizations::GetModes(OQStringArray* names, int32_t* current)
 bool C2DVisualizations::SetMode(const char16_t* mode)
 {
     return GuardedFromHost(u"C2DVisualizations::SetMode", false, [&] {
-        const OQString path = m_folder.GetModePath(mode);
-        if (m_isDrawing) // what draws, and the data that it asks, must stay until it is done
-            m_nextPath = path;
-        else
-            LoadMode(path);
+        m_scriptFile.Clear();
+        m_nextPath = m_folder.GetModePath(mode);
+        LoadWhatWaits();
         return true;
     });
+}
+
+// A file that isn't there or can't be read is refused once only: one that was taken is followed
+// whatever becomes of it, since editors take files away and write them in parts.
+bool C2DVisualizations::SetScriptFile(const OQString& path)
+{
+    OQString native = path;
+    native.Replace(u'\\', u'/');
+    if (!native.IsEmpty() && !(native.StartsWith(u"/") && CVisualization::IsScript(native)))
+        return false;
+    m_scriptFile = native;
+    LoadWhatWaits();
+    return true;
 }
 
 IVisAudioData* C2DVisualizations::GetAudioData()
@@ -264,6 +275,9 @@ void C2DVisualizations::LoadMode(const OQString& path)
     KillTimer(timerCycle);
     m_scripts = m_folder.FindScripts(path);
     OQSeedRand(static_cast<uint32_t>(OQClockMilliseconds()));
+    const bool hadFile = !std::exchange(m_loadedFile, {}).IsEmpty();
+    if (m_scripts.IsEmpty() && hadFile)
+        m_engine.LoadScript({}); // which is no script
     if (m_scripts.IsEmpty())
         return;
     m_unsavedPath = m_settings.WriteString(u"Current Script", path) ? OQString() : path;
@@ -272,16 +286,43 @@ void C2DVisualizations::LoadMode(const OQString& path)
         StartCycleTimer();
 }
 
+void C2DVisualizations::LoadScriptFile()
+{
+    KillTimer(timerCycle);
+    m_scripts.Clear();
+    m_loadedFile = m_scriptFile;
+    LoadScript(m_scriptFile);
+}
+
+// What draws, and the data that it asks, must stay until it is done.
+void C2DVisualizations::LoadWhatWaits()
+{
+    if (m_isDrawing)
+        return;
+    const bool hasFileEnded = m_scriptFile.IsEmpty() && !m_loadedFile.IsEmpty();
+    if (!m_nextPath.IsEmpty() || hasFileEnded) {
+        const OQString path = CurrentPath();
+        m_nextPath.Clear();
+        LoadMode(path);
+    }
+    if (m_loadedFile != m_scriptFile)
+        LoadScriptFile();
+}
+
 void C2DVisualizations::LoadRandomScript()
 {
     if (m_scripts.IsEmpty())
         return;
     m_currentScript = OQRand() % m_scripts.GetCount();
-    const OQString& script = m_scripts[m_currentScript];
-    OQLog(OQLogDebug, u"C2DVisualizations::LoadRandomScript", u"%s", { script });
-    if (m_engine.LoadScript(script) != 0)
-        OQLog(OQLogWarning, u"C2DVisualizations::LoadRandomScript",
-            u"There is no script to be read in %s", { script });
+    LoadScript(m_scripts[m_currentScript]);
+}
+
+void C2DVisualizations::LoadScript(const OQString& path)
+{
+    OQLog(OQLogDebug, u"C2DVisualizations::LoadScript", u"%s", { path });
+    if (m_engine.LoadScript(path) != 0)
+        OQLog(OQLogWarning, u"C2DVisualizations::LoadScript",
+            u"There is no script to be read in %s", { path });
 }
 
 void C2DVisualizations::StartCycleTimer()
@@ -294,15 +335,17 @@ void C2DVisualizations::OnPaint(IOQPaint& paint)
     if (m_isFirstPaint) {
         KillTimer(timerResize);
         OnResizeEngine();
-        LoadMode(CurrentPath());
+        if (m_scriptFile.IsEmpty())
+            LoadMode(CurrentPath());
+        else
+            LoadScriptFile();
         m_isFirstPaint = false;
     }
     if (!IsVisible())
         return;
     if (!DrawAndPresent(paint))
         paint.FillRect(GetClientRect(), 0);
-    if (!m_nextPath.IsEmpty())
-        LoadMode(std::exchange(m_nextPath, {}));
+    LoadWhatWaits();
     if (m_redrawThread)
         m_redrawThread->OnPainted();
 }

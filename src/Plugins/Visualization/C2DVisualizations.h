@@ -81,9 +81,16 @@ protected:
 private:
     static constexpr const char16_t* name = u"Visualizations";
 
+    bool SetScriptFile(const OQString& path) override;
+
+    OQString GetScriptFile() const override { return m_scriptFile; }
+
     OQString CurrentPath() const;
     void LoadMode(const OQString& path);
+    void LoadScriptFile();
+    void LoadWhatWaits();
     void LoadRandomScript();
+    void LoadScript(const OQString& path);
     void StartCycleTimer();
     bool DrawAndPresent(IOQPaint& paint);
     bool DrawPicture();
@@ -105,6 +112,8 @@ private:
     int32_t m_cycleTime; // ms
     bool m_isDrawing = false; // the host is called, and may call back
     OQString m_nextPath; // of the mode that it chose meanwhile; else empty
+    OQString m_scriptFile; // shown in place of the mode; else empty
+    OQString m_loadedFile; // the same once the engine has it
     OQString m_unsavedPath; // of the current mode, where the settings don't take it; else empty
     CVisFlashLimiter m_limiter;
     std::unique_ptr<IOQImage> m_dampedImage; // what is shown in place of a picture that flashes

@@ -37,6 +37,8 @@ OQString OQVisualizationBase::PropertyText(const OQString& name)
         return u"3";
     if (name.CompareNoCase(u"Display Name") == 0)
         return GetName();
+    if (name.CompareNoCase(u"Script File") == 0)
+        return GetScriptFile();
     const bool isCurrent = name.CompareNoCase(u"Current Mode") == 0;
     if (!isCurrent && name.CompareNoCase(u"Modes") != 0)
         return {};
@@ -54,6 +56,8 @@ bool OQVisualizationBase::SetProperty(const char16_t* name, const char16_t* valu
         const OQString property(name);
         if (property.CompareNoCase(u"Current Mode") == 0)
             return SetMode(value);
+        if (property.CompareNoCase(u"Script File") == 0)
+            return SetScriptFile(value);
         if (property.CompareNoCase(u"Process Events") != 0)
             return false;
         constexpr int32_t mostMilliseconds = 1000;

@@ -36,6 +36,11 @@ public:
     bool SetMode(const char16_t*) override { return false; }
 
 protected:
+    // The property "Script File".
+    virtual bool SetScriptFile(const OQString&) { return false; }
+
+    virtual OQString GetScriptFile() const { return {}; }
+
     // Made at the first call; null without a host.
     IOQHostConnection* GetHostConnection();
 

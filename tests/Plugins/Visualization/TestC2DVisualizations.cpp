@@ -5,6 +5,7 @@
 
 #include <doctest/doctest.h>
 
+#include <algorithm>
 #include <vector>
 
 namespace {
@@ -148,4 +149,42 @@ TEST_CASE("Modes can be chosen with no window, and the choice outlives the objec
     CHECK(next.SetMode(nullptr)); // a script that isn't there
     CHECK(PropertyOf(next, u"Current Mode") == u"");
     CHECK(next.SetMode(u"Cycle All"));
+}
+
+TEST_CASE("A script file from anywhere is told and ends, and is no mode")
+{
+    const TestFolder folder;
+    folder.Write("mine.pxv", "<PXV Version=\"1.0\"></PXV>");
+    folder.Write("song.pxv", "no script");
+    const std::string path = folder.Path("mine.pxv");
+    const std::u16string mine(path.begin(), path.end());
+    const auto with
+        = [&](const char16_t* name) { return mine.substr(0, mine.rfind(u'/') + 1) + name; };
+    C2DVisualizations visualization(nullptr);
+    const auto set = [&](const std::u16string& file) {
+        return visualization.SetProperty(u"script FILE", file.c_str());
+    };
+    const auto file = [&] { return PropertyOf(visualization, u"Script File"); };
+    CHECK(visualization.SetMode(u"Calm\\Cycle All"));
+    CHECK(file() == u"");
+    CHECK(set(u"")); // nothing to end
+    REQUIRE(set(mine));
+    CHECK(file() == mine);
+    CHECK(PropertyOf(visualization, u"Current Mode") == u"Calm\\Cycle All");
+    for (const std::u16string& refused : { with(u"other.pxv"), with(u"song.pxv"), with(u""),
+             std::u16string(u"mine.pxv"), std::u16string(u"http://127.0.0.1/mine.pxv") }) {
+        CHECK_FALSE(set(refused));
+        CHECK(file() == mine);
+    }
+    std::u16string windows = mine;
+    std::replace(windows.begin(), windows.end(), u'/', u'\\');
+    CHECK(set(windows));
+    CHECK(file() == mine);
+    CHECK(visualization.SetProperty(u"Script File", nullptr));
+    CHECK(file() == u"");
+    REQUIRE(set(mine));
+    CHECK(visualization.SetMode(u"Retro\\Harbour"));
+    CHECK(file() == u"");
+    CHECK(PropertyOf(visualization, u"Current Mode") == u"Retro\\Harbour");
+    CHECK(visualization.SetMode(u"Cycle All"));
 }

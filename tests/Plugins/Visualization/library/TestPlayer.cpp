@@ -82,6 +82,56 @@ TEST_CASE("The mode can be changed, is kept, and all scripts of a folder come in
     CHECK(player.host.dataGiven > 4); // new data with each script
 }
 
+TEST_CASE("A script file from anywhere is shown, followed through its editor's doings, and ended")
+{
+    const TestFolder folder;
+    const auto write = [&](const char* name, const char* color) {
+        folder.Write(name, "<PXV Version=\"1.0\">" + FlushPiece(color) + "</PXV>");
+    };
+    write("mine.pxv", "0xE02010");
+    const std::string path = folder.Path("mine.pxv");
+    const std::u16string file(path.begin(), path.end());
+    PlayerWindow player(320, 200);
+    player.AddScript("Test/Green.pxv", FlushPiece("0x40C040"));
+    player.AddScript("Test/Yellow.pxv", FlushPiece("0xF0F000"));
+    player.Set("Script Cycle MS", "1000");
+    player.Set("Current Script", "");
+    const auto shows
+        = [&](uint32_t color) { return player.RunUntil([&] { return player.Middle() == color; }); };
+    const auto showsMode = [&] { return shows(0x40c040) && shows(0xf0f000); }; // in turns
+    REQUIRE(player.Open() != 0);
+    IOQVisualization& visualization = *player.visualization;
+    REQUIRE(visualization.SetProperty(u"Script File", file.c_str())); // before the first paint
+    CHECK(shows(red));
+    visualization.SetProperty(u"Current Mode", u"Test\\Cycle All");
+    CHECK(showsMode());
+    player.host.onRefresh = [&] { visualization.SetProperty(u"Script File", file.c_str()); };
+    CHECK(shows(0x40c040));
+    CHECK(shows(red)); // of the first frame with such data
+    player.host.onRefresh = nullptr;
+    player.Run(1500); // the turns have stopped
+    CHECK(player.Middle() == red);
+
+    write("new", "0x1030E0");
+    std::filesystem::rename(folder / "new", path);
+    CHECK(shows(blue));
+    std::filesystem::rename(path, folder / "aside");
+    CHECK(shows(0));
+    std::filesystem::rename(folder / "aside", path); // with the date that it had
+    CHECK(shows(blue));
+    folder.Write("mine.pxv", "half a ");
+    CHECK(shows(0));
+    CHECK_FALSE(visualization.SetProperty(u"Script File", file.c_str()));
+    CHECK(PropertyOf(visualization, u"Script File") == file);
+    write("mine.pxv", "0xE02010");
+    CHECK(shows(red));
+    CHECK(visualization.CreateWnd(player.GetWindow(), 0) != 0);
+    player.Run(200);
+    CHECK(shows(red));
+    CHECK(visualization.SetProperty(u"Script File", u""));
+    CHECK(showsMode());
+}
+
 TEST_CASE(
     "A host may choose another mode, tick and make the window anew while it is asked for data")
 {
