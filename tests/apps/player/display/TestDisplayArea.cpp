@@ -45,6 +45,28 @@ TEST_CASE("The area shows the mode that is chosen, at each size")
     });
 }
 
+TEST_CASE("A script from anywhere is shown instead of the mode, which stays what it was")
+{
+    InProcessOfItsOwn([] {
+        DisplayDesk desk;
+        DisplayArea& area = desk.area;
+        REQUIRE(desk.Open());
+        desk.AddScript("mine.pxv", "0x1030E0");
+        CHECK_FALSE(area.ShowScriptFile(desk.home.Path("missing.pxv").c_str()));
+        CHECK(area.ShowScriptFile(desk.home.Path("mine.pxv").c_str()));
+        CHECK(desk.RunUntil([&] { return desk.IsShown(blue); }));
+        area.SetFullScreen(true);
+        CHECK(desk.RunUntil([&] { return desk.IsShown(blue); }));
+        area.Restart();
+        CHECK(desk.RunUntil([&] { return desk.IsShown(blue); }));
+        CHECK(area.CurrentMode() == "Test\\Red");
+        area.SetMode("Test\\Red");
+        CHECK(desk.RunUntil([&] { return desk.IsShown(red); }));
+        area.Restart();
+        CHECK(desk.RunUntil([&] { return desk.IsShown(red); }));
+    });
+}
+
 TEST_CASE("Full screen takes the picture over and gives it back, however it is left")
 {
     InProcessOfItsOwn([] {
