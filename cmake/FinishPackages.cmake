@@ -1,7 +1,13 @@
 # Run by CPack once each package's files lie in a folder of their own: adds what only packages have, and compresses what
 # their users expect compressed.
 
-find_program(gzip gzip REQUIRED)
+# Without the latter two CPack makes packages that depend on no libraries, and says nothing.
+foreach(program gzip dpkg-shlibdeps file)
+    find_program(${program} ${program})
+    if(NOT ${program})
+        message(FATAL_ERROR "Making packages needs ${program}: install the Debian packages gzip, dpkg-dev and file")
+    endif()
+endforeach()
 
 foreach(package IN LISTS CPACK_COMPONENTS_ALL)
     set(root "${CPACK_TEMPORARY_DIRECTORY}/${package}${CPACK_PACKAGING_INSTALL_PREFIX}")
