@@ -53,7 +53,11 @@ Session::Session(Playlist& playlist, Playback& playback, PlayerSettings& setting
     connect(&playlist, &Playlist::rowsMoved, this, note);
     connect(&playlist, &Playlist::layoutChanged, this, note);
     connect(&playlist, &Playlist::modelReset, this, note);
-    connect(&playlist, &Playlist::dataChanged, this, note);
+    connect(&playlist, &Playlist::dataChanged, this,
+        [note](const QModelIndex&, const QModelIndex&, const QList<int>& roles) {
+            if (roles.isEmpty()) // else only how it is shown, as with each new song
+                note();
+        });
 }
 
 QString Session::PlaylistPath()

@@ -9,7 +9,7 @@ namespace pxvis::player {
 
 namespace {
 
-constexpr int signals[] = { SIGINT, SIGTERM, SIGHUP };
+constexpr int endSignals[] = { SIGINT, SIGTERM, SIGHUP };
 int g_pipe[2] = { -1, -1 };
 
 void OnSignal(int number)
@@ -34,7 +34,7 @@ EndSignals::EndSignals(std::function<void()> end)
             static_cast<void>(ignored);
             end();
         });
-    for (const int number : signals)
+    for (const int number : endSignals)
         std::signal(number, OnSignal);
 }
 
@@ -42,7 +42,7 @@ EndSignals::~EndSignals()
 {
     if (!m_notifier)
         return;
-    for (const int number : signals)
+    for (const int number : endSignals)
         std::signal(number, SIG_DFL);
     m_notifier.reset();
     close(g_pipe[0]);

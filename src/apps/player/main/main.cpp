@@ -85,7 +85,7 @@ int Run(int argc, char** argv)
 
     Player player;
     MainWindow window(player);
-    const EndSignals signals([&window] { window.close(); });
+    const EndSignals endSignals([&window] { window.close(); });
     const MprisService mpris(player);
     player.Restore();
     window.show();
