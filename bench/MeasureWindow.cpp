@@ -4,7 +4,8 @@
 //
 // plays what "pxvis analyze" wrote in a window of 1280x720 on the display that DISPLAY names. With
 // a mode, or "Cycle All" without one, it prints a line a minute; SECONDS of 0 instead gives each
-// script three seconds and prints a line for each, without the second in which it starts. The
+// script three seconds and prints a line for each, without the second in which it starts. With
+// "rest" for SECONDS it pauses the song instead, with "hidden" it takes the window away. The
 // settings and scripts are the user's: set XDG_CONFIG_HOME and XDG_DATA_HOME for others.
 
 #include <pxvis/IOQVisualization.h>
@@ -46,6 +47,7 @@ struct Song
 {
     std::vector<Record> records;
     Clock::time_point start = Clock::now();
+    bool isPaused = false;
     int64_t frames = 0; // asked for
     double slowest = 0; // seconds between two
     Clock::time_point last = start;
@@ -65,7 +67,7 @@ struct AudioData final : IVisAudioData
         ++song.frames;
         song.slowest = std::max(song.slowest, SecondsSince(song.last));
         song.last = Clock::now();
-        return 0;
+        return song.isPaused ? 1 : 0;
     }
 
     void Reserved() override { }
@@ -142,26 +144,28 @@ double ProcessorSeconds()
     return seconds(usage.ru_utime) + seconds(usage.ru_stime);
 }
 
-void Play(IOQVisualization& visualization, double seconds)
+// `pause`: milliseconds between two turns for the library.
+void Play(IOQVisualization& visualization, double seconds, int pause)
 {
     const auto start = Clock::now();
     while (SecondsSince(start) < seconds) {
         visualization.SetProperty(u"Process Events", u"10");
-        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        std::this_thread::sleep_for(std::chrono::milliseconds(pause));
     }
 }
 
 // Plays for so long and prints what it took.
-void Measure(IOQVisualization& visualization, Song& song, double seconds, const std::string& name)
+void Measure(IOQVisualization& visualization, Song& song, double seconds, const std::string& name,
+    int pause = 1)
 {
     const auto start = Clock::now();
     const int64_t frames = song.frames;
     const double cpu = ProcessorSeconds();
     song.slowest = 0;
     song.last = start;
-    Play(visualization, seconds);
+    Play(visualization, seconds, pause);
     const double time = SecondsSince(start);
-    std::printf("%-28s %5.1f paints/s, slowest %5.1f ms, %3.0f %% of a processor, %.1f MiB\n",
+    std::printf("%-28s %5.1f paints/s, slowest %5.1f ms, %5.2f %% of a processor, %.1f MiB\n",
         name.c_str(), static_cast<double>(song.frames - frames) / time, song.slowest * 1000,
         (ProcessorSeconds() - cpu) / time * 100, ResidentMegabytes());
     std::fflush(stdout);
@@ -220,6 +224,16 @@ int main(int argc, char** argv)
         return 1;
     Measure(*visualization, host.song, 2, "(start)");
 
+    const std::string rest = argc > 3 ? argv[3] : "";
+    if (rest == "rest" || rest == "hidden") {
+        host.song.isPaused = rest == "rest";
+        if (rest == "hidden")
+            xcb_unmap_window(connection, window);
+        xcb_flush(connection);
+        Measure(*visualization, host.song, 2, "(" + rest + ")", 16);
+        Measure(*visualization, host.song, 20, rest, 16);
+        return 0;
+    }
     const double seconds = argc > 3 ? std::atof(argv[3]) : 0;
     const std::string mode = argc > 4 ? argv[4] : "Cycle All";
     const auto choose = [&](const std::u16string& name) {
@@ -236,7 +250,7 @@ int main(int argc, char** argv)
         if (name.ends_with(u"Cycle All"))
             continue;
         choose(name);
-        Play(*visualization, 1);
+        Play(*visualization, 1, 1);
         Measure(*visualization, host.song, 3, std::string(name.begin(), name.end()));
     }
     return 0;

@@ -88,6 +88,7 @@ void CVisualization::Reset()
 {
     const Operation operation(*this);
     m_rootPiece.MakeLayer();
+    m_step = Step::Waiting;
     m_sized = false;
     m_audioData.reset();
 }
@@ -158,6 +159,7 @@ int32_t CVisualization::Resize(const OQRect& rect)
     if (rect.Width() < 5 || rect.Height() < 5)
         return -1;
     m_rootPiece.Resize(rect);
+    m_step = Step::Waiting;
     m_size = rect;
     m_sized = true;
     return 0;
@@ -173,8 +175,15 @@ int32_t CVisualization::Draw(const OQRect& rect, bool showFps)
     CheckScriptDate();
     if (!m_audioData && m_owner)
         m_audioData.reset(m_owner->GetAudioData());
-    if (m_audioData && m_audioData->Refresh() == 0)
+    const bool hasDrawn = m_step == Step::Drawn || m_step == Step::Kept;
+    if (!m_audioData) {
+        m_step = Step::NoData;
+    } else if (m_audioData->Refresh() == 0) {
         DrawRootLayer(rect);
+        m_step = Step::Drawn;
+    } else {
+        m_step = hasDrawn ? Step::Kept : Step::Waiting;
+    }
     if (showFps)
         DrawFrameRate();
     return 0;

@@ -53,6 +53,17 @@ public:
     // draw after a load. -1 if the size is under 4 x 4; 0 does not tell whether anything was drawn.
     int32_t Draw(const OQRect& rect, bool showFps);
 
+    // What the last Draw found to draw, and so what the root layer's images hold.
+    enum class Step
+    {
+        NoData, // nobody gives audio data
+        Waiting, // empty: the data have told nothing new since the load or the change of size
+        Kept, // what was drawn before: nothing new
+        Drawn,
+    };
+
+    Step GetStep() const { return m_step; }
+
     // `type` is a component's position in the registry, or newLayer. The new piece goes directly
     // behind `where`, or to the front of the layer that `where` stands for. 1 if it was made; 0
     // also past the limits of a script.
@@ -84,6 +95,7 @@ private:
     OQString m_scriptPath;
     double m_scriptDate = 0; // only ever compared for inequality
     int64_t m_lastCheck = 0; // ms
+    Step m_step = Step::NoData;
     bool m_sized = false; // Resize has run for the current tree
     OQXmlDocument m_scriptDocument;
     OQRect m_size;

@@ -44,6 +44,8 @@ public:
 
     ShowResult Show(const PresenterPicture& picture, int32_t width, int32_t height) override;
 
+    bool IsExposed() override { return m_window->IsExposed(); }
+
     const char* Method() const override { return "EGL"; }
 
 private:

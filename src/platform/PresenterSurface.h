@@ -24,6 +24,10 @@ public:
     // the presenter's limits.
     virtual ShowResult Show(const PresenterPicture& picture, int32_t width, int32_t height) = 0;
 
+    // Whether some of the window was covered since the last Show and is seen again, which it
+    // doesn't show what it did. True as well for a window that is gone. Waits for nothing.
+    virtual bool IsExposed() = 0;
+
     virtual const char* Method() const = 0; // constant text
 };
 

@@ -12,6 +12,7 @@ constexpr int32_t kMostPictureSide = 16384;
 constexpr int64_t kMostPicturePixels = int64_t { 64 } << 20;
 constexpr int32_t kMostAreaSide = 32767; // X has no larger windows
 constexpr std::chrono::milliseconds kPatience { 400 }; // twice in End
+constexpr std::chrono::milliseconds kLookTime { 100 }; // without a picture, for exposures
 constexpr int32_t kEndTime = 100; // milliseconds; of a thread that has shown its last picture
 
 }
@@ -107,7 +108,12 @@ uint8_t PresenterThread::Run()
 bool PresenterThread::TakeFrame()
 {
     std::unique_lock guard(m_lock);
-    m_wake.wait(guard, [this] { return m_isWaiting || IsCancelled(); });
+    while (!m_wake.wait_for(guard, kLookTime, [this] { return m_isWaiting || IsCancelled(); })) {
+        guard.unlock();
+        if (m_surface && m_shown.width > 0 && m_surface->IsExposed())
+            return true; // to show once more what was shown
+        guard.lock();
+    }
     if (IsCancelled())
         return false;
     std::swap(m_waiting, m_shown);

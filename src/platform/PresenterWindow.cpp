@@ -4,6 +4,7 @@
 #include "platform/XcbReply.h"
 
 #include <algorithm>
+#include <utility>
 #include <xcb/xcb.h>
 
 namespace pxvis {
@@ -91,7 +92,7 @@ bool PresenterWindow::Create(const Visual& visual)
     xcb_create_window_value_list_t values {};
     values.background_pixmap = XCB_BACK_PIXMAP_NONE;
     values.border_pixel = 0;
-    values.event_mask = XCB_EVENT_MASK_STRUCTURE_NOTIFY;
+    values.event_mask = XCB_EVENT_MASK_STRUCTURE_NOTIFY | XCB_EVENT_MASK_EXPOSURE;
     values.colormap = m_colormap;
     const xcb_void_cookie_t map = xcb_create_colormap_checked(
         m_connection, XCB_COLORMAP_ALLOC_NONE, m_colormap, m_parent, visual.id);
@@ -105,19 +106,22 @@ bool PresenterWindow::Create(const Visual& visual)
 
 ShowResult PresenterWindow::Cover(int32_t width, int32_t height)
 {
-    if (width == m_width && height == m_height)
-        return Check();
-    const uint32_t sizes[] = { static_cast<uint32_t>(width), static_cast<uint32_t>(height) };
-    xcb_configure_window(
-        m_connection, m_window, XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT, sizes);
-    if (m_width == 0)
-        xcb_map_window(m_connection, m_window);
-    m_width = width;
-    m_height = height;
-    // A driver reads the size from the events of the connection: they are here before the answer.
-    const XcbReply<xcb_get_geometry_reply_t> geometry(
-        xcb_get_geometry_reply(m_connection, xcb_get_geometry(m_connection, m_window), nullptr));
-    return Check();
+    if (width != m_width || height != m_height) {
+        const uint32_t sizes[] = { static_cast<uint32_t>(width), static_cast<uint32_t>(height) };
+        xcb_configure_window(
+            m_connection, m_window, XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT, sizes);
+        if (m_width == 0)
+            xcb_map_window(m_connection, m_window);
+        m_width = width;
+        m_height = height;
+        // A driver reads the size from the events of the connection: they are here before the
+        // answer.
+        const XcbReply<xcb_get_geometry_reply_t> geometry(xcb_get_geometry_reply(
+            m_connection, xcb_get_geometry(m_connection, m_window), nullptr));
+    }
+    const ShowResult result = Check();
+    m_isExposed = false;
+    return result;
 }
 
 ShowResult PresenterWindow::Check()
@@ -127,6 +131,11 @@ ShowResult PresenterWindow::Check()
     if (m_isGone)
         return ShowResult::WindowGone;
     return xcb_connection_has_error(m_connection) ? ShowResult::MethodFailed : ShowResult::Shown;
+}
+
+bool PresenterWindow::IsExposed()
+{
+    return Check() != ShowResult::Shown || std::exchange(m_isExposed, false);
 }
 
 ShowResult PresenterWindow::WaitFor(uint8_t type)
@@ -153,6 +162,8 @@ void PresenterWindow::Notice(const void* event)
     const auto* destroyed = static_cast<const xcb_destroy_notify_event_t*>(event);
     if ((destroyed->response_type & 0x7F) == XCB_DESTROY_NOTIFY && destroyed->window == m_window)
         m_isGone = true;
+    if ((destroyed->response_type & 0x7F) == XCB_EXPOSE)
+        m_isExposed = true;
 }
 
 }

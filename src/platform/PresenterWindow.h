@@ -55,6 +55,10 @@ public:
     // connection is gone.
     ShowResult Check();
 
+    // Whether some of the window has lost what it showed since Cover, or the window is gone; each
+    // loss is told once.
+    bool IsExposed();
+
     // Waits for an event of that type; an error that the server tells is a MethodFailed.
     ShowResult WaitFor(uint8_t type);
 
@@ -73,6 +77,7 @@ private:
     uint32_t m_colormap = 0;
     int32_t m_width = 0;
     int32_t m_height = 0;
+    bool m_isExposed = false;
     bool m_isGone = false;
 };
 

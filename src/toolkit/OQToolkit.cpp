@@ -80,7 +80,9 @@ bool OQToolkit::IsUsable() const
 bool OQToolkit::ProcessEvents(int32_t milliseconds)
 {
     const bool isUsable = CheckDisplay();
-    if (isUsable && (QThread::currentThread()->loopLevel() > 0 || OQWindowWidget::IsInPaint()))
+    if (isUsable
+        && (QThread::currentThread()->loopLevel() > 0 || OQWindowWidget::IsInPaint()
+            || m_holds > 0))
         return true;
     if (isUsable)
         PumpQt(milliseconds);

@@ -31,8 +31,8 @@ public:
 
     // For hosts whose loop doesn't drive Qt: handles what is due there and on the thread's message
     // queue, for `milliseconds` at the most while there is more, and waits for nothing. Where Qt's
-    // own loop runs it leaves the work to that, and in a paint to the next call. False if there are
-    // no windows to be had on this thread (any more).
+    // own loop runs it leaves the work to that, and in a paint or a hold to the next call. False if
+    // there are no windows to be had on this thread (any more).
     bool ProcessEvents(int32_t milliseconds);
 
     // Only Qt's part of it, whatever loops run. True if there was anything.
@@ -44,6 +44,18 @@ public:
     // The windows that there are; told when the display or the application goes.
     void AddWindow(OQBasicWnd* wnd);
     void RemoveWindow(OQBasicWnd* wnd);
+
+    // While one lives, what runs on the windows' thread must not be interrupted by their events.
+    class Hold
+    {
+    public:
+        Hold() { ++Get().m_holds; }
+
+        ~Hold() { --Get().m_holds; }
+
+        Hold(const Hold&) = delete;
+        Hold& operator=(const Hold&) = delete;
+    };
 
 private:
     OQToolkit();
@@ -62,5 +74,6 @@ private:
     QSocketNotifier* m_notifier = nullptr; // owned; null while no application was seen
     OQArray<OQBasicWnd*, OQBasicWnd*> m_windows; // not owned
     std::atomic<bool> m_displayLost = false;
+    int m_holds = 0;
     int m_pumps = 0; // how many calls of PumpQt are on the stack
 };

@@ -8,8 +8,10 @@
 #include "foundation/OQSiblingModules.h"
 #include "foundation/OQTranslate.h"
 #include "foundation/OQTruncate.h"
+#include "os/Clock.h"
 #include "toolkit/IOQPaint.h"
 #include "toolkit/OQRedrawThread.h"
+#include "toolkit/OQToolkit.h"
 
 #include <pxvis/IOQMenu.h>
 
@@ -23,11 +25,13 @@ namespace {
 
 constexpr uint32_t messageResizeEngine = 1124;
 constexpr uint32_t messageTellFailure = 1125;
+constexpr uint32_t messageRest = 1126;
 constexpr int32_t timerResize = 1;
 constexpr int32_t timerCycle = 2;
 constexpr int32_t resizeDelay = 150; // ms that a size must have stayed
 // A stored cycle time may be anything; the editor of the settings offers 5 s and more.
 constexpr int32_t shortestCycle = 1000; // ms
+constexpr int64_t restDelay = 500'000'000; // ns with nothing new to show
 constexpr int32_t commandQuality = 1010; // and up to 9 more
 constexpr double framesPerSecond = 60.0;
 
@@ -63,6 +67,14 @@ uintptr_t TextToAddress(const OQString& text)
             break;
     }
     return address;
+}
+
+// False without memory.
+bool MakeImage(std::unique_ptr<IOQImage>& image, OQSize size)
+{
+    if (!image)
+        image.reset(OQCreateImage());
+    return image && (image->GetSize() == size || image->Create(size.cx, size.cy, 0, 0));
 }
 
 }
@@ -172,6 +184,7 @@ IVisAudioData* C2DVisualizations::GetAudioData()
 void C2DVisualizations::SetDrawMethod(int32_t method)
 {
     m_drawMethod = method;
+    EndRest();
     m_settings.WriteInt(u"Draw Method", method);
 }
 
@@ -184,6 +197,7 @@ void C2DVisualizations::SetScriptCycle(int32_t milliseconds)
 void C2DVisualizations::SetShowFrameRate(bool show)
 {
     m_showFrameRate = show;
+    EndRest();
     m_settings.WriteInt(u"Show FPS", show ? 1 : 0);
 }
 
@@ -191,6 +205,7 @@ void C2DVisualizations::SetFlashLimit(bool limit)
 {
     m_flashLimit = limit;
     m_limiter = {};
+    EndRest();
     m_settings.WriteInt(u"Flash Limit", limit ? 1 : 0);
 }
 
@@ -204,8 +219,9 @@ void C2DVisualizations::OnInitialize()
     OQSystemWnd::OnInitialize();
     SetText(u"PXVisEngine");
     LetInputThrough(); // whatever is done over the picture is meant for the player
-    m_redrawThread = std::make_unique<OQRedrawThread>(*this, framesPerSecond);
+    m_redrawThread = std::make_unique<OQRedrawThread>(*this, framesPerSecond, messageRest);
     m_redrawThread->Start();
+    RegisterMessage(messageRest, [this](intptr_t, intptr_t) { OnRest(); });
     RegisterMessage(messageResizeEngine, [this](intptr_t, intptr_t) { OnResizeEngine(); });
     RegisterMessage(messageTellFailure,
         [this](intptr_t, intptr_t) { PluginWindows::TellFailure(GetHandle()); });
@@ -227,6 +243,7 @@ void C2DVisualizations::OnSize(const OQSize& client)
     OQSystemWnd::OnSize(client); // the surface stays: it is told the size with each picture
     KillTimer(timerResize);
     SetTimer(timerResize, resizeDelay);
+    EndRest();
 }
 
 void C2DVisualizations::OnTimer(int32_t id)
@@ -257,6 +274,7 @@ OQSize C2DVisualizations::PictureSizeFor(OQSize client, int32_t quality)
 void C2DVisualizations::OnResizeEngine()
 {
     m_pictureSize = PictureSizeFor(GetClientSize(), GetDisplayQuality());
+    KeepPicture();
     m_engine.Resize({ 0, 0, m_pictureSize.cx, m_pictureSize.cy });
     if (m_drawMethod != DrawDirect)
         m_surface.reset();
@@ -320,6 +338,7 @@ void C2DVisualizations::LoadRandomScript()
 void C2DVisualizations::LoadScript(const OQString& path)
 {
     OQLog(OQLogDebug, u"C2DVisualizations::LoadScript", u"%s", { path });
+    KeepPicture();
     if (m_engine.LoadScript(path) != 0)
         OQLog(OQLogWarning, u"C2DVisualizations::LoadScript",
             u"There is no script to be read in %s", { path });
@@ -335,6 +354,7 @@ void C2DVisualizations::OnPaint(IOQPaint& paint)
     if (m_isFirstPaint) {
         KillTimer(timerResize);
         OnResizeEngine();
+        m_isDrawnAhead = false;
         if (m_scriptFile.IsEmpty())
             LoadMode(CurrentPath());
         else
@@ -343,29 +363,47 @@ void C2DVisualizations::OnPaint(IOQPaint& paint)
     }
     if (!IsVisible())
         return;
-    if (!DrawAndPresent(paint))
+    const bool isDrawn = std::exchange(m_isDrawnAhead, false) || DrawPicture();
+    if (!isDrawn || !Present(paint)) {
         paint.FillRect(GetClientRect(), 0);
+        EndRest(); // another try may go well
+    }
     LoadWhatWaits();
     if (m_redrawThread)
         m_redrawThread->OnPainted();
 }
 
-bool C2DVisualizations::DrawAndPresent(IOQPaint& paint)
+// Whoever has nothing new to tell mustn't cost anything: the picture stays where it is until there
+// is a new one, which the next paint shows. Paints that come all the same show it again.
+void C2DVisualizations::OnRest()
 {
-    if (!DrawPicture())
-        return false;
-    IOQImage* image = m_engine.GetBuffer().GetImage(0);
-    if (image && m_flashLimit)
-        image = LimitFlashes(*image);
-    if (!image)
-        return false;
-    if (m_drawMethod == DrawStandard)
-        return paint.DrawImage(*image, GetClientRect());
-    if (m_drawMethod != DrawDirect)
-        return false;
-    if (!m_surface)
-        m_surface = std::make_unique<CDXSurface>();
-    return m_surface->Present(*image, GetHandle(), GetClientSize());
+    if (m_isFirstPaint || !IsVisible())
+        return;
+    const bool isDrawn = DrawPicture();
+    if (m_redrawThread && m_redrawThread->IsResting()) {
+        LoadWhatWaits();
+        m_redrawThread->OnPainted();
+        return;
+    }
+    m_isDrawnAhead = isDrawn;
+    Invalidate();
+}
+
+void C2DVisualizations::DecideOnRest()
+{
+    const CVisualization::Step step = m_engine.GetStep();
+    const bool hasData = step != CVisualization::Step::NoData;
+    if (step == CVisualization::Step::Drawn || hasData != std::exchange(m_hasData, hasData))
+        EndRest();
+    else if (m_redrawThread && pxvis::os::MonotonicNanoseconds() - m_lastNews > restDelay)
+        m_redrawThread->SetResting(true);
+}
+
+void C2DVisualizations::EndRest()
+{
+    m_lastNews = pxvis::os::MonotonicNanoseconds();
+    if (m_redrawThread)
+        m_redrawThread->SetResting(false);
 }
 
 bool C2DVisualizations::DrawPicture()
@@ -381,10 +419,52 @@ bool C2DVisualizations::DrawPicture()
         ~Drawing() { flag = false; }
 
         bool& flag;
+        const OQToolkit::Hold hold {}; // the host may call for events
     };
 
     const Drawing drawing(m_isDrawing);
-    return m_engine.Draw({ 0, 0, m_pictureSize.cx, m_pictureSize.cy }, m_showFrameRate) == 0;
+    const bool isDrawn
+        = m_engine.Draw({ 0, 0, m_pictureSize.cx, m_pictureSize.cy }, m_showFrameRate) == 0;
+    const CVisualization::Step step = m_engine.GetStep();
+    if (step == CVisualization::Step::Drawn || step == CVisualization::Step::NoData)
+        m_isPictureKept = false;
+    else if (step == CVisualization::Step::Kept)
+        KeepPicture();
+    DecideOnRest();
+    return isDrawn;
+}
+
+bool C2DVisualizations::Present(IOQPaint& paint)
+{
+    const bool isWaiting = m_engine.GetStep() == CVisualization::Step::Waiting;
+    IOQImage* image
+        = isWaiting && m_isPictureKept ? m_keptPicture.get() : m_engine.GetBuffer().GetImage(0);
+    if (image && m_flashLimit)
+        image = LimitFlashes(*image);
+    if (!image)
+        return false;
+    if (m_drawMethod == DrawStandard)
+        return paint.DrawImage(*image, GetClientRect());
+    if (m_drawMethod != DrawDirect)
+        return false;
+    if (!m_surface)
+        m_surface = std::make_unique<CDXSurface>();
+    return m_surface->Present(*image, GetHandle(), GetClientSize());
+}
+
+// The engine's is black behind a load or a change of size, and stays so while it gets no data.
+void C2DVisualizations::KeepPicture()
+{
+    const CVisualization::Step step = m_engine.GetStep();
+    IOQImage* image = m_engine.GetBuffer().GetImage(0);
+    const bool isThere = step == CVisualization::Step::Drawn || step == CVisualization::Step::Kept;
+    if (m_isPictureKept || !isThere || !image)
+        return;
+    const OQSize size = image->GetSize();
+    if (!MakeImage(m_keptPicture, size))
+        return;
+    m_keptPicture->CopyRect(*image, { 0, 0, size.cx, size.cy }, 0, 0);
+    m_isPictureKept = true;
 }
 
 // The picture itself where it may be shown.
@@ -395,10 +475,7 @@ IOQImage* C2DVisualizations::LimitFlashes(IOQImage& image)
     const CVisPixels pixels { image.GetBits() + lastRow, -size.cx, size.cx, size.cy };
     if (!m_limiter.IsDamped(pixels, OQClockNanoseconds()))
         return &image;
-    if (!m_dampedImage)
-        m_dampedImage.reset(OQCreateImage());
-    if (!m_dampedImage
-        || (m_dampedImage->GetSize() != size && !m_dampedImage->Create(size.cx, size.cy, 0, 0)))
+    if (!MakeImage(m_dampedImage, size))
         return nullptr;
     m_limiter.CopyDamped(m_dampedImage->GetBits() + lastRow, -size.cx);
     return m_dampedImage.get();

@@ -92,8 +92,12 @@ private:
     void LoadRandomScript();
     void LoadScript(const OQString& path);
     void StartCycleTimer();
-    bool DrawAndPresent(IOQPaint& paint);
+    void OnRest();
+    void DecideOnRest();
+    void EndRest();
     bool DrawPicture();
+    bool Present(IOQPaint& paint);
+    void KeepPicture();
     IOQImage* LimitFlashes(IOQImage& image);
 
     VisualizationSettings m_settings { u"Plugins\\Display\\Visualizations" };
@@ -115,6 +119,11 @@ private:
     OQString m_scriptFile; // shown in place of the mode; else empty
     OQString m_loadedFile; // the same once the engine has it
     OQString m_unsavedPath; // of the current mode, where the settings don't take it; else empty
+    bool m_hasData = false; // at the last draw
+    int64_t m_lastNews = 0; // ns, monotonic: when there was something to show
+    bool m_isDrawnAhead = false; // the picture for the next paint is there
+    std::unique_ptr<IOQImage> m_keptPicture; // shown until a new script or size is drawn
+    bool m_isPictureKept = false; // it is that of now
     CVisFlashLimiter m_limiter;
     std::unique_ptr<IOQImage> m_dampedImage; // what is shown in place of a picture that flashes
 };

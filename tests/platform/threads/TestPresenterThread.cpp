@@ -22,6 +22,7 @@ struct Stage
     std::atomic<int> torn = 0; // frames whose pixels aren't all of one picture
     std::atomic<uint32_t> last = 0; // pixel shown
     std::atomic<int> failing = 0; // so many surfaces fail at once
+    std::atomic<bool> exposed = false; // until the next frame
     std::atomic<bool> gone = false;
     std::atomic<bool> throwing = false;
     std::atomic<bool> held = false; // frames last until this is false, or Break
@@ -47,6 +48,7 @@ public:
             return ShowResult::MethodFailed;
         for (int i = 0; i < picture.width * picture.height; ++i)
             m_stage.torn += picture.bits[i] != picture.bits[0];
+        m_stage.exposed = false;
         m_stage.last = picture.bits[0];
         ++m_stage.frames;
         while (m_stage.held && !m_stage.broken)
@@ -55,6 +57,8 @@ public:
             : m_stage.broken ? ShowResult::MethodFailed
                              : ShowResult::Shown;
     }
+
+    bool IsExposed() override { return m_stage.exposed || m_stage.gone; }
 
     const char* Method() const override { return m_number == 1 ? "first" : "second"; }
 
@@ -131,6 +135,24 @@ TEST_CASE("Behind a slow picture one waits, and the next replaces it after a fra
     CHECK(HoldsSoon([&] { return stage.last == 4; }));
     CHECK(stage.frames == 2);
     CHECK(presenter.End());
+}
+
+TEST_CASE("A picture that the window lost is shown again, without being asked for")
+{
+    Stage stage;
+    PresenterThread presenter(std::make_unique<FakeSource>(stage));
+    CHECK(PresentOne(presenter, 7));
+    REQUIRE(HoldsSoon([&] { return stage.frames == 1; }));
+    std::this_thread::sleep_for(milliseconds(250));
+    CHECK(stage.frames == 1);
+    stage.last = 0;
+    stage.exposed = true;
+    CHECK(HoldsSoon([&] { return stage.last == 7; }));
+    CHECK(PresentOne(presenter, 8));
+    CHECK(HoldsSoon([&] { return stage.last == 8; }));
+    stage.gone = true; // which it finds by itself
+    CHECK(HoldsSoon([&] { return stage.destroyed == 1; }));
+    CHECK_FALSE(PresentOne(presenter, 9));
 }
 
 TEST_CASE("A method that fails is followed by the next one, with the same picture")

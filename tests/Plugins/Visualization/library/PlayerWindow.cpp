@@ -127,6 +127,21 @@ void PlayerWindow::Resize(uint16_t width, uint16_t height)
     xcb_flush(m_connection);
 }
 
+void PlayerWindow::CoverAndUncover()
+{
+    const xcb_screen_t* screen = xcb_setup_roots_iterator(xcb_get_setup(m_connection)).data;
+    const uint32_t values[] = { 0xff00ff, 1 }; // background, nobody manages it
+    const xcb_window_t cover = xcb_generate_id(m_connection);
+    xcb_create_window(m_connection, XCB_COPY_FROM_PARENT, cover, screen->root, 0, 0, 2000, 2000, 0,
+        XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT,
+        XCB_CW_BACK_PIXEL | XCB_CW_OVERRIDE_REDIRECT, values);
+    xcb_map_window(m_connection, cover);
+    free(xcb_get_input_focus_reply(m_connection, xcb_get_input_focus(m_connection), nullptr));
+    Run(50);
+    xcb_destroy_window(m_connection, cover);
+    free(xcb_get_input_focus_reply(m_connection, xcb_get_input_focus(m_connection), nullptr));
+}
+
 void PlayerWindow::DestroyWindow()
 {
     xcb_destroy_window(m_connection, m_window);

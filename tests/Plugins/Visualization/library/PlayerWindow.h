@@ -38,6 +38,8 @@ public:
     uint32_t Middle() const;
 
     void Resize(uint16_t width, uint16_t height);
+    // Something else lies over the window for a moment.
+    void CoverAndUncover();
     void DestroyWindow();
 
     xcb_window_t GetWindow() const { return m_window; }

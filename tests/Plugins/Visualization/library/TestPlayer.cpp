@@ -148,13 +148,72 @@ TEST_CASE(
         }
         if (calls == 40)
             CHECK(visualization.CreateWnd(player.GetWindow(), 0) != 0);
+        // The same while nothing is painted, for lack of anything new.
+        const bool isPaused = calls > 80 && calls < 140;
+        player.host.audio->refreshResult = isPaused ? 1 : 0;
+        if (calls == 130)
+            CHECK(visualization.SetProperty(u"Current Mode", u"Red"));
+        if (calls == 135)
+            CHECK(visualization.CreateWnd(player.GetWindow(), 0) != 0);
     };
     REQUIRE(player.Open() != 0);
     player.visualization->SetProperty(u"Current Mode", u"Red");
     CHECK(player.RunUntil([&] { return player.Middle() == red; }));
     CHECK(player.RunUntil([&] { return player.Middle() == blue; }));
-    CHECK(player.RunUntil([&] { return calls > 80; }));
+    CHECK(player.RunUntil([&] { return calls > 125; }));
     CHECK(player.Middle() == blue);
+    CHECK(player.RunUntil([&] { return calls > 150; }));
+    CHECK(player.RunUntil([&] { return player.Middle() == red; }));
+}
+
+TEST_CASE("While the host has nothing new the picture stays, asked for seldom, and then goes on")
+{
+    for (const char* method : { "0", "1" }) {
+        INFO("Method ", std::string(method));
+        PlayerWindow player(320, 200);
+        player.AddScript("Red.pxv", FlushPiece("0xE02010"));
+        player.AddScript("Blue.pxv", FlushPiece("0x1030E0"));
+        player.Set("Draw Method", method);
+        player.Set("Current Script", "");
+        bool isPaused = false;
+        int asked = 0;
+        player.host.onRefresh = [&] {
+            ++asked;
+            player.host.audio->refreshResult = isPaused ? 1 : 0;
+        };
+        REQUIRE(player.Open() != 0);
+        IOQVisualization& visualization = *player.visualization;
+        visualization.SetProperty(u"Current Mode", u"Red");
+        const auto shows = [&](uint32_t color, int width, int height) {
+            return player.RunUntil([&] {
+                return player.Pixels().Count(color, 0, 0, width, height) == width * height;
+            });
+        };
+        CHECK(shows(red, 320, 200));
+        isPaused = true;
+        player.Run(800);
+        asked = 0;
+        player.Run(1000);
+        CHECK(asked >= 5);
+        CHECK(asked <= 11);
+        player.CoverAndUncover();
+        CHECK(shows(red, 320, 200));
+        player.Resize(500, 300);
+        CHECK(shows(red, 500, 300));
+        player.Run(1000); // the engine has its new size, and rests again
+        CHECK(shows(red, 500, 300));
+        visualization.SetProperty(u"Current Mode", u"Blue");
+        player.Run(300);
+        CHECK(shows(red, 500, 300));
+        player.CoverAndUncover();
+        CHECK(shows(red, 500, 300));
+        isPaused = false;
+        CHECK(player.RunUntil([&] { return player.Middle() == blue; }, 1000));
+        asked = 0;
+        player.Run(1000);
+        if (*method == '1') // the other one takes its time
+            CHECK(asked > 15);
+    }
 }
 
 TEST_CASE("Flashing light is damped unless the user wants it as it is")
