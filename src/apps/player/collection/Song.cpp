@@ -1,19 +1,10 @@
 #include "apps/player/collection/Song.h"
 
-#include <QStringDecoder>
-
 namespace pxvis::player {
 
 namespace {
 
 constexpr qsizetype longestLine = 1000;
-
-bool IsUtf8(const QByteArray& bytes)
-{
-    QStringDecoder decoder(QStringDecoder::Utf8);
-    static_cast<void>(QString(decoder(bytes)));
-    return !decoder.hasError();
-}
 
 }
 
@@ -62,7 +53,7 @@ std::string PathOf(const QUrl& url)
 QUrl UrlOf(const std::string& path)
 {
     const QByteArray bytes = QByteArray::fromStdString(path);
-    if (IsUtf8(bytes))
+    if (bytes.isValidUtf8())
         return QUrl::fromLocalFile(QString::fromUtf8(bytes));
     return QUrl::fromEncoded("file://" + bytes.toPercentEncoding("/"));
 }

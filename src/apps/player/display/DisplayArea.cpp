@@ -30,7 +30,7 @@ struct DisplayArea::Display
     VisualHost& host;
     VisualLibrary library;
     std::unique_ptr<IOQVisualization> visualization; // gone before its window and its host
-    PictureFrame* frame = nullptr; // the area's child
+    PictureFrame* frame = nullptr; // a child of the area, or of the full screen
     FullScreenWindow* fullScreen = nullptr; // owned; null outside of full screen
     QPointer<QWidget> watched; // the top-level window that the area is in
     QString fault; // why there is no picture
@@ -46,11 +46,16 @@ DisplayArea::DisplayArea(VisualHost& host, QWidget* parent)
 {
     Display& display = *m_display;
     setAttribute(Qt::WA_OpaquePaintEvent);
+    setAccessibleName(tr("Visualization"));
     display.frame = new PictureFrame(this);
     display.frame->hide();
     display.textTimer.setSingleShot(true);
     connect(&display.textTimer, &QTimer::timeout, this, [this] { ShowText({}); });
-    connect(display.frame, &PictureFrame::DoubleClicked, this, &DisplayArea::DoubleClicked);
+    connect(display.frame, &PictureFrame::DoubleClicked, this, [this] {
+        if (!m_display->fullScreen)
+            emit DoubleClicked();
+    });
+    connect(display.frame, &PictureFrame::Resized, this, [this] { m_display->host.DrawAwhile(); });
     connect(display.frame, &PictureFrame::MenuAsked, this, &DisplayArea::MenuAsked);
     connect(new UrlDrops(*this), &UrlDrops::Dropped, this, &DisplayArea::Dropped);
     UpdateSeen();
@@ -59,6 +64,7 @@ DisplayArea::DisplayArea(VisualHost& host, QWidget* parent)
 DisplayArea::~DisplayArea()
 {
     m_display->visualization.reset();
+    m_display->frame->setParent(this);
     delete m_display->fullScreen;
 }
 
@@ -72,7 +78,13 @@ bool DisplayArea::Start(const QString& library, QString& error)
 
 void DisplayArea::Restart()
 {
-    MakeVisualization(m_display->fault);
+    if (!m_display->library.IsLoaded())
+        return;
+    const QString mode = CurrentMode();
+    // A mode that the settings didn't take is forgotten with the old visualization.
+    if (MakeVisualization(m_display->fault) && !mode.isEmpty() && mode != CurrentMode())
+        SetVisualProperty(*m_display->visualization, u"Current Mode", mode);
+    ShowScriptFile(std::exchange(m_display->scriptFile, {}));
     UpdateSeen();
 }
 
@@ -83,22 +95,13 @@ bool DisplayArea::MakeVisualization(QString& error)
     display.cycleWord.clear();
     display.visualization.reset(); // the old one saves what it has before the new one reads
     display.visualization = display.library.Create(display.host);
-    if (display.visualization && !ShowIn(CurrentFrame()))
+    if (display.visualization && display.visualization->CreateWnd(display.frame->winId(), 0) == 0)
         display.visualization.reset();
-    if (!display.visualization)
+    if (!display.visualization) {
         error = tr("The visualizations can't be shown here; pxvis.log tells why.");
-    else if (!display.scriptFile.isEmpty())
-        ShowScriptFile(std::exchange(display.scriptFile, {}));
-    return display.visualization != nullptr;
-}
-
-bool DisplayArea::ShowIn(PictureFrame& frame)
-{
-    Display& display = *m_display;
-    if (display.visualization->CreateWnd(frame.winId(), 0) == 0)
         return false;
-    frame.RaiseText();
-    display.host.DrawAwhile();
+    }
+    display.frame->RaiseText();
     return true;
 }
 
@@ -172,16 +175,11 @@ void DisplayArea::ShowText(const QString& text, int milliseconds)
 {
     Display& display = *m_display;
     display.text = text;
-    CurrentFrame().SetText(text);
+    display.frame->SetText(text);
     if (text.isEmpty())
         display.textTimer.stop();
     else
         display.textTimer.start(milliseconds);
-}
-
-PictureFrame& DisplayArea::CurrentFrame() const
-{
-    return m_display->fullScreen ? m_display->fullScreen->Frame() : *m_display->frame;
 }
 
 bool DisplayArea::IsFullScreen() const
@@ -206,36 +204,27 @@ void DisplayArea::SetFullScreen(bool fullScreen)
     emit FullScreenChanged();
 }
 
+// The frame moves with all that is in it: a new window for the visualization would start the
+// script anew, or another one of a cycle.
 void DisplayArea::EnterFullScreen()
 {
-    Display& display = *m_display;
-    display.frame->SetText({});
-    auto* const full = new FullScreenWindow(*screen());
-    display.fullScreen = full;
+    auto* const full = new FullScreenWindow(*screen(), *m_display->frame);
+    m_display->fullScreen = full;
     full->setWindowTitle(window()->windowTitle());
     full->setWindowIcon(window()->windowIcon());
     full->addActions(actions());
     connect(full, &FullScreenWindow::LeaveAsked, this, [this] { SetFullScreen(false); });
     connect(full, &FullScreenWindow::MinimisedChanged, this, &DisplayArea::UpdateSeen);
-    connect(&full->Frame(), &PictureFrame::MenuAsked, this, &DisplayArea::MenuAsked);
     connect(new UrlDrops(*full), &UrlDrops::Dropped, this, &DisplayArea::Dropped);
     full->showFullScreen();
     full->activateWindow();
-    full->Frame().SetText(display.text);
-    if (!ShowIn(full->Frame()))
-        LeaveFullScreen();
 }
 
 void DisplayArea::LeaveFullScreen()
 {
-    Display& display = *m_display;
-    FullScreenWindow* const full = display.fullScreen;
-    display.fullScreen = nullptr;
-    if (!ShowIn(*display.frame)) {
-        display.visualization.reset();
-        display.fault = tr("The visualizations can't be shown here; pxvis.log tells why.");
-    }
-    display.frame->SetText(display.text);
+    FullScreenWindow* const full = std::exchange(m_display->fullScreen, nullptr);
+    m_display->frame->setParent(this);
+    m_display->frame->setGeometry(rect());
     full->hide();
     full->deleteLater(); // an event of its own may have led here
     window()->activateWindow();
@@ -251,9 +240,7 @@ void DisplayArea::UpdateSeen()
 {
     Display& display = *m_display;
     const bool isSeen = IsSeen() && display.visualization;
-    display.frame->setVisible(isSeen && !display.fullScreen);
-    if (display.fullScreen)
-        display.fullScreen->Frame().setVisible(isSeen);
+    display.frame->setVisible(isSeen);
     display.host.SetResting(!isSeen);
     if (isSeen)
         display.host.DrawAwhile();
@@ -292,8 +279,8 @@ void DisplayArea::paintEvent(QPaintEvent*)
 
 void DisplayArea::resizeEvent(QResizeEvent*)
 {
-    m_display->frame->setGeometry(rect());
-    m_display->host.DrawAwhile();
+    if (!m_display->fullScreen)
+        m_display->frame->setGeometry(rect());
 }
 
 void DisplayArea::showEvent(QShowEvent*)

@@ -11,13 +11,12 @@ class QMenu;
 
 namespace pxvis::player {
 
-class PictureFrame;
 class VisualHost;
 
 // The place where the visualization shows: loads libpxvis.so at run time and talks to it through
-// the public contract alone. In full screen a second top-level window takes the picture over. Files
-// can be dropped on both. Actions that are added to the area (addActions) have their shortcuts in
-// full screen as well.
+// the public contract alone. In full screen a second top-level window has the picture, which goes
+// on as it was. Files can be dropped on both. Actions that are added to the area (addActions) have
+// their shortcuts in full screen as well.
 class DisplayArea : public QWidget
 {
     Q_OBJECT
@@ -74,8 +73,6 @@ private:
     struct Display;
 
     bool MakeVisualization(QString& error);
-    bool ShowIn(PictureFrame& frame);
-    PictureFrame& CurrentFrame() const;
     bool IsSeen() const;
     void UpdateSeen();
     void EnterFullScreen();

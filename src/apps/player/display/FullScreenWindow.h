@@ -7,15 +7,16 @@ namespace pxvis::player {
 
 class PictureFrame;
 
-// A black window over a whole screen with the picture in it. The pointer is hidden while it rests.
+// A black window over a whole screen, which holds the picture's frame for a time. The pointer is
+// hidden while it rests.
 class FullScreenWindow : public QWidget
 {
     Q_OBJECT
 
 public:
-    explicit FullScreenWindow(QScreen& screen);
-
-    PictureFrame& Frame() { return *m_frame; }
+    // Takes the frame from its parent, who gets it back (setParent) before this goes.
+    FullScreenWindow(QScreen& screen, PictureFrame& frame);
+    ~FullScreenWindow() override;
 
 signals:
     // By Esc, a double click, or the window manager; the window stays until its owner takes it
@@ -32,7 +33,7 @@ protected:
 private:
     void ShowPointer();
 
-    PictureFrame* m_frame;
+    PictureFrame& m_frame;
     QTimer m_pointerTimer;
 };
 

@@ -76,6 +76,7 @@ void PictureFrame::PlaceText()
 void PictureFrame::resizeEvent(QResizeEvent*)
 {
     PlaceText();
+    emit Resized();
 }
 
 void PictureFrame::mouseDoubleClickEvent(QMouseEvent* event)

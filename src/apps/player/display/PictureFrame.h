@@ -22,6 +22,7 @@ signals:
     void DoubleClicked();
     void MenuAsked(const QPoint& globalPosition);
     void PointerMoved();
+    void Resized();
 
 protected:
     void resizeEvent(QResizeEvent* event) override;

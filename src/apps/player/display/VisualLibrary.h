@@ -17,6 +17,8 @@ public:
     // `path`: "" for the one of this installation. False with one line.
     bool Load(const QString& path, QString& error);
 
+    bool IsLoaded() const { return m_create != nullptr; }
+
     // Null if the library can't start; its log tells why.
     std::unique_ptr<IOQVisualization> Create(IOQVisualizationHost& host);
 

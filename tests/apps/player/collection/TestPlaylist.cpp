@@ -2,11 +2,11 @@
 
 #include <doctest/doctest.h>
 
-#include <QElapsedTimer>
 #include <QFont>
 #include <QMimeData>
 
 #include <algorithm>
+#include <ctime>
 #include <memory>
 #include <set>
 
@@ -231,8 +231,7 @@ TEST_CASE("A hundred thousand songs are handled at once")
     QList<Song> songs;
     for (int i = 0; i < Playlist::mostSongs + 5; ++i)
         songs.append(SongOf(QString::number(i)));
-    QElapsedTimer timer;
-    timer.start();
+    const std::clock_t start = std::clock();
     Playlist list;
     list.SetShuffled(true);
     CHECK(list.Insert(songs) == Playlist::mostSongs);
@@ -250,6 +249,5 @@ TEST_CASE("A hundred thousand songs are handled at once")
     CHECK(list.At(7).isRead);
     for (int i = 0; i < 1000; ++i)
         list.SetCurrent(list.Next(true));
-    MESSAGE(timer.elapsed(), " ms");
-    CHECK(timer.elapsed() < 10'000);
+    CHECK((std::clock() - start) / CLOCKS_PER_SEC < 15); // a hundredth of that without sanitizers
 }

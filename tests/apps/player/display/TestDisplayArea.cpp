@@ -102,6 +102,25 @@ TEST_CASE("Full screen takes the picture over and gives it back, however it is l
     });
 }
 
+TEST_CASE("What is shown goes on through full screen, also one script of a cycle")
+{
+    InProcessOfItsOwn([] {
+        DisplayDesk desk(true);
+        DisplayArea& area = desk.area;
+        QObject::connect(&area, &DisplayArea::DoubleClicked, [&] { area.SetFullScreen(true); });
+        REQUIRE(desk.Open());
+        area.SetMode("Test\\" + area.Modes().value(0));
+        desk.Run(500);
+        const uint32_t color = desk.IsShown(red) ? red : blue;
+        for (int turn = 0; turn < 6; ++turn) {
+            desk.Do({ "mousemove", "300", "300", "click", "--repeat", "2", "--delay", "60", "1" });
+            CHECK(desk.RunUntil([&] { return area.IsFullScreen() == (turn % 2 == 0); }));
+            CHECK(desk.RunUntil([&] { return desk.IsShown(color); }, 4000));
+            desk.Run(500); // else it were one double click more
+        }
+    });
+}
+
 TEST_CASE("A text lies at the lower left edge of the picture and goes again")
 {
     InProcessOfItsOwn([] {
