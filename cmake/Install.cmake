@@ -24,7 +24,7 @@ install(FILES "${CMAKE_SOURCE_DIR}/docs/man/pxvis-player.1" DESTINATION "${CMAKE
 set(_desktop "${CMAKE_SOURCE_DIR}/packaging/desktop")
 install(FILES "${_desktop}/pxvis-player.desktop" DESTINATION "${CMAKE_INSTALL_DATADIR}/applications"
     COMPONENT pxvis-player)
-install(FILES "${_desktop}/pxvis-player.metainfo.xml" DESTINATION "${CMAKE_INSTALL_DATADIR}/metainfo"
+install(FILES "${_desktop}/org.pxvis.Player.metainfo.xml" DESTINATION "${CMAKE_INSTALL_DATADIR}/metainfo"
     COMPONENT pxvis-player)
 install(DIRECTORY "${_desktop}/icons/" DESTINATION "${CMAKE_INSTALL_DATADIR}/icons" COMPONENT pxvis-player)
 

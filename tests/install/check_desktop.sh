@@ -6,7 +6,7 @@ if command -v desktop-file-validate >/dev/null; then
     desktop-file-validate pxvis-player.desktop
 fi
 if command -v appstreamcli >/dev/null; then
-    appstreamcli validate --no-net pxvis-player.metainfo.xml
+    appstreamcli validate --no-net org.pxvis.Player.metainfo.xml
 fi
 icon=$(sed -n 's/^Icon=//p' pxvis-player.desktop)
 for size in 16x16 32x32 48x48 64x64 128x128 256x256 512x512; do

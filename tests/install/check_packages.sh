@@ -43,7 +43,7 @@ depends() {
 version=$(dpkg-deb -f "$work"/made/pxvis_*.deb Version)
 holds pxvis bin/pxvis share/man/man1/pxvis.1.gz
 holds pxvis-player bin/pxvis-player share/man/man1/pxvis-player.1.gz share/applications/pxvis-player.desktop \
-    share/metainfo/pxvis-player.metainfo.xml share/icons/hicolor/scalable/apps/pxvis.svg
+    share/metainfo/org.pxvis.Player.metainfo.xml share/icons/hicolor/scalable/apps/pxvis.svg
 holds libpxvis '*/pxvis/libpxvis.so'
 holds pxvis-modules '*/pxvis/OQImage.so' '*/pxvis/OQTools.so' '*/pxvis/OQReader.so'
 holds pxvis-data share/pxvis/demo/pxvis-demo.opus share/locale/de/LC_MESSAGES/pxvis.mo
@@ -61,6 +61,9 @@ if dpkg-deb -f "$work"/made/pxvis-modules_*.deb Depends | grep qt6; then fail "t
 
 if command -v lintian >/dev/null; then
     lintian --fail-on error "$work"/made/*.deb 2>"$work/log" || fail "lintian finds errors"
+fi
+if command -v appstreamcli >/dev/null; then
+    appstreamcli validate-tree --no-net "$work/root" >"$work/log" || fail "$(cat "$work/log")"
 fi
 
 mkdir "$work/home"
