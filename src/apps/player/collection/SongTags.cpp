@@ -136,12 +136,10 @@ bool ReadSongTags(const std::string& path, const std::atomic<bool>& stop, host::
     const int64_t end = os::MonotonicNanoseconds() + int64_t { longestTagRead } * 1'000'000;
     Progress progress = Progress::Going;
     gst_element_set_state(pipeline.get(), GST_STATE_PAUSED);
-    while (progress == Progress::Going) {
+    while (progress == Progress::Going && !stop && os::MonotonicNanoseconds() < end) {
         const GstHolder<GstMessage> message(gst_bus_timed_pop(bus.get(), pollTime));
         if (message)
             progress = TakeMessage(message.get(), info);
-        else if (stop || os::MonotonicNanoseconds() > end)
-            break;
     }
     if (progress == Progress::Going) {
         Abandon(std::move(pipeline));
