@@ -109,7 +109,7 @@ QStringList DisplayArea::Modes() const
 {
     if (!m_display->visualization)
         return {};
-    const QStringList modes
+    QStringList modes
         = VisualProperty(*m_display->visualization, u"Modes").split('|', Qt::SkipEmptyParts);
     m_display->cycleWord = modes.value(0);
     return modes;
