@@ -194,14 +194,14 @@ QWidget* DisplayArea::PictureWindow() const
 
 void DisplayArea::SetFullScreen(bool fullScreen)
 {
-    if (fullScreen == IsFullScreen() || (fullScreen && !m_display->visualization))
+    if (fullScreen == IsFullScreen())
         return;
-    if (fullScreen)
-        EnterFullScreen();
-    else
+    if (!fullScreen)
         LeaveFullScreen();
+    else if (m_display->visualization)
+        EnterFullScreen();
     UpdateSeen();
-    emit FullScreenChanged();
+    emit FullScreenChanged(); // also without a picture: whoever asked shows what is so
 }
 
 // The frame moves with all that is in it: a new window for the visualization would start the
