@@ -60,4 +60,32 @@ bool HasClass(GstElementFactory* factory, const char* word)
     return classes && std::strstr(classes, word);
 }
 
+bool ServesSound(GstElementFactory* factory)
+{
+    if (HasClass(factory, "Adaptive") || HasClass(factory, "Subtitle"))
+        return false;
+    const bool decodes = HasClass(factory, "Decoder");
+    return !decodes || !(HasClass(factory, "Video") || HasClass(factory, "Image"));
+}
+
+bool IsDemuxer(GstElementFactory* factory)
+{
+    return HasClass(factory, "Demux") && !HasClass(factory, "Metadata");
+}
+
+std::string MissingPlugin(GstMessage* message)
+{
+    const GValue* detail = gst_structure_get_value(gst_message_get_structure(message), "detail");
+    if (detail && GST_VALUE_HOLDS_CAPS(detail)) {
+        const GstCaps* caps = gst_value_get_caps(detail);
+        if (gst_caps_get_size(caps) > 0) {
+            const char* type = gst_structure_get_name(gst_caps_get_structure(caps, 0));
+            if (!g_str_has_prefix(type, "audio/") && !g_str_has_prefix(type, "video/"))
+                return {};
+        }
+    }
+    const GstHolder<char> description(gst_missing_plugin_message_get_description(message));
+    return OneLine(description.get());
+}
+
 }

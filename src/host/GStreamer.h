@@ -16,6 +16,17 @@ std::string OneLine(const char* text);
 // Whether the word is in an element's classification, "Codec/Demuxer/Audio".
 bool HasClass(GstElementFactory* factory, const char* word);
 
+// Whether decoding a song may want the element. Leaves out what has nothing to do with sound, such
+// as a cover's decoder, and whatever would follow an address in the file to another place.
+bool ServesSound(GstElementFactory* factory);
+
+// Whether it takes streams out of a file of known form.
+bool IsDemuxer(GstElementFactory* factory);
+
+// Of a missing-plugin message, what could be installed for the song; empty where that would not
+// help: typefinding knows many things that are no music.
+std::string MissingPlugin(GstMessage* message);
+
 struct GstRelease
 {
     void operator()(GstElement* element) const { gst_object_unref(element); }

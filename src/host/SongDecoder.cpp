@@ -28,8 +28,6 @@ constexpr GstClockTime PollTime = 20 * GST_MSECOND;
 constexpr int BytesPerFrame = 2 * sizeof(float);
 constexpr guint QueueBuffers = 32; // decoded ahead, some 3 s at the usual sizes
 
-// Leaves out what has nothing to do with sound, such as a cover's decoder, and whatever would
-// follow an address in the file to another place.
 int SelectPlugin(GstElement*, GstPad*, GstCaps*, GstElementFactory* factory, void* hasStreams)
 {
     enum
@@ -39,12 +37,9 @@ int SelectPlugin(GstElement*, GstPad*, GstCaps*, GstElementFactory* factory, voi
         Skip
     };
 
-    if (HasClass(factory, "Adaptive") || HasClass(factory, "Subtitle"))
+    if (!ServesSound(factory))
         return Skip;
-    const bool decodes = HasClass(factory, "Decoder");
-    if (decodes && (HasClass(factory, "Video") || HasClass(factory, "Image")))
-        return Skip;
-    if (HasClass(factory, "Demux") && !HasClass(factory, "Metadata"))
+    if (IsDemuxer(factory))
         *static_cast<std::atomic<bool>*>(hasStreams) = true;
     return Try;
 }
@@ -118,7 +113,6 @@ struct SongDecoder::Pipeline
     bool NextSample();
     void ReadMessages();
     void TakeError(GstMessage* message);
-    void TakeMissingPlugin(GstMessage* message);
     void TakeFormat();
     void Fail(const std::string& reason);
 };
@@ -236,23 +230,6 @@ void SongDecoder::Pipeline::TakeError(GstMessage* message)
         Fail("cannot be decoded: " + OneLine(fault->message));
 }
 
-void SongDecoder::Pipeline::TakeMissingPlugin(GstMessage* message)
-{
-    // Typefinding knows many things that are no music; a decoder for those would not help.
-    const GstStructure* structure = gst_message_get_structure(message);
-    const GValue* detail = gst_structure_get_value(structure, "detail");
-    if (detail && GST_VALUE_HOLDS_CAPS(detail)) {
-        const GstCaps* caps = gst_value_get_caps(detail);
-        if (gst_caps_get_size(caps) > 0) {
-            const char* type = gst_structure_get_name(gst_caps_get_structure(caps, 0));
-            if (!g_str_has_prefix(type, "audio/") && !g_str_has_prefix(type, "video/"))
-                return;
-        }
-    }
-    const GstHolder<char> description(gst_missing_plugin_message_get_description(message));
-    missingPlugin = OneLine(description.get());
-}
-
 void SongDecoder::Pipeline::ReadMessages()
 {
     while (GstMessage* raw = gst_bus_pop(bus.get())) {
@@ -266,8 +243,11 @@ void SongDecoder::Pipeline::ReadMessages()
             break;
         }
         case GST_MESSAGE_ELEMENT:
-            if (gst_is_missing_plugin_message(raw))
-                TakeMissingPlugin(raw);
+            if (gst_is_missing_plugin_message(raw)) {
+                const std::string plugin = MissingPlugin(raw);
+                if (!plugin.empty())
+                    missingPlugin = plugin;
+            }
             break;
         case GST_MESSAGE_APPLICATION:
             if (!missingPlugin.empty())

@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
-# check_manual.sh PXVIS MANUAL: the manual page has each command with all its options, and no others, and is well formed.
+# check_manual.sh PROGRAM MANUAL: the manual page has each command with all its options, and no others, and is well formed.
+# A program without commands has options only.
 set -euo pipefail
-pxvis=$1
+program=$1
 manual=$2
 export ASAN_OPTIONS=detect_leaks=0
 failed=0
@@ -14,17 +15,23 @@ fail() {
 # Every command has --help, which the manual tells once for all.
 long_options() { grep -oE -- '--[a-z][a-z-]*' | grep -vx -- '--help' | sort -u; }
 
-commands=$("$pxvis" --help | sed -n '/^Subcommands:/,$s/^  \([a-z]*\) .*/\1/p')
-[ -n "$commands" ] || fail "no commands in --help"
+compare() {
+    local difference
+    difference=$(diff <(echo "$2") <(echo "$3") | grep '^[<>]' || true)
+    [ -z "$difference" ] || fail "$1: only in the program (<), only in the manual (>): $difference"
+}
+
+options_in_items() { grep '^\.It' | sed 's/Fl Fl /--/g' | long_options || true; }
+
+commands=$("$program" --help | sed -n '/^Subcommands:/,$s/^  \([a-z]*\) .*/\1/p')
+[ -n "$commands" ] || compare options "$("$program" --help | long_options)" "$(options_in_items <"$manual")"
 for command in $commands; do
-    in_program=$("$pxvis" "$command" --help | long_options || true)
-    in_manual=$(awk -v name="$command" '/^\.S[hs] /{inside = $2 == name} inside && /^\.It/' "$manual" |
-        sed 's/Fl Fl /--/g' | long_options || true)
+    in_program=$("$program" "$command" --help | long_options || true)
+    in_manual=$(awk -v name="$command" '/^\.S[hs] /{inside = $2 == name} inside' "$manual" | options_in_items)
     [ -n "$(sed -n "/^\.Ss $command\b/p" "$manual")" ] || fail "$command is missing"
-    difference=$(diff <(echo "$in_program") <(echo "$in_manual") | grep '^[<>]' || true)
-    [ -z "$difference" ] || fail "$command: only in the program (<), only in the manual (>): $difference"
+    compare "$command" "$in_program" "$in_manual"
 done
-for option in $("$pxvis" --help | long_options); do
+for option in $("$program" --help | long_options); do
     grep -q -- "Fl Fl ${option#--}" "$manual" || fail "$option is missing"
 done
 

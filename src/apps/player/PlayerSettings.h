@@ -15,7 +15,9 @@ public:
     void SetText(const char* name, const QString& value);
     void SetNumber(const char* name, int value);
 
-    // How much later sound comes out of that device than the system knows, in ms.
+    // How much later sound comes out of that device than the system knows, in ms; "": of the one
+    // that the system chooses. Kept within mostDelay to both sides.
+    static constexpr int mostDelay = 5000;
     int Delay(const QString& device) const;
     void SetDelay(const QString& device, int delay);
 

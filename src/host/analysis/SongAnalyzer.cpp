@@ -8,7 +8,6 @@ namespace pxvis::host {
 namespace {
 
 constexpr size_t WaveformSize = 1024;
-constexpr size_t ReadBlock = 4096;
 constexpr float LevelDecay = 0.85f; // a step; what an impact leaves behind
 
 // A file of float samples can hold anything.
@@ -71,13 +70,14 @@ void SongAnalyzer::ReadUntil(int64_t end)
         const int64_t available = m_samplesStart + static_cast<int64_t>(filled);
         if (available >= end)
             return;
-        m_samples.resize(2 * (filled + ReadBlock));
+        const size_t wanted = std::max(m_options.readBlock, static_cast<size_t>(end - available));
+        m_samples.resize(2 * (filled + wanted));
         float* block = &m_samples[2 * filled];
-        const size_t count = m_songEnd < 0 ? m_source.Read(block, ReadBlock) : 0;
-        if (count < ReadBlock && m_songEnd < 0)
+        const size_t count = m_songEnd < 0 ? m_source.Read(block, wanted) : 0;
+        if (count < wanted && m_songEnd < 0)
             m_songEnd = available + static_cast<int64_t>(count);
         std::transform(block, block + 2 * count, block, Finite);
-        std::fill(block + 2 * count, block + 2 * ReadBlock, 0.0f);
+        std::fill(block + 2 * count, block + 2 * wanted, 0.0f);
     }
 }
 

@@ -24,6 +24,10 @@ struct AnalysisOptions
 
     // How far the detectors hear ahead of the step, in samples. 0 suits a live source.
     size_t lookAhead = 6615; // 150 ms
+
+    // Pairs that the source is asked for at once, at least. 1: never more than a step needs, which
+    // is what lies before it and its look-ahead, and one pair.
+    size_t readBlock = 4096;
 };
 
 // Turns a song into one record a step. The song is read as it goes; memory does not grow with it.

@@ -1,8 +1,10 @@
 #pragma once
 
+#include "apps/player/collection/ShuffleOrder.h"
 #include "apps/player/collection/Song.h"
 
 #include <QAbstractTableModel>
+#include <QHash>
 #include <QList>
 
 #include <cstdint>
@@ -23,6 +25,8 @@ class Playlist : public QAbstractTableModel
     Q_OBJECT
 
 public:
+    Playlist();
+
     enum Column
     {
         ColumnTitle,
@@ -42,7 +46,9 @@ public:
     // Before that row; behind the last for -1. Songs beyond mostSongs are left out; gives how many
     // were taken.
     int Insert(const QList<Song>& songs, int row = -1);
-    void Remove(QList<int> rows); // the song behind it becomes current if the current one goes
+    // If the current song goes, the one that follows it, of those that stay, becomes current; in a
+    // random order the next one.
+    void Remove(QList<int> rows);
     void Move(QList<int> rows, int before);
     void Clear();
     // Puts what is known now in place of what the rows with that song have.
@@ -60,14 +66,50 @@ public:
     int Next(bool byUser) const;
     int Previous() const;
 
-    // of QAbstractTableModel: rowCount, columnCount, data, headerData, flags, mimeTypes, mimeData,
-    // supportedDropActions, dropMimeData.
+    int rowCount(const QModelIndex& parent = {}) const override;
+    int columnCount(const QModelIndex& parent = {}) const override;
+    QVariant data(const QModelIndex& index, int role) const override;
+    QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
+    Qt::ItemFlags flags(const QModelIndex& index) const override;
+    Qt::DropActions supportedDropActions() const override;
+    QStringList mimeTypes() const override;
+    QMimeData* mimeData(const QModelIndexList& indexes) const override;
+    bool dropMimeData(const QMimeData* mime, Qt::DropAction action, int row, int column,
+        const QModelIndex& parent) override;
 
 signals:
-    void CurrentChanged();
+    void CurrentChanged(); // another song; not when its row becomes another one
     void ModesChanged();
     void OrderChanged(); // what follows the current song may be another one
-    void UrlsDropped(const QList<QUrl>& urls, int row);
+    void UrlsDropped(const QList<QUrl>& urls, int row); // as Insert takes it
+
+private:
+    struct Entry
+    {
+        Song song;
+        quint64 number = 0; // which stays, while rows change
+    };
+
+    QList<int> ValidRows(QList<int> rows) const;
+    QList<int> DraggedRows(const QMimeData& mime) const;
+    void Rearrange(const QList<int>& order);
+    void CutTail(int count);
+    void MakeCurrent(int row);
+    void ShowRow(int row, const QList<int>& roles = {});
+    void IndexByUrl();
+    QString TextOf(const Song& song, int column) const;
+    QString SpokenText(int row) const;
+
+    QList<Entry> m_entries;
+    int m_current = -1;
+    RepeatMode m_repeat = RepeatMode::None;
+    bool m_isShuffled = false;
+    ShuffleOrder m_shuffle; // kept up while m_isShuffled
+
+    QMultiHash<QUrl, int> m_rowsByUrl; // of the first m_indexed rows
+    int m_indexed = 0;
+    quint64 m_lastNumber = 0;
+    const QByteArray m_dragMark; // tells what this list's rows look like on the way
 };
 
 }

@@ -3,6 +3,8 @@
 #include <QString>
 #include <QUrl>
 
+#include <string>
+
 namespace pxvis::player {
 
 // A song as lists show it. Texts that aren't known are empty.
@@ -21,5 +23,15 @@ struct Song
 
 // The title, or else the file's name without its ending.
 QString TitleOf(const Song& song);
+
+// A text of a stranger's as one line of bearable length, for lists and tips.
+QString LineOf(const QString& text);
+
+// "m:ss", "h:mm:ss" from an hour on; empty below 0.
+QString DurationText(qint64 duration);
+
+// Of a local file, in the system's bytes, which need not be UTF-8; empty for other addresses.
+std::string PathOf(const QUrl& url);
+QUrl UrlOf(const std::string& path);
 
 }

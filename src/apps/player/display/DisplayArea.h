@@ -14,8 +14,9 @@ namespace pxvis::player {
 class VisualHost;
 
 // The place where the visualization shows: loads libpxvis.so at run time and talks to it through
-// the public contract alone. In full screen a second top-level window takes the picture over. Files
-// can be dropped on both.
+// the public contract alone. In full screen a second top-level window has the picture, which goes
+// on as it was. Files can be dropped on both. Actions that are added to the area (addActions) have
+// their shortcuts in full screen as well.
 class DisplayArea : public QWidget
 {
     Q_OBJECT
@@ -31,11 +32,11 @@ public:
     void Restart();
 
     QStringList Modes() const; // "Cycle All", "Calm\Cycle All", "Calm\Tide" ...
-    static bool IsCycle(
-        const QString& mode); // the name of a mode that plays several scripts in turns
+    // Whether it is the name of a mode that plays several scripts in turns.
+    bool IsCycle(const QString& mode) const;
     QString CurrentMode() const;
     void SetMode(const QString& mode);
-    // Shows a script from anywhere, which is no mode and is not remembered.
+    // Shows a script from anywhere, which is no mode and is not remembered, until the next SetMode.
     bool ShowScriptFile(const QString& path);
 
     // Adds what the visualization offers.
@@ -44,18 +45,38 @@ public:
     // A text over the picture at its lower edge for so long; an empty one takes it away.
     void ShowText(const QString& text, int milliseconds = 4000);
 
-    bool IsFullScreen() const;
+    // Has no effect without a picture.
     void SetFullScreen(bool fullScreen);
+    bool IsFullScreen() const;
+    // The window that the picture is in: the parent for dialogs and menus, which another window
+    // would hide in full screen.
+    QWidget* PictureWindow() const;
 
 signals:
     void ModeChanged(); // by SetMode or by the visualization's menu
     void FullScreenChanged();
-    void DoubleClicked();
+    void DoubleClicked(); // outside of full screen
     void MenuAsked(const QPoint& globalPosition);
     void Dropped(const QList<QUrl>& urls);
 
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+    void actionEvent(QActionEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void showEvent(QShowEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
+
 private:
     struct Display;
+
+    bool MakeVisualization(QString& error);
+    bool IsSeen() const;
+    void UpdateSeen();
+    void EnterFullScreen();
+    void LeaveFullScreen();
 
     std::unique_ptr<Display> m_display;
 };

@@ -9,16 +9,18 @@
 
 namespace pxvis::player {
 
-// Chooses one script after another by their ratings: one rated 5 comes more often than one rated 1,
-// one without a rating counts as 3, and "never" never comes. Not the same twice running, and none
-// again before a good part of the others had its turn. Has a history to go back and forward in.
+// Chooses one script after another by their ratings: each star doubles how often one comes, one
+// without a rating counts as 3, and "never" never comes. Not the same twice running, and none again
+// that is among the last third of those that can come. Has a history to go back and forward in.
 // User-interface thread.
 class ScriptRotation : public QObject
 {
     Q_OBJECT
 
 public:
-    // `rating`: of a script, 1 to 5, 0 for none, SongLibrary::never.
+    static constexpr int mostHistory = 500; // scripts that can be gone back to
+
+    // `rating`: of a script, 1 to 5, 0 for none, SongLibrary::never, which is below 0.
     using Rating = std::function<int(const QString& script)>;
 
     explicit ScriptRotation(Rating rating, uint32_t seed);
@@ -31,7 +33,7 @@ public:
     void SetInterval(int milliseconds); // 1000 at least
     void SetHeld(bool held); // time stands still, as in pause; on and interval stay
 
-    void Next(); // a new one, or the one that Back came from
+    void Next(); // a new one, or the one that Back came from; nothing if none can come
     void Back();
     bool CanGoBack() const;
     void NoteShown(
@@ -42,6 +44,12 @@ signals:
 
 private:
     struct History;
+
+    QString Pick();
+    qsizetype FindShown(qsizetype from, int step) const;
+    void Add(const QString& script);
+    void GoTo(qsizetype place);
+    void StartTime();
 
     std::unique_ptr<History> m_history;
 };

@@ -1,4 +1,116 @@
-int main()
+#include "apps/player/Appearance.h"
+#include "apps/player/MainWindow.h"
+#include "apps/player/Player.h"
+#include "apps/player/ShortcutGuard.h"
+#include "apps/player/desktop/DisplayPlatform.h"
+#include "apps/player/desktop/MprisService.h"
+#include "apps/player/main/EndSignals.h"
+
+#include <CLI/CLI.hpp>
+
+#include <QApplication>
+#include <QDir>
+#include <QIcon>
+
+#include <exception>
+#include <iostream>
+
+namespace {
+
+constexpr int usageStatus = 2;
+
+struct Options
 {
-    return 0; // FIXME: the player
+    std::string script;
+    std::string library; // of another installation
+    bool play = false;
+    bool listen = false;
+    std::vector<std::string> files;
+};
+
+// False, with the status to end with, if that is all there is to do.
+bool Read(int argc, char** argv, Options& options, int& status)
+{
+    CLI::App app(
+        "Plays songs, or listens to what the computer plays, and shows them.", "pxvis-player");
+    app.set_version_flag("--version", "pxvis-player " PXVIS_VERSION);
+    app.add_option("--script", options.script,
+        "The script's file, which is shown in its new form "
+        "whenever it is saved");
+    app.add_option("--library", options.library, "Another libpxvis.so than this installation's")
+        ->group("");
+    CLI::Option* play = app.add_flag("--play", options.play, "Go on with the song at once");
+    app.add_flag("--listen", options.listen, "Listen to what the computer plays")->excludes(play);
+    app.add_option("FILES", options.files, "Songs, folders and playlists; the first is played");
+    try {
+        app.parse(argc, argv);
+        return true;
+    } catch (const CLI::Success& request) {
+        status = app.exit(request);
+    } catch (const CLI::Error& error) {
+        std::cerr << "pxvis-player: " << error.what() << " (--help tells more)\n";
+        status = usageStatus;
+    }
+    return false;
+}
+
+QString PathOf(const std::string& name)
+{
+    return name.empty() ? QString()
+                        : QDir::current().absoluteFilePath(QFile::decodeName(name.c_str()));
+}
+
+int Run(int argc, char** argv)
+{
+    using namespace pxvis::player;
+    Options options;
+    int status = 0;
+    if (!Read(argc, argv, options, status))
+        return status;
+
+    const QString fault = ChooseDisplayPlatform();
+    if (!fault.isEmpty()) {
+        TellWithoutWindow(fault);
+        return 1;
+    }
+    int count = 1; // Qt takes none of the options
+    QApplication application(count, argv);
+    QCoreApplication::setApplicationName("pxvis-player");
+    QCoreApplication::setApplicationVersion(PXVIS_VERSION);
+    QGuiApplication::setApplicationDisplayName({});
+    QGuiApplication::setDesktopFileName("pxvis-player");
+    Appearance::ApplyTo(application);
+    ShortcutGuard guard;
+    application.installEventFilter(&guard);
+
+    Player player;
+    MainWindow window(player);
+    const EndSignals endSignals([&window] { window.close(); });
+    const MprisService mpris(player);
+    player.Restore();
+    window.show();
+    window.Start(PathOf(options.library), PathOf(options.script));
+
+    QList<QUrl> files;
+    for (const std::string& file : options.files)
+        files.append(QUrl::fromLocalFile(PathOf(file)));
+    if (!files.isEmpty())
+        player.Open(files);
+    else if (options.play)
+        player.Play();
+    if (options.listen)
+        player.Listen(player.ListeningDevice());
+    return QApplication::exec();
+}
+
+}
+
+int main(int argc, char** argv)
+{
+    try {
+        return Run(argc, argv);
+    } catch (const std::exception& fault) {
+        std::cerr << "pxvis-player: " << fault.what() << '\n';
+    }
+    return 1;
 }

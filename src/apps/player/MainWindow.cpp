@@ -1,0 +1,411 @@
+#include "apps/player/MainWindow.h"
+
+#include "apps/player/AboutDialog.h"
+#include "apps/player/FileQuestions.h"
+#include "apps/player/InvitationPage.h"
+#include "apps/player/MainMenus.h"
+#include "apps/player/Player.h"
+#include "apps/player/PlaylistView.h"
+#include "apps/player/SettingsDialog.h"
+#include "apps/player/ShortcutsDialog.h"
+#include "apps/player/StatusLine.h"
+#include "apps/player/TransportBar.h"
+#include "apps/player/display/DisplayArea.h"
+#include "os/InstallPlaces.h"
+
+#include <QCloseEvent>
+#include <QDockWidget>
+#include <QFile>
+#include <QMenu>
+#include <QMenuBar>
+#include <QStackedWidget>
+#include <QVBoxLayout>
+#include <QWindow>
+
+namespace pxvis::player {
+
+namespace {
+
+constexpr char geometrySetting[] = "Window";
+constexpr char stateSetting[] = "Window Parts";
+constexpr char statusSetting[] = "Status Bar";
+constexpr char levelsSetting[] = "Levels";
+constexpr int messageTime = 6000; // ms, over the picture
+constexpr qint64 seekStep = 5000; // ms
+constexpr double volumeStep = 0.05;
+
+}
+
+MainWindow::MainWindow(Player& player)
+    : m_player(player)
+    , m_area(new DisplayArea(player.Host()))
+    , m_show(*m_area, player.Library(), player.Settings())
+{
+    setWindowTitle(QStringLiteral("pxvis"));
+    resize(1120, 760);
+    MakeParts();
+    ConnectPlayer();
+    ConnectFileActions();
+    ConnectSoundActions();
+    ConnectVisualActions();
+    ConnectViewActions();
+    RestoreLayout();
+    UpdateStatus();
+    UpdateRating();
+    UpdatePage();
+    m_area->setFocus();
+}
+
+MainWindow::~MainWindow()
+{
+    m_area->SetFullScreen(false);
+}
+
+void MainWindow::MakeParts()
+{
+    m_invitation = new InvitationPage(m_actions);
+    m_pages = new QStackedWidget;
+    m_pages->addWidget(m_area);
+    m_pages->addWidget(m_invitation);
+    m_area->setMinimumSize(240, 135);
+    m_area->setFocusPolicy(Qt::ClickFocus);
+    m_area->setAccessibleName(tr("Picture"));
+    m_transport = new TransportBar(m_player, m_show, m_actions);
+    auto* middle = new QWidget;
+    auto* column = new QVBoxLayout(middle);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(0);
+    column->addWidget(m_pages, 1);
+    column->addWidget(m_transport);
+    setCentralWidget(middle);
+
+    m_list = new QDockWidget(tr("Playlist"));
+    m_list->setObjectName(QStringLiteral("playlist"));
+    m_list->setWidget(new PlaylistView(m_player, m_actions));
+    m_list->setAllowedAreas(Qt::LeftDockWidgetArea | Qt::RightDockWidgetArea);
+    addDockWidget(Qt::RightDockWidgetArea, m_list);
+    m_list->hide();
+
+    m_status = new StatusLine(m_player);
+    setStatusBar(m_status);
+    MainMenus { m_player, m_actions, m_show, *m_area }.AddTo(*menuBar());
+    for (const PlayerActions::Entry& entry : m_actions.All())
+        addAction(entry.action); // so that its keys hold while no menu shows it
+}
+
+void MainWindow::ConnectPlayer()
+{
+    connect(&m_player, &Player::StatusChanged, this, &MainWindow::UpdateStatus);
+    connect(&m_player, &Player::ListeningChanged, this, &MainWindow::UpdateStatus);
+    connect(&m_player, &Player::TrackChanged, this, &MainWindow::UpdatePage);
+    connect(&m_player, &Player::SongStarted, this, &MainWindow::ShowSongText);
+    connect(&m_player, &Player::Message, this, &MainWindow::Say);
+    connect(&m_player, &Player::OutputLost, this, [this](const QString& reason) {
+        m_status->SetNotice(reason.isEmpty() ? QString() : tr("No sound device: playing silently"));
+        m_status->setToolTip(reason.toHtmlEscaped());
+        if (!reason.isEmpty() && !m_status->isVisible())
+            Say(tr("No sound device: playing silently"));
+    });
+    connect(&m_player, &Player::RaiseAsked, this, [this] {
+        show();
+        setWindowState(windowState() & ~Qt::WindowMinimized);
+        raise();
+        activateWindow();
+    });
+    connect(&m_player, &Player::QuitAsked, this, &MainWindow::close);
+    connect(&m_player, &Player::FullScreenAsked, m_area, &DisplayArea::SetFullScreen);
+
+    connect(m_area, &DisplayArea::Dropped, &m_player, &Player::Open);
+    connect(m_invitation, &InvitationPage::Dropped, &m_player, &Player::Open);
+    connect(m_invitation, &InvitationPage::ListenAsked, this, [this] { m_player.Listen({}); });
+    connect(m_invitation, &InvitationPage::DemoAsked, this, &MainWindow::PlayDemo);
+    connect(m_area, &DisplayArea::MenuAsked, this, &MainWindow::ShowContextMenu);
+    connect(m_area, &DisplayArea::DoubleClicked, this, [this] { m_area->SetFullScreen(true); });
+    connect(m_area, &DisplayArea::FullScreenChanged, this, [this] {
+        const bool isFull = m_area->IsFullScreen();
+        m_actions.fullScreen->setChecked(isFull);
+        m_actions.leaveFullScreen->setEnabled(isFull);
+        m_player.NoteFullScreen(isFull);
+        UpdateSeen();
+    });
+    connect(&m_show, &ScriptShow::Changed, this, &MainWindow::UpdateRating);
+    connect(&m_show, &ScriptShow::RotatingChanged, this, &MainWindow::UpdateRating);
+    connect(&m_show, &ScriptShow::Shown, this, [this] { m_area->ShowText(m_show.Name()); });
+}
+
+void MainWindow::ConnectFileActions()
+{
+    connect(m_actions.openFiles, &QAction::triggered, this, [this] {
+        FileQuestions { m_player, m_area->PictureWindow() }.OpenFiles();
+    });
+    connect(m_actions.addFiles, &QAction::triggered, this, [this] {
+        FileQuestions { m_player, m_area->PictureWindow() }.AddFiles();
+    });
+    connect(m_actions.openFolder, &QAction::triggered, this, [this] {
+        FileQuestions { m_player, m_area->PictureWindow() }.OpenFolder();
+    });
+    connect(m_actions.savePlaylist, &QAction::triggered, this, [this] {
+        Say(FileQuestions { m_player, m_area->PictureWindow() }.SavePlaylist());
+    });
+    connect(m_actions.settings, &QAction::triggered, this, &MainWindow::ShowSettings);
+    connect(m_actions.quit, &QAction::triggered, this, &MainWindow::close);
+    connect(m_actions.shortcuts, &QAction::triggered, this,
+        [this] { ShortcutsDialog(m_actions, m_area->PictureWindow()).exec(); });
+    connect(m_actions.about, &QAction::triggered, this,
+        [this] { AboutDialog(m_area->PictureWindow()).exec(); });
+}
+
+void MainWindow::ConnectSoundActions()
+{
+    connect(m_actions.play, &QAction::triggered, &m_player, &Player::TogglePlay);
+    connect(m_actions.stop, &QAction::triggered, &m_player, &Player::Stop);
+    connect(m_actions.nextSong, &QAction::triggered, &m_player, &Player::Next);
+    connect(m_actions.previousSong, &QAction::triggered, &m_player, &Player::Previous);
+    connect(m_actions.seekBack, &QAction::triggered, this, [this] { m_player.SeekBy(-seekStep); });
+    connect(
+        m_actions.seekForward, &QAction::triggered, this, [this] { m_player.SeekBy(seekStep); });
+    connect(m_actions.volumeUp, &QAction::triggered, this,
+        [this] { m_player.SetVolume(m_player.Status().volume + volumeStep); });
+    connect(m_actions.volumeDown, &QAction::triggered, this,
+        [this] { m_player.SetVolume(m_player.Status().volume - volumeStep); });
+    connect(m_actions.mute, &QAction::triggered, &m_player, &Player::SetMuted);
+    connect(m_actions.shuffle, &QAction::triggered, &m_player, &Player::SetShuffled);
+    connect(m_actions.repeat, &QAction::triggered, this, [this] {
+        Playlist& songs = m_player.Songs();
+        songs.SetRepeat(songs.Repeat() == RepeatMode::None ? RepeatMode::All
+                : songs.Repeat() == RepeatMode::All        ? RepeatMode::One
+                                                           : RepeatMode::None);
+        UpdateStatus();
+    });
+    connect(m_actions.listen, &QAction::triggered, this, [this](bool on) {
+        if (on)
+            m_player.Listen({});
+        else
+            m_player.StopListening();
+    });
+}
+
+void MainWindow::ConnectVisualActions()
+{
+    connect(m_actions.nextScript, &QAction::triggered, &m_show, &ScriptShow::Next);
+    connect(m_actions.previousScript, &QAction::triggered, &m_show, &ScriptShow::Back);
+    connect(m_actions.rotation, &QAction::triggered, this, [this](bool on) {
+        m_show.SetRotating(on);
+        m_area->ShowText(on ? tr("Player's rotation is on") : tr("Player's rotation is off"));
+    });
+    const auto rate = [this](int rating) {
+        m_show.Rate(rating);
+        UpdateRating();
+        const QString stars(rating, QChar(0x2605));
+        m_area->ShowText(rating == SongLibrary::never ? tr("%1 won't be chosen").arg(m_show.Name())
+                : rating == SongLibrary::noRating     ? tr("%1: no rating").arg(m_show.Name())
+                                                      : m_show.Name() + ' ' + stars);
+    };
+    for (int stars = 0; stars < static_cast<int>(m_actions.rate.size()); ++stars)
+        connect(m_actions.rate[stars], &QAction::triggered, this, [rate, stars] { rate(stars); });
+    connect(m_actions.rateNever, &QAction::triggered, this, [rate] { rate(SongLibrary::never); });
+}
+
+void MainWindow::ConnectViewActions()
+{
+    connect(m_actions.fullScreen, &QAction::triggered, m_area, &DisplayArea::SetFullScreen);
+    connect(m_actions.leaveFullScreen, &QAction::triggered, this,
+        [this] { m_area->SetFullScreen(false); });
+    connect(m_actions.playlist, &QAction::triggered, m_list, &QDockWidget::setVisible);
+    connect(m_list, &QDockWidget::visibilityChanged, this,
+        [this] { m_actions.playlist->setChecked(!m_list->isHidden()); });
+    connect(m_actions.statusBar, &QAction::triggered, m_status, &StatusLine::setVisible);
+    connect(m_actions.levels, &QAction::triggered, this, [this](bool on) {
+        m_status->SetLevelsShown(on);
+        if (on && !m_status->isVisible())
+            m_actions.statusBar->trigger();
+    });
+}
+
+void MainWindow::Start(const QString& library, const QString& script)
+{
+    QString fault;
+    if (!m_area->Start(library, fault)) {
+        m_hasScript = true; // the area tells the fault
+        Say(fault);
+    } else {
+        m_hasScript = !script.isEmpty();
+        if (!m_show.Start(script))
+            Say(tr("%1 can't be shown").arg(script));
+    }
+    UpdatePage();
+}
+
+void MainWindow::PlayDemo()
+{
+    const QString song = QFile::decodeName(os::GetInstallPlaces().data.c_str())
+        + QStringLiteral("/demo/pxvis-demo.opus");
+    m_player.Open({ QUrl::fromLocalFile(song) });
+}
+
+void MainWindow::Say(const QString& text)
+{
+    if (text.isEmpty())
+        return;
+    m_status->Say(text);
+    if (!m_status->isVisible() || m_area->IsFullScreen())
+        m_area->ShowText(text, messageTime);
+}
+
+void MainWindow::UpdateStatus()
+{
+    const PlayerStatus status = m_player.Status();
+    const bool isPlaying = status.state == PlayerStatus::State::Playing;
+    m_actions.ShowPlaying(isPlaying);
+    m_actions.play->setEnabled(status.canPlay);
+    m_actions.stop->setEnabled(
+        status.state != PlayerStatus::State::Stopped || m_player.IsListening());
+    m_actions.nextSong->setEnabled(status.canGoNext);
+    m_actions.previousSong->setEnabled(status.canGoPrevious);
+    m_actions.seekBack->setEnabled(status.canSeek);
+    m_actions.seekForward->setEnabled(status.canSeek);
+    m_actions.mute->setChecked(m_player.IsMuted());
+    m_actions.shuffle->setChecked(status.isShuffled);
+    m_actions.ShowRepeat(m_player.Songs().Repeat());
+    m_actions.listen->setChecked(m_player.IsListening());
+    m_actions.savePlaylist->setEnabled(status.canPlay);
+    const QString song = status.artist.isEmpty()
+        ? status.title
+        : QStringLiteral("%1 – %2").arg(status.title, status.artist);
+    setWindowTitle(m_player.IsListening() ? tr("Listening – pxvis")
+            : song.isEmpty()              ? QStringLiteral("pxvis")
+                                          : tr("%1 – pxvis").arg(song));
+    UpdatePage();
+    UpdateSeen();
+}
+
+void MainWindow::UpdateRating()
+{
+    const bool canRate = m_show.CanRate();
+    const int rating = m_show.Rating();
+    for (int stars = 0; stars < static_cast<int>(m_actions.rate.size()); ++stars) {
+        m_actions.rate[stars]->setEnabled(canRate);
+        m_actions.rate[stars]->setChecked(canRate && rating == stars);
+    }
+    m_actions.rateNever->setEnabled(canRate);
+    m_actions.rateNever->setChecked(canRate && rating == SongLibrary::never);
+    m_actions.rotation->setChecked(m_show.IsRotating());
+    m_actions.previousScript->setEnabled(m_show.CanGoBack());
+}
+
+void MainWindow::UpdatePage()
+{
+    const bool isInviting
+        = m_player.Songs().Count() == 0 && !m_player.IsListening() && !m_hasScript;
+    QWidget* page = isInviting ? static_cast<QWidget*>(m_invitation) : m_area;
+    if (m_pages->currentWidget() == page)
+        return;
+    m_pages->setCurrentWidget(page);
+    if (!isInviting)
+        m_area->setFocus();
+}
+
+// What only matters while somebody looks stands still otherwise.
+void MainWindow::UpdateSeen()
+{
+    const QWindow* window = windowHandle();
+    const bool isSeen = m_area->IsFullScreen()
+        || (isVisible() && !isMinimized() && window && window->isExposed());
+    const bool isHeard
+        = m_player.IsListening() || m_player.Status().state == PlayerStatus::State::Playing;
+    m_player.SetSeen(isSeen);
+    m_show.SetHeld(!isSeen || !isHeard);
+    m_status->SetActive(isSeen && isHeard);
+}
+
+void MainWindow::ShowSongText()
+{
+    UpdatePage();
+    if (m_player.IsListening()) {
+        m_area->ShowText(tr("Listening: %1").arg(m_player.ListeningName()));
+        return;
+    }
+    const PlayerStatus status = m_player.Status();
+    if (!status.title.isEmpty()) {
+        m_area->ShowText(status.artist.isEmpty()
+                ? status.title
+                : QStringLiteral("%1 – %2").arg(status.title, status.artist));
+    }
+}
+
+void MainWindow::RestoreLayout()
+{
+    const PlayerSettings& settings = m_player.Settings();
+    const auto bytes = [&settings](const char* name) {
+        return QByteArray::fromBase64(settings.Text(name).toLatin1());
+    };
+    restoreGeometry(bytes(geometrySetting));
+    restoreState(bytes(stateSetting));
+    m_actions.statusBar->setChecked(settings.Number(statusSetting, 1) != 0);
+    m_status->setVisible(m_actions.statusBar->isChecked());
+    m_actions.levels->setChecked(settings.Number(levelsSetting, 0) != 0);
+    m_status->SetLevelsShown(m_actions.levels->isChecked());
+}
+
+void MainWindow::KeepLayout()
+{
+    PlayerSettings& settings = m_player.Settings();
+    settings.SetText(geometrySetting, QString::fromLatin1(saveGeometry().toBase64()));
+    settings.SetText(stateSetting, QString::fromLatin1(saveState().toBase64()));
+    settings.SetNumber(statusSetting, m_actions.statusBar->isChecked());
+    settings.SetNumber(levelsSetting, m_actions.levels->isChecked());
+}
+
+void MainWindow::closeEvent(QCloseEvent* event)
+{
+    m_area->SetFullScreen(false);
+    KeepLayout();
+    m_player.Remember();
+    event->accept();
+}
+
+void MainWindow::changeEvent(QEvent* event)
+{
+    QMainWindow::changeEvent(event);
+    if (event->type() == QEvent::WindowStateChange)
+        UpdateSeen();
+}
+
+void MainWindow::showEvent(QShowEvent* event)
+{
+    QMainWindow::showEvent(event);
+    windowHandle()->installEventFilter(this);
+    UpdateSeen();
+}
+
+void MainWindow::hideEvent(QHideEvent* event)
+{
+    QMainWindow::hideEvent(event);
+    UpdateSeen();
+}
+
+bool MainWindow::eventFilter(QObject* watched, QEvent* event)
+{
+    const bool goesOn = QMainWindow::eventFilter(watched, event);
+    if (watched == windowHandle() && event->type() == QEvent::Expose)
+        UpdateSeen();
+    return goesOn;
+}
+
+void MainWindow::ShowSettings()
+{
+    if (!m_settings)
+        m_settings = new SettingsDialog(m_player, m_show, *m_area, this);
+    m_settings->show();
+    m_settings->raise();
+    m_settings->activateWindow();
+}
+
+void MainWindow::ShowContextMenu(const QPoint& globalPosition)
+{
+    QMenu menu(m_area->PictureWindow());
+    MainMenus { m_player, m_actions, m_show, *m_area }.AddContext(menu);
+    menu.exec(globalPosition);
+}
+
+}

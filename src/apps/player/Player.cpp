@@ -1,0 +1,419 @@
+#include "apps/player/Player.h"
+
+#include "apps/player/Session.h"
+
+#include <algorithm>
+
+namespace pxvis::player {
+
+namespace {
+
+constexpr int tickInterval = 250; // ms; scripts and people see whole seconds
+constexpr int keepInterval = 30'000; // ms
+constexpr char listeningSetting[] = "Listening Device";
+
+PlayerStatus::State StateOf(PlayState state)
+{
+    switch (state) {
+    case PlayState::Playing:
+        return PlayerStatus::State::Playing;
+    case PlayState::Paused:
+        return PlayerStatus::State::Paused;
+    case PlayState::Stopped:
+        break;
+    }
+    return PlayerStatus::State::Stopped;
+}
+
+PlayerStatus::Loop LoopOf(RepeatMode mode)
+{
+    switch (mode) {
+    case RepeatMode::One:
+        return PlayerStatus::Loop::Track;
+    case RepeatMode::All:
+        return PlayerStatus::Loop::Playlist;
+    case RepeatMode::None:
+        break;
+    }
+    return PlayerStatus::Loop::None;
+}
+
+}
+
+Player::Player(const QString& sink, const QString& source)
+    : m_library(SongLibrary::DefaultPath())
+    , m_playback(sink)
+    , m_listening(source)
+    , m_output(m_devices, m_playback, m_listening, m_settings)
+    , m_sequence(m_playlist, m_playback, m_library)
+    , m_session(std::make_unique<Session>(m_playlist, m_playback, m_settings))
+{
+    m_tick.setInterval(tickInterval);
+    m_keep.setInterval(keepInterval);
+    Connect();
+    UpdateSource();
+}
+
+Player::~Player()
+{
+    Remember();
+    m_host.SetSound(nullptr);
+}
+
+void Player::Connect()
+{
+    connect(&m_playlist, &Playlist::OrderChanged, this, &Player::TellTrack);
+    connect(&m_playlist, &Playlist::ModesChanged, this, &Player::StatusChanged);
+    connect(&m_playlist, &Playlist::UrlsDropped, this, &Player::Add);
+
+    connect(&m_playback, &Playback::StateChanged, this, [this] {
+        UpdateSource();
+        emit PositionChanged();
+        emit StatusChanged();
+    });
+    connect(&m_playback, &Playback::DurationChanged, this, [this] {
+        emit PositionChanged();
+        emit StatusChanged();
+    });
+    connect(&m_playback, &Playback::Seeked, this, [this](qint64 position) {
+        m_host.SetElapsed(static_cast<double>(position) / 1000.0);
+        emit PositionChanged();
+        emit Seeked(position * 1000);
+    });
+    connect(&m_playback, &Playback::VolumeChanged, this, &Player::StatusChanged);
+    connect(&m_playback, &Playback::OutputLost, this, &Player::OutputLost);
+
+    connect(&m_sequence, &SongSequence::SongStarted, this, [this] {
+        m_host.SetElapsed(static_cast<double>(m_playback.Position()) / 1000.0);
+        TellTrack();
+        emit SongStarted();
+        emit PositionChanged();
+    });
+    connect(&m_sequence, &SongSequence::InfoChanged, this, &Player::TellTrack);
+    connect(&m_sequence, &SongSequence::Message, this, &Player::Message);
+
+    connect(&m_listening, &Listening::Failed, this, &Player::Message);
+    connect(&m_listening, &Listening::Started, this, [this](const QString& device) {
+        m_listeningName = device;
+        TellTrack();
+    });
+    connect(&m_finder, &SongFinder::Found, this, &Player::OnFound);
+    connect(&m_finder, &SongFinder::Read, &m_playlist, &Playlist::Update);
+    connect(&m_tick, &QTimer::timeout, this, &Player::OnTick);
+    connect(&m_keep, &QTimer::timeout, this, &Player::Remember);
+}
+
+void Player::Restore()
+{
+    QString fault;
+    const Session::Place place = m_session->Restore(fault);
+    QList<Song> unread;
+    for (int row = 0; row < m_playlist.Count(); ++row) {
+        if (!m_playlist.At(row).isRead)
+            unread.append(m_playlist.At(row));
+    }
+    if (!unread.isEmpty())
+        m_finder.ReadTags(unread);
+    if (place.row >= 0)
+        m_sequence.Open(place.row, PlayState::Paused, place.position);
+    m_keep.start();
+
+    for (const QString& text : { m_library.Warning(), fault }) {
+        if (!text.isEmpty())
+            emit Message(text);
+    }
+}
+
+void Player::Remember()
+{
+    QString fault;
+    if (!m_session->Keep(fault))
+        emit Message(fault);
+}
+
+PlayerStatus Player::Status() const
+{
+    PlayerStatus status;
+    status.state = StateOf(m_playback.State());
+    status.loop = LoopOf(m_playlist.Repeat());
+    status.isShuffled = m_playlist.IsShuffled();
+    status.volume = m_playback.Volume();
+    status.isFullScreen = m_isFullScreen;
+    status.canPlay = m_playlist.Count() > 0;
+    status.canGoNext = m_playlist.Next(true) >= 0;
+    const int row = m_playlist.Current();
+    status.canGoPrevious = row >= 0;
+    if (row < 0)
+        return status;
+
+    const Song& song = m_playlist.At(row);
+    status.canSeek = m_playback.IsSeekable();
+    status.trackNumber = row;
+    status.url = song.url;
+    status.title = TitleOf(song);
+    status.artist = song.artist;
+    status.album = song.album;
+    status.coverFile = m_host.CoverFile();
+    const qint64 duration = m_playback.Duration() >= 0 ? m_playback.Duration() : song.duration;
+    status.length = duration >= 0 ? duration * 1000 : -1;
+    return status;
+}
+
+qint64 Player::Position() const
+{
+    return m_playback.Position() * 1000;
+}
+
+void Player::Raise()
+{
+    emit RaiseAsked();
+}
+
+void Player::Quit()
+{
+    emit QuitAsked();
+}
+
+void Player::Play()
+{
+    StopListening();
+    m_sequence.Play();
+}
+
+void Player::Pause()
+{
+    m_sequence.Pause();
+}
+
+void Player::Stop()
+{
+    StopListening();
+    m_sequence.Stop();
+}
+
+void Player::TogglePlay()
+{
+    if (m_playback.State() == PlayState::Playing)
+        Pause();
+    else
+        Play();
+}
+
+void Player::Next()
+{
+    StopListening();
+    m_sequence.Next();
+}
+
+void Player::Previous()
+{
+    StopListening();
+    m_sequence.Previous();
+}
+
+void Player::RateSong(const QUrl& song, int rating)
+{
+    m_library.SetRating(song, rating);
+    TellTrack();
+}
+
+void Player::SeekTo(qint64 position)
+{
+    m_playback.Seek(position / 1000);
+}
+
+void Player::SeekBy(qint64 milliseconds)
+{
+    if (m_playback.IsSeekable())
+        m_playback.Seek(std::max<qint64>(m_playback.Position() + milliseconds, 0));
+}
+
+void Player::OpenUrl(const QUrl& url)
+{
+    Open({ url });
+}
+
+void Player::SetVolume(double volume)
+{
+    m_playback.SetVolume(std::clamp(volume, 0.0, 1.0));
+}
+
+void Player::SetMuted(bool muted)
+{
+    m_playback.SetMuted(muted);
+}
+
+bool Player::IsMuted() const
+{
+    return m_playback.IsMuted();
+}
+
+void Player::SetShuffled(bool shuffled)
+{
+    m_playlist.SetShuffled(shuffled);
+}
+
+void Player::SetLoop(PlayerStatus::Loop loop)
+{
+    m_playlist.SetRepeat(loop == PlayerStatus::Loop::Track ? RepeatMode::One
+            : loop == PlayerStatus::Loop::Playlist         ? RepeatMode::All
+                                                           : RepeatMode::None);
+}
+
+void Player::SetFullScreen(bool fullScreen)
+{
+    emit FullScreenAsked(fullScreen);
+}
+
+void Player::NoteFullScreen(bool fullScreen)
+{
+    m_isFullScreen = fullScreen;
+    emit StatusChanged();
+}
+
+void Player::SetSeen(bool seen)
+{
+    if (seen == m_isSeen)
+        return;
+    m_isSeen = seen;
+    UpdateSource();
+}
+
+void Player::Open(const QList<QUrl>& urls)
+{
+    for (const QUrl& url : urls)
+        m_library.NoteOpened(url);
+    m_findings.insert(m_finder.Find(urls), { true, -1 });
+}
+
+void Player::Add(const QList<QUrl>& urls, int row)
+{
+    m_findings.insert(m_finder.Find(urls), { false, row });
+}
+
+void Player::OnFound(int number, const QList<Song>& songs, const QStringList& faults)
+{
+    const Finding finding = m_findings.take(number);
+    if (!faults.isEmpty()) {
+        emit Message(faults.size() == 1
+                ? faults.first()
+                : tr("%1 (and %n more)", nullptr, static_cast<int>(faults.size()) - 1)
+                      .arg(faults.first()));
+    }
+    if (songs.isEmpty())
+        return;
+
+    QList<Song> added = songs;
+    int row = finding.row < 0 ? m_playlist.Count() : std::min(finding.row, m_playlist.Count());
+    if (finding.plays) {
+        QHash<QUrl, int> known;
+        for (int i = m_playlist.Count() - 1; i >= 0; --i)
+            known.insert(m_playlist.At(i).url, i);
+        added.removeIf([&known](const Song& song) { return known.contains(song.url); });
+        row = known.value(songs.first().url, row);
+    }
+    const int taken = m_playlist.Insert(added, finding.plays ? -1 : finding.row);
+    if (taken < added.size())
+        emit Message(tr("The playlist is full: it holds %1 songs").arg(Playlist::mostSongs));
+    added.removeIf([](const Song& song) { return song.isRead; });
+    m_finder.ReadTags(added);
+    if (finding.plays && row < m_playlist.Count())
+        PlayRow(row);
+}
+
+void Player::PlayRow(int row)
+{
+    StopListening();
+    m_sequence.Play(row);
+}
+
+void Player::TellTrack()
+{
+    HostTrack track;
+    const int row = m_playlist.Current();
+    if (IsListening()) {
+        track.info.tags.title = tr("What the computer plays").toStdString();
+    } else if (row >= 0) {
+        const Song& song = m_playlist.At(row);
+        track.info = m_sequence.Info();
+        track.info.tags.title = TitleOf(song).toStdString();
+        track.info.tags.artist = song.artist.toStdString();
+        track.info.tags.album = song.album.toStdString();
+        if (track.info.durationSeconds <= 0 && song.duration > 0)
+            track.info.durationSeconds = static_cast<double>(song.duration) / 1000.0;
+        track.path = song.url.toLocalFile();
+        track.playCount = m_library.PlayCount(song.url);
+        track.rating = m_library.Rating(song.url);
+        track.position = row + 1;
+        track.count = m_playlist.Count();
+    }
+    m_host.SetTrack(track);
+    emit TrackChanged();
+    emit StatusChanged();
+}
+
+void Player::OnTick()
+{
+    m_host.SetElapsed(static_cast<double>(m_playback.Position()) / 1000.0);
+    m_sequence.NoteProgress();
+    emit PositionChanged();
+}
+
+void Player::Listen(const QString& device)
+{
+    m_sequence.Pause();
+    m_settings.SetText(listeningSetting, device);
+    m_output.NoteListening(device);
+    m_listeningName.clear();
+    m_listening.Start(device);
+    UpdateSource();
+    TellTrack();
+    emit ListeningChanged();
+    emit SongStarted();
+}
+
+void Player::SetListeningDevice(const QString& device)
+{
+    if (IsListening())
+        Listen(device);
+    else
+        m_settings.SetText(listeningSetting, device);
+}
+
+void Player::StopListening()
+{
+    if (!IsListening())
+        return;
+    m_listening.Stop();
+    UpdateSource();
+    TellTrack();
+    emit ListeningChanged();
+}
+
+bool Player::IsListening() const
+{
+    return m_listening.IsOn();
+}
+
+QString Player::ListeningDevice() const
+{
+    return m_settings.Text(listeningSetting);
+}
+
+QString Player::ListeningName() const
+{
+    return m_listeningName.isEmpty() ? tr("What the computer plays") : m_listeningName;
+}
+
+void Player::UpdateSource()
+{
+    const bool isPlaying = m_playback.State() == PlayState::Playing;
+    if (!isPlaying)
+        m_tick.stop();
+    else if (!m_tick.isActive())
+        m_tick.start();
+    m_host.SetSound(IsListening() ? &m_listening.Heard() : &m_playback.Heard());
+    m_inhibitor.SetOn(m_isSeen && (isPlaying || IsListening()));
+}
+
+}

@@ -1,0 +1,141 @@
+#include "apps/player/ScriptShow.h"
+
+#include "apps/player/PlayerSettings.h"
+#include "apps/player/collection/SongLibrary.h"
+#include "apps/player/display/DisplayArea.h"
+
+#include <QFileInfo>
+#include <QRandomGenerator>
+
+#include <algorithm>
+
+namespace pxvis::player {
+
+namespace {
+
+constexpr char rotationSetting[] = "Rotation";
+constexpr char intervalSetting[] = "Rotation Interval";
+constexpr int usualInterval = 30; // s
+constexpr QLatin1Char separator('\\'); // of folder and name, in modes
+
+}
+
+ScriptShow::ScriptShow(DisplayArea& area, SongLibrary& library, PlayerSettings& settings)
+    : m_area(area)
+    , m_library(library)
+    , m_settings(settings)
+    , m_rotation([&library](const QString& script) { return library.ScriptRating(script); },
+          QRandomGenerator::global()->generate())
+{
+    connect(&area, &DisplayArea::ModeChanged, this, &ScriptShow::OnModeChanged);
+    connect(&m_rotation, &ScriptRotation::Chosen, this, [this](const QString& script) {
+        m_isRotationsChoice = true;
+        m_area.SetMode(script);
+        m_isRotationsChoice = false;
+    });
+}
+
+bool ScriptShow::Start(const QString& file)
+{
+    QStringList scripts = m_area.Modes();
+    scripts.removeIf([this](const QString& mode) { return m_area.IsCycle(mode); });
+    m_rotation.SetInterval(Interval() * 1000);
+    m_rotation.SetScripts(scripts);
+    const bool isShown = !file.isEmpty() && m_area.ShowScriptFile(file);
+    if (isShown) {
+        m_file = file;
+    } else {
+        const QString mode = m_area.CurrentMode();
+        if (!m_area.IsCycle(mode))
+            m_rotation.NoteShown(mode);
+        m_rotation.SetOn(m_settings.Number(rotationSetting, 1) != 0);
+    }
+    emit Changed();
+    emit Shown();
+    emit RotatingChanged();
+    return isShown || file.isEmpty();
+}
+
+void ScriptShow::Choose(const QString& mode)
+{
+    m_area.SetMode(mode);
+}
+
+void ScriptShow::Next()
+{
+    m_rotation.Next();
+}
+
+void ScriptShow::Back()
+{
+    m_rotation.Back();
+}
+
+QString ScriptShow::Name() const
+{
+    return m_file.isEmpty() ? m_area.CurrentMode().section(separator, -1)
+                            : QFileInfo(m_file).completeBaseName();
+}
+
+QString ScriptShow::Folder() const
+{
+    return m_file.isEmpty() ? m_area.CurrentMode().section(separator, 0, -2) : QString();
+}
+
+bool ScriptShow::CanRate() const
+{
+    const QString mode = m_area.CurrentMode();
+    return m_file.isEmpty() && !mode.isEmpty() && !m_area.IsCycle(mode);
+}
+
+int ScriptShow::Rating() const
+{
+    return CanRate() ? m_library.ScriptRating(m_area.CurrentMode()) : SongLibrary::noRating;
+}
+
+void ScriptShow::Rate(int rating)
+{
+    if (!CanRate())
+        return;
+    m_library.SetScriptRating(m_area.CurrentMode(), rating);
+    emit Changed();
+    if (rating == SongLibrary::never && IsRotating())
+        Next();
+}
+
+void ScriptShow::SetRotating(bool on)
+{
+    m_settings.SetNumber(rotationSetting, on);
+    if (on == IsRotating())
+        return;
+    m_rotation.SetOn(on);
+    emit RotatingChanged();
+}
+
+int ScriptShow::Interval() const
+{
+    return std::clamp(
+        m_settings.Number(intervalSetting, usualInterval), leastInterval, mostInterval);
+}
+
+void ScriptShow::SetInterval(int seconds)
+{
+    m_settings.SetNumber(intervalSetting, seconds);
+    m_rotation.SetInterval(Interval() * 1000);
+}
+
+void ScriptShow::OnModeChanged()
+{
+    m_file.clear();
+    const QString mode = m_area.CurrentMode();
+    if (!m_isRotationsChoice) {
+        if (m_area.IsCycle(mode))
+            SetRotating(false); // two that change the script would be one too many
+        else
+            m_rotation.NoteShown(mode);
+    }
+    emit Changed();
+    emit Shown();
+}
+
+}

@@ -1,0 +1,257 @@
+#include "apps/player/SongSequence.h"
+
+#include "apps/player/collection/Playlist.h"
+#include "apps/player/collection/SongLibrary.h"
+
+#include <QFileInfo>
+
+#include <algorithm>
+
+namespace pxvis::player {
+
+namespace {
+
+constexpr qint64 beginning = 3000; // ms; so far Previous goes to the song before
+constexpr double playedShare = 0.9; // heard as far as that, a song counts as played
+constexpr int mostFailures = 100; // one after the other; then the player stops
+
+}
+
+SongSequence::SongSequence(Playlist& playlist, Playback& playback, SongLibrary& library)
+    : m_playlist(playlist)
+    , m_playback(playback)
+    , m_library(library)
+{
+    connect(&playlist, &Playlist::CurrentChanged, this, &SongSequence::OnCurrentChanged);
+    connect(&playlist, &Playlist::OrderChanged, this, &SongSequence::UpdateNext);
+    connect(&playlist, &Playlist::ModesChanged, this, &SongSequence::UpdateNext);
+    connect(&playback, &Playback::SongChanged, this, &SongSequence::OnSongChanged);
+    connect(&playback, &Playback::InfoChanged, this, &SongSequence::OnInfo);
+    connect(&playback, &Playback::Ended, this, &SongSequence::OnEnded);
+    connect(&playback, &Playback::Failed, this, &SongSequence::OnFailed);
+}
+
+void SongSequence::Play(int row)
+{
+    TellFailures();
+    m_direction = Direction::Forward;
+    Open(row, PlayState::Playing, 0);
+}
+
+void SongSequence::Open(int row, PlayState state, qint64 position)
+{
+    if (row < 0 || row >= m_playlist.Count())
+        return;
+    SetCurrent(row);
+    m_isPlayWanted = state == PlayState::Playing;
+    m_isOpening = true;
+    m_isAtEnd = false;
+    m_playback.Open(m_playlist.At(row).url, position, state);
+    UpdateNext();
+    emit SongStarted();
+}
+
+void SongSequence::Play()
+{
+    m_isPlayWanted = true;
+    if (m_playback.State() == PlayState::Paused) {
+        m_playback.Play();
+        return;
+    }
+    if (m_playback.State() == PlayState::Playing)
+        return;
+    const int row = m_playlist.Current();
+    Play(row < 0 || m_isAtEnd ? std::max(m_playlist.Next(true), 0) : row);
+}
+
+void SongSequence::Pause()
+{
+    m_isPlayWanted = false;
+    m_playback.Pause();
+}
+
+void SongSequence::Stop()
+{
+    TellFailures();
+    m_isPlayWanted = false;
+    m_playback.Stop();
+}
+
+void SongSequence::Next()
+{
+    Play(m_playlist.Next(true));
+}
+
+void SongSequence::Previous()
+{
+    const int row = m_playlist.Previous();
+    if (row < 0 || m_playback.Position() > beginning) {
+        m_playback.Seek(0);
+        return;
+    }
+    Play(row);
+    m_direction = Direction::Backward;
+}
+
+void SongSequence::NoteProgress()
+{
+    const qint64 position = m_playback.Position();
+    const qint64 duration = m_playback.Duration();
+    if (position <= 0)
+        return;
+    TellFailures(); // there is a song that can be played
+    m_direction = Direction::Forward;
+    if (duration > 0
+        && static_cast<double>(position) >= playedShare * static_cast<double>(duration))
+        Count();
+}
+
+void SongSequence::SetCurrent(int row)
+{
+    m_isMoving = true;
+    m_playlist.SetCurrent(row);
+    m_isMoving = false;
+    m_isCounted = false;
+    m_info = {};
+}
+
+void SongSequence::UpdateNext()
+{
+    const int next = m_playlist.Current() < 0 ? -1 : m_playlist.Next(false);
+    m_playback.SetNext(next < 0 ? QUrl() : m_playlist.At(next).url);
+}
+
+void SongSequence::Count()
+{
+    const int row = m_playlist.Current();
+    if (m_isCounted || row < 0)
+        return;
+    m_isCounted = true;
+    m_library.NotePlayed(m_playlist.At(row).url);
+}
+
+void SongSequence::OnSongChanged()
+{
+    if (m_isOpening) {
+        m_isOpening = false;
+        return;
+    }
+    // The song ended and the next one follows it without a gap.
+    Count();
+    const int next = m_playlist.Next(false);
+    if (next < 0) {
+        m_playback.Stop();
+        return;
+    }
+    if (m_playlist.At(next).url != m_playback.Song()) { // the list changed too late
+        Open(next, PlayState::Playing, 0);
+        return;
+    }
+    SetCurrent(next);
+    UpdateNext();
+    emit SongStarted();
+}
+
+// Unless it is our doing, the current song was taken from the list: what is current now is played
+// in its place.
+void SongSequence::OnCurrentChanged()
+{
+    if (m_isMoving)
+        return;
+    const int row = m_playlist.Current();
+    if (row < 0) {
+        m_info = {};
+        m_isPlayWanted = false;
+        m_playback.Stop();
+        emit SongStarted();
+    } else if (m_playlist.At(row).url == m_playback.Song()) {
+        UpdateNext();
+    } else {
+        const bool isPlaying = m_playback.State() == PlayState::Playing;
+        Open(row, isPlaying ? PlayState::Playing : PlayState::Paused, 0);
+    }
+}
+
+void SongSequence::OnInfo(const host::SongInfo& info)
+{
+    const int row = m_playlist.Current();
+    if (row < 0)
+        return;
+    m_info = info;
+    Song song = m_playlist.At(row);
+    const auto take = [](QString& known, const std::string& text) {
+        if (!text.empty())
+            known = QString::fromStdString(text);
+    };
+    take(song.title, info.tags.title);
+    take(song.artist, info.tags.artist);
+    take(song.album, info.tags.album);
+    if (info.durationSeconds > 0)
+        song.duration = static_cast<qint64>(info.durationSeconds * 1000);
+    song.isRead = true;
+    song.isMissing = false;
+    if (song != m_playlist.At(row))
+        m_playlist.Update(song);
+    emit InfoChanged();
+}
+
+void SongSequence::OnEnded()
+{
+    Count();
+    TellFailures();
+    const int next = m_playlist.Next(false);
+    if (next >= 0) { // came into the list at the last moment
+        Open(next, PlayState::Playing, 0);
+        return;
+    }
+    m_isAtEnd = true;
+    m_isPlayWanted = false;
+}
+
+void SongSequence::OnFailed(const QUrl& song, const QString& reason)
+{
+    m_isOpening = false;
+    const int next = m_playlist.Current() < 0 ? -1 : m_playlist.Next(false);
+    if (next >= 0 && m_playlist.At(m_playlist.Current()).url != song
+        && m_playlist.At(next).url == song) { // was to follow without a gap
+        Count();
+        SetCurrent(next);
+        emit SongStarted();
+    }
+    const int row = m_playlist.Current();
+    if (row < 0 || m_playlist.At(row).url != song)
+        return;
+
+    Song failed = m_playlist.At(row);
+    m_failures.append(tr("%1 can't be played: %2").arg(TitleOf(failed), reason));
+    failed.isMissing = song.isLocalFile() && !QFileInfo::exists(song.toLocalFile());
+    m_playlist.Update(failed);
+    // Later, since opening a song may be what fails.
+    QMetaObject::invokeMethod(this, &SongSequence::Skip, Qt::QueuedConnection);
+}
+
+void SongSequence::Skip()
+{
+    if (m_failures.isEmpty()) // something else was opened meanwhile
+        return;
+    const int row = m_playlist.Current();
+    const int next
+        = m_direction == Direction::Forward ? m_playlist.Next(true) : m_playlist.Previous();
+    if (!m_isPlayWanted || row < 0 || next < 0 || next == row
+        || m_failures.size() >= std::min(m_playlist.Count(), mostFailures))
+        TellFailures();
+    else
+        Open(next, PlayState::Playing, 0);
+}
+
+void SongSequence::TellFailures()
+{
+    if (m_failures.isEmpty())
+        return;
+    const int others = static_cast<int>(m_failures.size()) - 1;
+    const QString first = m_failures.first();
+    m_failures.clear();
+    emit Message(others == 0 ? first : tr("%1 (and %2 more songs)").arg(first).arg(others));
+}
+
+}

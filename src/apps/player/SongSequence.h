@@ -1,0 +1,74 @@
+#pragma once
+
+#include "apps/player/sound/Playback.h"
+
+#include <QObject>
+#include <QStringList>
+
+namespace pxvis::player {
+
+class Playlist;
+class SongLibrary;
+
+// Plays the songs of a list one after the other, without gaps: tells Playback what follows, goes
+// past songs that can't be played, and counts those that were. User-interface thread.
+class SongSequence : public QObject
+{
+    Q_OBJECT
+
+public:
+    // All outlive it.
+    SongSequence(Playlist& playlist, Playback& playback, SongLibrary& library);
+
+    // Rows of the list; others do nothing.
+    void Play(int row);
+    void Open(int row, PlayState state, qint64 position); // position: ms
+
+    void Play(); // goes on, or starts with the current song; behind the last one with the first
+    void Pause();
+    void Stop();
+    void Next();
+    void Previous(); // the song's beginning, if it is not at its first seconds
+
+    const host::SongInfo& Info() const { return m_info; } // of the current song, as far as known
+
+    void NoteProgress(); // to be called some times a second while it plays
+
+signals:
+    void SongStarted(); // the current song is another one, or begins anew
+    void InfoChanged();
+    void Message(const QString& text);
+
+private:
+    enum class Direction
+    {
+        Forward,
+        Backward
+    };
+
+    void SetCurrent(int row);
+    void UpdateNext();
+    void Count();
+    void Skip();
+    void TellFailures();
+
+    void OnSongChanged();
+    void OnCurrentChanged();
+    void OnInfo(const host::SongInfo& info);
+    void OnEnded();
+    void OnFailed(const QUrl& song, const QString& reason);
+
+    Playlist& m_playlist;
+    Playback& m_playback;
+    SongLibrary& m_library;
+    host::SongInfo m_info;
+    QStringList m_failures; // running, without a song that could be played in between
+    Direction m_direction = Direction::Forward; // to go on in, should a song fail
+    bool m_isPlayWanted = false;
+    bool m_isOpening = false; // SongChanged is to come for what was opened
+    bool m_isMoving = false; // it is us who change the current row
+    bool m_isAtEnd = false;
+    bool m_isCounted = false;
+};
+
+}

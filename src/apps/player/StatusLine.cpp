@@ -1,0 +1,74 @@
+#include "apps/player/StatusLine.h"
+
+#include "apps/player/LevelMeter.h"
+#include "apps/player/Player.h"
+
+#include <QLabel>
+
+namespace pxvis::player {
+
+namespace {
+
+constexpr int meterInterval = 50; // ms
+constexpr int messageTime = 8000; // ms
+
+}
+
+StatusLine::StatusLine(Player& player, QWidget* parent)
+    : QStatusBar(parent)
+    , m_player(player)
+    , m_notice(new QLabel)
+    , m_meter(new LevelMeter)
+{
+    setSizeGripEnabled(false);
+    QPalette warning = m_notice->palette();
+    warning.setColor(QPalette::WindowText, QColor(0xFF, 0xB4, 0x54));
+    m_notice->setPalette(warning);
+    m_notice->setTextFormat(Qt::PlainText);
+    m_notice->hide();
+    m_meter->hide();
+    addPermanentWidget(m_notice);
+    addPermanentWidget(m_meter);
+    m_timer.setInterval(meterInterval);
+    connect(&m_timer, &QTimer::timeout, this, [this] {
+        const VisualHost& host = m_player.Host();
+        m_meter->Show(m_isActive ? host.Level() : 0, m_isActive && m_player.Host().TakeBeat());
+        UpdateTimer();
+    });
+}
+
+void StatusLine::Say(const QString& text)
+{
+    showMessage(text, messageTime);
+}
+
+void StatusLine::SetNotice(const QString& text)
+{
+    m_notice->setText(text);
+    m_notice->setVisible(!text.isEmpty());
+}
+
+void StatusLine::SetLevelsShown(bool shown)
+{
+    m_meter->setVisible(shown);
+    UpdateTimer();
+}
+
+void StatusLine::SetActive(bool active)
+{
+    m_isActive = active;
+    UpdateTimer();
+}
+
+// It goes on after the sound until the meter is dark.
+void StatusLine::UpdateTimer()
+{
+    const bool isNeeded
+        = m_meter->isVisibleTo(this) && isVisible() && (m_isActive || !m_meter->IsDark());
+    if (!isNeeded)
+        m_timer.stop();
+    else if (!m_timer.isActive())
+        m_timer.start();
+}
+
+}
