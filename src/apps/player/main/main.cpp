@@ -60,6 +60,14 @@ QString PathOf(const std::string& name)
                         : QDir::current().absoluteFilePath(QFile::decodeName(name.c_str()));
 }
 
+QIcon WindowIcon()
+{
+    QIcon icon;
+    for (const int size : { 16, 32, 48, 64, 128, 256 })
+        icon.addFile(QStringLiteral(":/icons/%1x%1/apps/pxvis.png").arg(size), { size, size });
+    return icon;
+}
+
 int Run(int argc, char** argv)
 {
     using namespace pxvis::player;
@@ -79,6 +87,7 @@ int Run(int argc, char** argv)
     QCoreApplication::setApplicationVersion(PXVIS_VERSION);
     QGuiApplication::setApplicationDisplayName({});
     QGuiApplication::setDesktopFileName("pxvis-player");
+    QGuiApplication::setWindowIcon(WindowIcon());
     Appearance::ApplyTo(application);
     ShortcutGuard guard;
     application.installEventFilter(&guard);
