@@ -11,6 +11,7 @@ namespace {
 
 constexpr QRgb window = 0xFF17191E;
 constexpr QRgb base = 0xFF101216;
+constexpr QRgb field = 0xFF2B3038; // what is ticked or written in
 constexpr QRgb button = 0xFF262A31;
 constexpr QRgb text = 0xFFE4E7EC;
 constexpr QRgb dimmed = 0xFF9AA3AF;
@@ -46,6 +47,8 @@ QScrollBar::handle { background: #3a414b; border-radius: 4px; margin: 2px; min-h
 QScrollBar::handle:hover { background: #525b68; }
 QScrollBar::add-line, QScrollBar::sub-line { width: 0; height: 0; }
 QScrollBar::add-page, QScrollBar::sub-page { background: transparent; }
+QDialogButtonBox { dialogbuttonbox-buttons-have-icons: 0; }
+QCheckBox { spacing: 8px; }
 QToolButton { border: none; border-radius: 6px; padding: 5px; background: transparent; }
 QToolButton:hover { background: #2a2f37; }
 QToolButton:pressed { background: #353c46; }
@@ -82,6 +85,9 @@ void Appearance::ApplyTo(QApplication& application)
         palette.setColor(QPalette::Disabled, role, QColor(disabled));
     palette.setColor(QPalette::Disabled, QPalette::Highlight, QColor(line));
     QApplication::setPalette(palette);
+    palette.setColor(QPalette::Base, QColor(field));
+    for (const char* control : { "QCheckBox", "QAbstractSpinBox", "QLineEdit" })
+        QApplication::setPalette(palette, control);
     application.setStyleSheet(QString::fromLatin1(styleSheet));
 }
 

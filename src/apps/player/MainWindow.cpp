@@ -22,6 +22,8 @@
 #include <QVBoxLayout>
 #include <QWindow>
 
+#include <cmath>
+
 namespace pxvis::player {
 
 namespace {
@@ -31,8 +33,14 @@ constexpr char stateSetting[] = "Window Parts";
 constexpr char statusSetting[] = "Status Bar";
 constexpr char levelsSetting[] = "Levels";
 constexpr int messageTime = 6000; // ms, over the picture
+constexpr int songTextTime = 4000; // ms
 constexpr qint64 seekStep = 5000; // ms
 constexpr double volumeStep = 0.05;
+
+QString SongText(const QString& title, const QString& artist)
+{
+    return artist.isEmpty() ? title : QStringLiteral("%1 – %2").arg(title, artist);
+}
 
 }
 
@@ -97,8 +105,16 @@ void MainWindow::ConnectPlayer()
 {
     connect(&m_player, &Player::StatusChanged, this, &MainWindow::UpdateStatus);
     connect(&m_player, &Player::ListeningChanged, this, &MainWindow::UpdateStatus);
-    connect(&m_player, &Player::TrackChanged, this, &MainWindow::UpdatePage);
-    connect(&m_player, &Player::SongStarted, this, &MainWindow::ShowSongText);
+    connect(&m_player, &Player::TrackChanged, this, [this] {
+        UpdatePage();
+        if (m_songTextTime.isValid() && !m_songTextTime.hasExpired(songTextTime))
+            ShowSongText(); // what it is called has only just been read
+    });
+    connect(&m_player, &Player::SongStarted, this, [this] {
+        m_songText.clear();
+        m_songTextTime.start();
+        ShowSongText();
+    });
     connect(&m_player, &Player::Message, this, &MainWindow::Say);
     connect(&m_player, &Player::OutputLost, this, [this](const QString& reason) {
         m_status->SetNotice(reason.isEmpty() ? QString() : tr("No sound device: playing silently"));
@@ -161,14 +177,22 @@ void MainWindow::ConnectSoundActions()
     connect(m_actions.stop, &QAction::triggered, &m_player, &Player::Stop);
     connect(m_actions.nextSong, &QAction::triggered, &m_player, &Player::Next);
     connect(m_actions.previousSong, &QAction::triggered, &m_player, &Player::Previous);
-    connect(m_actions.seekBack, &QAction::triggered, this, [this] { m_player.SeekBy(-seekStep); });
-    connect(
-        m_actions.seekForward, &QAction::triggered, this, [this] { m_player.SeekBy(seekStep); });
-    connect(m_actions.volumeUp, &QAction::triggered, this,
-        [this] { m_player.SetVolume(m_player.Status().volume + volumeStep); });
-    connect(m_actions.volumeDown, &QAction::triggered, this,
-        [this] { m_player.SetVolume(m_player.Status().volume - volumeStep); });
-    connect(m_actions.mute, &QAction::triggered, &m_player, &Player::SetMuted);
+    const auto seek = [this](qint64 step) {
+        m_player.SeekBy(step);
+        ShowInFullScreen(TimeText(m_player.Position() / 1000));
+    };
+    connect(m_actions.seekBack, &QAction::triggered, this, [seek] { seek(-seekStep); });
+    connect(m_actions.seekForward, &QAction::triggered, this, [seek] { seek(seekStep); });
+    const auto change = [this](double step) {
+        m_player.SetVolume(m_player.Status().volume + step);
+        ShowInFullScreen(tr("Volume %1 %").arg(std::lround(m_player.Status().volume * 100)));
+    };
+    connect(m_actions.volumeUp, &QAction::triggered, this, [change] { change(volumeStep); });
+    connect(m_actions.volumeDown, &QAction::triggered, this, [change] { change(-volumeStep); });
+    connect(m_actions.mute, &QAction::triggered, this, [this](bool on) {
+        m_player.SetMuted(on);
+        ShowInFullScreen(on ? tr("Muted") : tr("Not muted"));
+    });
     connect(m_actions.shuffle, &QAction::triggered, &m_player, &Player::SetShuffled);
     connect(m_actions.repeat, &QAction::triggered, this, [this] {
         Playlist& songs = m_player.Songs();
@@ -222,10 +246,10 @@ void MainWindow::ConnectViewActions()
     });
 }
 
-void MainWindow::Start(const QString& library, const QString& script)
+void MainWindow::Start(const QString& script)
 {
     QString fault;
-    if (!m_area->Start(library, fault)) {
+    if (!m_area->Start({}, fault)) {
         m_hasScript = true; // the area tells the fault
         Say(fault);
     } else {
@@ -267,11 +291,9 @@ void MainWindow::UpdateStatus()
     m_actions.mute->setChecked(m_player.IsMuted());
     m_actions.shuffle->setChecked(status.isShuffled);
     m_actions.ShowRepeat(m_player.Songs().Repeat());
-    m_actions.listen->setChecked(m_player.IsListening());
+    m_actions.listen->setChecked(m_player.IsListening() && m_player.ListeningDevice().isEmpty());
     m_actions.savePlaylist->setEnabled(status.canPlay);
-    const QString song = status.artist.isEmpty()
-        ? status.title
-        : QStringLiteral("%1 – %2").arg(status.title, status.artist);
+    const QString song = SongText(status.title, status.artist);
     setWindowTitle(m_player.IsListening() ? tr("Listening – pxvis")
             : song.isEmpty()              ? QStringLiteral("pxvis")
                                           : tr("%1 – pxvis").arg(song));
@@ -320,17 +342,19 @@ void MainWindow::UpdateSeen()
 
 void MainWindow::ShowSongText()
 {
-    UpdatePage();
-    if (m_player.IsListening()) {
-        m_area->ShowText(tr("Listening: %1").arg(m_player.ListeningName()));
-        return;
-    }
     const PlayerStatus status = m_player.Status();
-    if (!status.title.isEmpty()) {
-        m_area->ShowText(status.artist.isEmpty()
-                ? status.title
-                : QStringLiteral("%1 – %2").arg(status.title, status.artist));
-    }
+    const QString text = m_player.IsListening() ? tr("Listening: %1").arg(m_player.ListeningName())
+                                                : SongText(status.title, status.artist);
+    if (text.isEmpty() || text == m_songText)
+        return;
+    m_songText = text;
+    m_area->ShowText(text, songTextTime);
+}
+
+void MainWindow::ShowInFullScreen(const QString& text)
+{
+    if (m_area->IsFullScreen())
+        m_area->ShowText(text, 1500);
 }
 
 void MainWindow::RestoreLayout()

@@ -3,6 +3,7 @@
 #include "apps/player/PlayerActions.h"
 #include "apps/player/ScriptShow.h"
 
+#include <QElapsedTimer>
 #include <QMainWindow>
 
 class QDockWidget;
@@ -26,9 +27,8 @@ public:
     explicit MainWindow(Player& player); // which outlives it
     ~MainWindow() override;
 
-    // Loads the visualizations, from `library` or, if that is empty, from this installation. A
-    // fault is said in the window. `script`: a file to be shown, or "".
-    void Start(const QString& library, const QString& script);
+    // Loads the visualizations; a fault is said in the window. `script`: a file to be shown, or "".
+    void Start(const QString& script);
 
     void PlayDemo();
     void Say(const QString& text);
@@ -55,6 +55,7 @@ private:
     void UpdatePage();
     void UpdateSeen();
     void ShowSongText();
+    void ShowInFullScreen(const QString& text); // where no control shows it
 
     void ShowSettings();
     void ShowContextMenu(const QPoint& globalPosition);
@@ -69,6 +70,8 @@ private:
     QDockWidget* m_list;
     StatusLine* m_status;
     SettingsDialog* m_settings = nullptr; // made when it is asked for
+    QString m_songText; // over the picture
+    QElapsedTimer m_songTextTime; // since the song began
     bool m_hasScript = false; // shown by name, without a song
 };
 

@@ -4,6 +4,7 @@
 
 #include <QGuiApplication>
 #include <QIconEngine>
+#include <QLinearGradient>
 #include <QPainter>
 #include <QPainterPathStroker>
 #include <QPalette>
@@ -177,6 +178,15 @@ QPainterPath NeverPath()
     return Stroked(path);
 }
 
+QPixmap Painted(QIconEngine& engine, const QSize& size, QIcon::Mode mode, QIcon::State state)
+{
+    QPixmap pixmap(size);
+    pixmap.fill(Qt::transparent);
+    QPainter painter(&pixmap);
+    engine.paint(&painter, pixmap.rect(), mode, state);
+    return pixmap;
+}
+
 class ShapeEngine : public QIconEngine
 {
 public:
@@ -204,11 +214,7 @@ public:
 
     QPixmap pixmap(const QSize& size, QIcon::Mode mode, QIcon::State state) override
     {
-        QPixmap pixmap(size);
-        pixmap.fill(Qt::transparent);
-        QPainter painter(&pixmap);
-        paint(&painter, pixmap.rect(), mode, state);
-        return pixmap;
+        return Painted(*this, size, mode, state);
     }
 
     QIconEngine* clone() const override { return new ShapeEngine(*this); }

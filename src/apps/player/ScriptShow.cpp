@@ -29,6 +29,8 @@ ScriptShow::ScriptShow(DisplayArea& area, SongLibrary& library, PlayerSettings& 
 {
     connect(&area, &DisplayArea::ModeChanged, this, &ScriptShow::OnModeChanged);
     connect(&m_rotation, &ScriptRotation::Chosen, this, [this](const QString& script) {
+        if (m_isStarting)
+            return;
         m_isRotationsChoice = true;
         m_area.SetMode(script);
         m_isRotationsChoice = false;
@@ -45,10 +47,15 @@ bool ScriptShow::Start(const QString& file)
     if (isShown) {
         m_file = file;
     } else {
+        // A script that was shown the last time stays for its turn.
         const QString mode = m_area.CurrentMode();
-        if (!m_area.IsCycle(mode))
+        m_isStarting = scripts.contains(mode);
+        if (m_isStarting)
             m_rotation.NoteShown(mode);
         m_rotation.SetOn(m_settings.Number(rotationSetting, 1) != 0);
+        if (m_isStarting && IsRotating())
+            m_rotation.Back();
+        m_isStarting = false;
     }
     emit Changed();
     emit Shown();

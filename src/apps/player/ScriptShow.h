@@ -62,6 +62,7 @@ private:
     SongLibrary& m_library;
     PlayerSettings& m_settings;
     ScriptRotation m_rotation;
+    bool m_isStarting = false;
     QString m_file; // that is shown in place of a mode
     bool m_isRotationsChoice = false;
 };

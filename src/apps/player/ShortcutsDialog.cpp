@@ -65,6 +65,7 @@ ShortcutsDialog::ShortcutsDialog(const PlayerActions& actions, QWidget* parent)
             columns[column]->addWidget(MakeHeading(group));
             grid = new QGridLayout;
             grid->setHorizontalSpacing(24);
+            grid->setVerticalSpacing(4);
             grid->setColumnStretch(0, 1);
             columns[column]->addLayout(grid);
             lengths[column] += 2;
@@ -85,6 +86,7 @@ ShortcutsDialog::ShortcutsDialog(const PlayerActions& actions, QWidget* parent)
     auto* sides = new QHBoxLayout;
     sides->setSpacing(44);
     for (QVBoxLayout* side : columns) {
+        side->setSpacing(2);
         side->addStretch();
         sides->addLayout(side);
     }

@@ -108,11 +108,11 @@ void SongSequence::NoteProgress()
 
 void SongSequence::SetCurrent(int row)
 {
+    m_info = {};
+    m_isCounted = false;
     m_isMoving = true;
     m_playlist.SetCurrent(row);
     m_isMoving = false;
-    m_isCounted = false;
-    m_info = {};
 }
 
 void SongSequence::UpdateNext()

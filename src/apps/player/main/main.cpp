@@ -1,6 +1,7 @@
 #include "apps/player/Appearance.h"
 #include "apps/player/MainWindow.h"
 #include "apps/player/Player.h"
+#include "apps/player/PlayerIcons.h"
 #include "apps/player/ShortcutGuard.h"
 #include "apps/player/desktop/DisplayPlatform.h"
 #include "apps/player/desktop/MprisService.h"
@@ -10,7 +11,7 @@
 
 #include <QApplication>
 #include <QDir>
-#include <QIcon>
+#include <QUrl>
 
 #include <exception>
 #include <iostream>
@@ -22,7 +23,6 @@ constexpr int usageStatus = 2;
 struct Options
 {
     std::string script;
-    std::string library; // of another installation
     bool play = false;
     bool listen = false;
     std::vector<std::string> files;
@@ -37,10 +37,10 @@ bool Read(int argc, char** argv, Options& options, int& status)
     app.add_option("--script", options.script,
         "The script's file, which is shown in its new form "
         "whenever it is saved");
-    app.add_option("--library", options.library, "Another libpxvis.so than this installation's")
-        ->group("");
     CLI::Option* play = app.add_flag("--play", options.play, "Go on with the song at once");
-    app.add_flag("--listen", options.listen, "Listen to what the computer plays")->excludes(play);
+    app.add_flag(
+           "--listen", options.listen, "Listen to what the computer plays, or what was listened to")
+        ->excludes(play);
     app.add_option("FILES", options.files, "Songs, folders and playlists; the first is played");
     try {
         app.parse(argc, argv);
@@ -58,6 +58,21 @@ QString PathOf(const std::string& name)
 {
     return name.empty() ? QString()
                         : QDir::current().absoluteFilePath(QFile::decodeName(name.c_str()));
+}
+
+// Desktops hand files over as addresses.
+QUrl UrlOf(const std::string& name)
+{
+    return name.starts_with("file://") ? QUrl(QString::fromStdString(name))
+                                       : QUrl::fromLocalFile(PathOf(name));
+}
+
+QIcon WindowIcon()
+{
+    QIcon icon;
+    for (const int size : { 16, 32, 48, 64, 128, 256 })
+        icon.addFile(QStringLiteral(":/icons/%1x%1/apps/pxvis.png").arg(size), { size, size });
+    return icon;
 }
 
 int Run(int argc, char** argv)
@@ -79,6 +94,7 @@ int Run(int argc, char** argv)
     QCoreApplication::setApplicationVersion(PXVIS_VERSION);
     QGuiApplication::setApplicationDisplayName({});
     QGuiApplication::setDesktopFileName("pxvis-player");
+    QGuiApplication::setWindowIcon(WindowIcon());
     Appearance::ApplyTo(application);
     ShortcutGuard guard;
     application.installEventFilter(&guard);
@@ -89,11 +105,11 @@ int Run(int argc, char** argv)
     const MprisService mpris(player);
     player.Restore();
     window.show();
-    window.Start(PathOf(options.library), PathOf(options.script));
+    window.Start(PathOf(options.script));
 
     QList<QUrl> files;
     for (const std::string& file : options.files)
-        files.append(QUrl::fromLocalFile(PathOf(file)));
+        files.append(UrlOf(file));
     if (!files.isEmpty())
         player.Open(files);
     else if (options.play)
