@@ -81,7 +81,6 @@ public:
     const XvfbDisplay& Display() const { return m_display; }
 
 private:
-    // Whoever ends the test ends the program.
     int m_count = 1;
     char m_name[5] = "test";
     char* m_arguments[2] = { m_name, nullptr };
