@@ -51,8 +51,9 @@ InstallPlaces InstallPlacesFrom(const std::string& moduleFolder)
 
 const InstallPlaces& GetInstallPlaces()
 {
-    static const InstallPlaces places = InstallPlacesFrom(ModuleFolder());
-    return places;
+    // Never destroyed: threads may still ask while the process ends.
+    static const auto* const places = new InstallPlaces(InstallPlacesFrom(ModuleFolder()));
+    return *places;
 }
 
 }

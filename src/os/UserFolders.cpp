@@ -55,11 +55,13 @@ std::string UserFolder(const char* variable, const char* belowHome)
 
 const std::string& PortableFolder()
 {
-    static const std::string portable = [] {
+    // Never destroyed: threads may still ask while the process ends.
+    static const auto* const portable = [] {
         std::string folder = ExecutableFolder();
-        return !folder.empty() && FileExists(folder + "/Portable.dat") ? folder : std::string();
+        const bool isPortable = !folder.empty() && FileExists(folder + "/Portable.dat");
+        return new std::string(isPortable ? folder : "");
     }();
-    return portable;
+    return *portable;
 }
 
 std::string PortableUserFolder(const std::string& portableFolder)

@@ -24,8 +24,8 @@ public:
     // the presenter's limits.
     virtual ShowResult Show(const PresenterPicture& picture, int32_t width, int32_t height) = 0;
 
-    // Whether some of the window was covered since the last Show and is seen again, which it
-    // doesn't show what it did. True as well for a window that is gone. Waits for nothing.
+    // Whether some of the window has lost since the last Show what it showed, as one that was
+    // covered has. Waits for nothing, and tells nothing of a window that is gone.
     virtual bool IsExposed() = 0;
 
     virtual const char* Method() const = 0; // constant text

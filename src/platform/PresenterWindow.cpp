@@ -135,7 +135,7 @@ ShowResult PresenterWindow::Check()
 
 bool PresenterWindow::IsExposed()
 {
-    return Check() != ShowResult::Shown || std::exchange(m_isExposed, false);
+    return Check() == ShowResult::Shown && std::exchange(m_isExposed, false);
 }
 
 ShowResult PresenterWindow::WaitFor(uint8_t type)

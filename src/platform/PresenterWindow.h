@@ -55,8 +55,7 @@ public:
     // connection is gone.
     ShowResult Check();
 
-    // Whether some of the window has lost what it showed since Cover, or the window is gone; each
-    // loss is told once.
+    // As PresenterSurface's, since Cover; each loss is told once.
     bool IsExposed();
 
     // Waits for an event of that type; an error that the server tells is a MethodFailed.

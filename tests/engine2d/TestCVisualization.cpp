@@ -219,11 +219,14 @@ TEST_CASE("Audio that is not ready keeps the last picture, and the frame rate is
     CVisualization engine(&owner);
     REQUIRE(engine.LoadScript(PathOf(file)) == 0);
     const OQRect rect { 0, 0, 80, 40 };
+    CHECK(engine.GetStep() == CVisualization::Step::Waiting);
     engine.Draw(rect, false);
+    CHECK(engine.GetStep() == CVisualization::Step::Drawn);
     REQUIRE(owner.audio != nullptr);
     owner.audio->refreshResult = 1;
     FillBuffer(engine.GetBuffer(), 0x00123456);
     CHECK(engine.Draw(rect, false) == 0);
+    CHECK(engine.GetStep() == CVisualization::Step::Kept);
     CHECK(PixelAt(engine.GetBuffer(), 0, 0) == 0x00123456);
     engine.Draw(rect, true);
     bool ink = false;
@@ -231,6 +234,12 @@ TEST_CASE("Audio that is not ready keeps the last picture, and the frame rate is
         ink = ink || PixelAt(engine.GetBuffer(), x, 9) != 0x00123456;
     CHECK(ink);
     CHECK(PixelAt(engine.GetBuffer(), 79, 39) == 0x00123456);
+    engine.Resize({ 0, 0, 40, 20 });
+    engine.Draw(rect, false);
+    CHECK(engine.GetStep() == CVisualization::Step::Waiting);
+    CVisualization silent(nullptr);
+    silent.Draw(rect, false);
+    CHECK(silent.GetStep() == CVisualization::Step::NoData);
 }
 
 TEST_CASE("A script that changes on the disk is read again within about half a second of drawing")

@@ -187,48 +187,6 @@ QPixmap Painted(QIconEngine& engine, const QSize& size, QIcon::Mode mode, QIcon:
     return pixmap;
 }
 
-// The bars of a spectrum with a glow in the middle, as the installed icon has them.
-class ProgramIconEngine : public QIconEngine
-{
-public:
-    void paint(QPainter* painter, const QRect& rect, QIcon::Mode, QIcon::State) override
-    {
-        constexpr double side = 16;
-        constexpr double tops[] = { 3, 5, 7, 5, 3 };
-        painter->save();
-        painter->setRenderHint(QPainter::Antialiasing);
-        painter->translate(rect.topLeft());
-        painter->scale(rect.width() / side, rect.height() / side);
-        painter->setPen(Qt::NoPen);
-        QLinearGradient ground(0, 0, side, 0);
-        ground.setColorAt(0, QColor(0x0F, 0x63, 0x55));
-        ground.setColorAt(0.5, QColor(0x07, 0x22, 0x2A));
-        ground.setColorAt(1, QColor(0x10, 0x58, 0x7F));
-        painter->setBrush(ground);
-        painter->drawRoundedRect(QRectF(0, 0, side, side), 3.5, 3.5);
-        QLinearGradient heat(0, 2, 0, 14);
-        heat.setColorAt(0, QColor(0x4A, 0x6C, 0xFF));
-        heat.setColorAt(0.5, Qt::white);
-        heat.setColorAt(1, QColor(0x4A, 0x6C, 0xFF));
-        for (const double position : { 0.25, 0.75 })
-            heat.setColorAt(position, QColor(0x35, 0xB4, 0xF0));
-        painter->setBrush(heat);
-        double left = 1;
-        for (const double top : tops) {
-            painter->drawRect(QRectF(left, top, 2, side - 2 * top));
-            left += 3;
-        }
-        painter->restore();
-    }
-
-    QPixmap pixmap(const QSize& size, QIcon::Mode mode, QIcon::State state) override
-    {
-        return Painted(*this, size, mode, state);
-    }
-
-    QIconEngine* clone() const override { return new ProgramIconEngine(*this); }
-};
-
 class ShapeEngine : public QIconEngine
 {
 public:
@@ -319,12 +277,6 @@ QIcon MakeIcon(IconShape shape)
 QIcon MakeIcon(IconShape off, IconShape on)
 {
     return QIcon(new ShapeEngine(off, on));
-}
-
-QIcon MakeProgramIcon()
-{
-    QIcon icon(new ProgramIconEngine);
-    return QIcon::fromTheme(QStringLiteral("pxvis"), icon);
 }
 
 }

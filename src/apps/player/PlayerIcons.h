@@ -32,8 +32,6 @@ enum class IconShape
 QIcon MakeIcon(IconShape shape);
 QIcon MakeIcon(IconShape off, IconShape on); // of a button that can be checked
 
-QIcon MakeProgramIcon();
-
 // Filled, on a square of 24 units.
 QPainterPath PathOf(IconShape shape);
 

@@ -5,7 +5,6 @@
 #include "host/analysis/AudioRecord.h"
 
 #include <bit>
-#include <filesystem>
 #include <istream>
 #include <ostream>
 
@@ -24,20 +23,6 @@ bool WritePicture(IOQImage& picture, std::ostream& output)
     for (int32_t y = size.cy - 1; y >= 0 && output; --y)
         output.write(reinterpret_cast<const char*>(bits + int64_t { y } * size.cx), rowBytes);
     return output.good();
-}
-
-// The one script of that name; empty, and one line, if there is none or more.
-std::string FindScript(const std::string& name, std::string& error)
-{
-    std::error_code ignored;
-    if (std::filesystem::is_directory(name, ignored)) {
-        error = name + ": is a folder, not a script";
-        return {};
-    }
-    const auto scripts = FindScripts(name, error);
-    if (scripts.size() > 1)
-        error = name + ": stands for " + std::to_string(scripts.size()) + " scripts, not for one";
-    return scripts.size() == 1 ? scripts[0] : std::string();
 }
 
 }

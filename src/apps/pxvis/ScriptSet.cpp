@@ -114,4 +114,17 @@ std::vector<std::string> FindScripts(const std::string& name, std::string& error
     return scripts;
 }
 
+std::string FindScript(const std::string& name, std::string& error)
+{
+    std::error_code ignored;
+    if (fs::is_directory(name, ignored)) {
+        error = name + ": is a folder, not a script";
+        return {};
+    }
+    const auto scripts = FindScripts(name, error);
+    if (scripts.size() > 1)
+        error = name + ": stands for " + std::to_string(scripts.size()) + " scripts, not for one";
+    return scripts.size() == 1 ? scripts[0] : std::string();
+}
+
 }

@@ -12,4 +12,7 @@ namespace pxvis {
 // one line, if nothing fits.
 std::vector<std::string> FindScripts(const std::string& name, std::string& error);
 
+// The one script of that name; empty, and one line, if there is none or more.
+std::string FindScript(const std::string& name, std::string& error);
+
 }

@@ -146,7 +146,8 @@ LibraryFile::State LibraryFile::Open()
         return State::Unusable;
     os::MakeFolders(os::FolderOf(m_path), 0700);
     // Others need not know what somebody listens to. An empty file is an empty database.
-    os::Descriptor(::open(m_path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
+    os::Descriptor made(::open(m_path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
+    made.Close(); // before SQLite locks it, since the process's locks on it would go with it
     if (os::FileSize(m_path) < 0)
         return State::Unusable;
     const int result = m_database.Open(m_path, SQLITE_OPEN_READWRITE);

@@ -72,14 +72,17 @@ std::optional<std::string> FromCodePage(std::string_view bytes)
     return OQBytesToText(bytes, OQTextEncoding::CodePage).ToUtf8();
 }
 
+// A single letter in front of "://" is a drive of another system.
 bool IsAddress(std::string_view line)
 {
-    const size_t end = line.find("://");
-    const auto isOfScheme = [](unsigned char character) {
-        return (character | 0x20) >= 'a' && (character | 0x20) <= 'z';
+    const std::string_view scheme = line.substr(0, line.find("://"));
+    const auto isOfScheme = [](char character) {
+        return (character >= '0' && character <= '9')
+            || ((character | 0x20) >= 'a' && (character | 0x20) <= 'z') || character == '+'
+            || character == '-' || character == '.';
     };
-    return end != std::string_view::npos && end > 1
-        && std::all_of(line.begin(), line.begin() + static_cast<ptrdiff_t>(end), isOfScheme);
+    return scheme.size() > 1 && scheme.size() < line.size()
+        && std::all_of(scheme.begin(), scheme.end(), isOfScheme);
 }
 
 // Empty for what names no file. Lists from elsewhere may have other characters and separators than

@@ -15,6 +15,7 @@ namespace {
 using host::GstHolder;
 
 constexpr GstClockTime pollTime = 50 * GST_MSECOND;
+constexpr guint mostQueuedBytes = 16 << 20;
 
 std::atomic<int> stuckReads = 0;
 
@@ -35,22 +36,32 @@ int SelectPlugin(GstElement*, GstPad*, GstCaps*, GstElementFactory* factory, voi
     return Try;
 }
 
-// The sound's first piece is waited for, since the tags come before it; other streams may have none
-// for long.
+// The first piece of each stream is waited for, since the tags come before it, but of those that
+// may have none for long.
 void TakeStream(GstElement*, GstPad* pad, void* pipeline)
 {
     const GstHolder<GstCaps> caps(gst_pad_query_caps(pad, nullptr));
-    const bool isSound = caps && !gst_caps_is_empty(caps.get()) && !gst_caps_is_any(caps.get())
-        && g_str_has_prefix(
-            gst_structure_get_name(gst_caps_get_structure(caps.get(), 0)), "audio/");
+    bool isSparse = false;
+    if (caps && !gst_caps_is_empty(caps.get()) && !gst_caps_is_any(caps.get())) {
+        const char* type = gst_structure_get_name(gst_caps_get_structure(caps.get(), 0));
+        for (const char* kind : { "text/", "subpicture/", "closedcaption/", "meta/",
+                 "application/x-ssa", "application/x-ass", "application/x-usf" })
+            isSparse = isSparse || g_str_has_prefix(type, kind);
+    }
+    GstElement* queue = gst_element_factory_make("queue", nullptr);
     GstElement* sink = gst_element_factory_make("fakesink", nullptr);
-    if (!sink)
+    if (!queue || !sink)
         return;
-    g_object_set(sink, "async", isSound ? TRUE : FALSE, "sync", TRUE, nullptr);
-    gst_bin_add(GST_BIN(pipeline), sink);
-    const GstHolder<GstPad> input(gst_element_get_static_pad(sink, "sink"));
+    // One stream's sink mustn't hold up the others, which one thread reads as they come.
+    g_object_set(queue, "max-size-buffers", 0, "max-size-time", guint64 { 0 }, "max-size-bytes",
+        mostQueuedBytes, nullptr);
+    g_object_set(sink, "async", isSparse ? FALSE : TRUE, "sync", TRUE, nullptr);
+    gst_bin_add_many(GST_BIN(pipeline), queue, sink, nullptr);
+    gst_element_link(queue, sink);
+    const GstHolder<GstPad> input(gst_element_get_static_pad(queue, "sink"));
     gst_pad_link(pad, input.get());
     gst_element_sync_state_with_parent(sink);
+    gst_element_sync_state_with_parent(queue);
 }
 
 GstHolder<GstElement> MakePipeline(const std::string& path)
@@ -136,12 +147,10 @@ bool ReadSongTags(const std::string& path, const std::atomic<bool>& stop, host::
     const int64_t end = os::MonotonicNanoseconds() + int64_t { longestTagRead } * 1'000'000;
     Progress progress = Progress::Going;
     gst_element_set_state(pipeline.get(), GST_STATE_PAUSED);
-    while (progress == Progress::Going) {
+    while (progress == Progress::Going && !stop && os::MonotonicNanoseconds() < end) {
         const GstHolder<GstMessage> message(gst_bus_timed_pop(bus.get(), pollTime));
         if (message)
             progress = TakeMessage(message.get(), info);
-        else if (stop || os::MonotonicNanoseconds() > end)
-            break;
     }
     if (progress == Progress::Going) {
         Abandon(std::move(pipeline));

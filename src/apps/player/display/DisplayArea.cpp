@@ -109,7 +109,7 @@ QStringList DisplayArea::Modes() const
 {
     if (!m_display->visualization)
         return {};
-    const QStringList modes
+    QStringList modes
         = VisualProperty(*m_display->visualization, u"Modes").split('|', Qt::SkipEmptyParts);
     m_display->cycleWord = modes.value(0);
     return modes;
@@ -194,14 +194,14 @@ QWidget* DisplayArea::PictureWindow() const
 
 void DisplayArea::SetFullScreen(bool fullScreen)
 {
-    if (fullScreen == IsFullScreen() || (fullScreen && !m_display->visualization))
+    if (fullScreen == IsFullScreen())
         return;
-    if (fullScreen)
-        EnterFullScreen();
-    else
+    if (!fullScreen)
         LeaveFullScreen();
+    else if (m_display->visualization)
+        EnterFullScreen();
     UpdateSeen();
-    emit FullScreenChanged();
+    emit FullScreenChanged(); // also without a picture: whoever asked shows what is so
 }
 
 // The frame moves with all that is in it: a new window for the visualization would start the

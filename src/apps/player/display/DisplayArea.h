@@ -45,7 +45,7 @@ public:
     // A text over the picture at its lower edge for so long; an empty one takes it away.
     void ShowText(const QString& text, int milliseconds = 4000);
 
-    // Has no effect without a picture.
+    // Without a picture there is none, though FullScreenChanged comes.
     void SetFullScreen(bool fullScreen);
     bool IsFullScreen() const;
     // The window that the picture is in: the parent for dialogs and menus, which another window

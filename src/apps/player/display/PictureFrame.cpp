@@ -47,7 +47,8 @@ void PictureFrame::SetText(const QString& text)
         m_strip->setContentsMargins(stripPadding, stripPadding / 2, stripPadding, stripPadding / 2);
         PaintBlack(*m_strip);
         QFont font = m_strip->font();
-        font.setPointSizeF(font.pointSizeF() * stripScale);
+        if (font.pointSizeF() > 0) // else it is in pixels
+            font.setPointSizeF(font.pointSizeF() * stripScale);
         m_strip->setFont(font);
     }
     PlaceText();

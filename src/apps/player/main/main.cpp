@@ -67,6 +67,14 @@ QUrl UrlOf(const std::string& name)
                                        : QUrl::fromLocalFile(PathOf(name));
 }
 
+QIcon WindowIcon()
+{
+    QIcon icon;
+    for (const int size : { 16, 32, 48, 64, 128, 256 })
+        icon.addFile(QStringLiteral(":/icons/%1x%1/apps/pxvis.png").arg(size), { size, size });
+    return icon;
+}
+
 int Run(int argc, char** argv)
 {
     using namespace pxvis::player;
@@ -86,7 +94,7 @@ int Run(int argc, char** argv)
     QCoreApplication::setApplicationVersion(PXVIS_VERSION);
     QGuiApplication::setApplicationDisplayName({});
     QGuiApplication::setDesktopFileName("pxvis-player");
-    QGuiApplication::setWindowIcon(MakeProgramIcon());
+    QGuiApplication::setWindowIcon(WindowIcon());
     Appearance::ApplyTo(application);
     ShortcutGuard guard;
     application.installEventFilter(&guard);

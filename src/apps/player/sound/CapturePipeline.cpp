@@ -14,7 +14,9 @@ using namespace host;
 
 namespace {
 
-constexpr gint64 BlockTime = 10'000; // us; what a picture is late by at most, and wake-ups a second
+// How late a picture is at most, in us. Each block wakes four threads: with 10 ms listening to
+// silence costs 2 % of a core, so 0.7 %.
+constexpr gint64 BlockTime = 25'000;
 constexpr gint64 BufferTime = 200'000;
 
 GstHolder<GstElement> Make(const char* factory)

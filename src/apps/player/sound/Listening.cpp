@@ -147,6 +147,13 @@ void Listening::Pipeline::Stop()
 // The server moves a stream whose device goes away to another one, such as a microphone.
 void Listening::Pipeline::FollowDevices()
 {
+    const QList<SoundDevice> inputs = devices->Inputs();
+    const bool isThere = std::any_of(inputs.begin(), inputs.end(),
+        [this](const SoundDevice& input) { return input.id == device; });
+    if (!device.isEmpty() && !isThere && current) {
+        OnCaptureFault(*current, !inputs.isEmpty());
+        return;
+    }
     const QString wanted = Target();
     if (wanted == target && current)
         return;

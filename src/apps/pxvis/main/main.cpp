@@ -4,6 +4,7 @@
 #include "apps/pxvis/EvalCommand.h"
 #include "apps/pxvis/FramesCommand.h"
 #include "apps/pxvis/ListCommand.h"
+#include "apps/pxvis/PlayCommand.h"
 #include "apps/pxvis/RenderCommand.h"
 
 #include <CLI/CLI.hpp>
@@ -313,6 +314,21 @@ void AddList(CLI::App& app, pxvis::ListOptions& options)
         ->excludes(json);
 }
 
+void AddPlay(CLI::App& app, pxvis::PlayOptions& options)
+{
+    CLI::App& command = *app.add_subcommand("play", "Start the player");
+    command.footer("With a script it tells on standard error what is wrong with that, as check\n"
+                   "does, at the start and whenever it was saved.");
+    command
+        .add_option("SONG", options.songs,
+            "Songs, or folders of them; with a script and without songs it listens")
+        ->check(NotEmpty("the song's name"));
+    command
+        .add_option("--script", options.script,
+            "A script's file or name, shown anew when it is saved [what was shown last]")
+        ->check(NotEmpty("the script's name"));
+}
+
 int Run(int argc, char** argv)
 {
     CLI::App app("Music made visible: songs become moving pictures.", "pxvis");
@@ -329,6 +345,8 @@ int Run(int argc, char** argv)
     AddAnalyze(app, analyze);
     AddCheck(app, check);
     AddList(app, list);
+    pxvis::PlayOptions play;
+    AddPlay(app, play);
     std::string equation;
     bool batch = false;
     CLI::App& eval = *app.add_subcommand(
@@ -357,11 +375,15 @@ int Run(int argc, char** argv)
         return usageStatus;
     }
 
-    // A reader that goes away ends the commands that write for it, in silence; a render goes on.
-    std::signal(SIGPIPE, app.got_subcommand("render") ? SIG_IGN : SIG_DFL);
+    // A reader that goes away ends the commands that write for it, in silence; a render and the
+    // player go on.
+    std::signal(
+        SIGPIPE, app.got_subcommand("render") || app.got_subcommand("play") ? SIG_IGN : SIG_DFL);
     std::signal(SIGXFSZ, SIG_IGN); // a limit on files is a write that fails, like a full disk
     if (app.got_subcommand("render"))
         return pxvis::RunRender(render, std::cerr);
+    if (app.got_subcommand("play"))
+        return pxvis::RunPlay(play, std::cerr);
     if (app.got_subcommand("check"))
         return pxvis::RunCheck(check, std::cout, std::cerr);
     if (app.got_subcommand("list"))

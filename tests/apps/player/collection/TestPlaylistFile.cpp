@@ -83,7 +83,7 @@ TEST_CASE("Lists of other programs are understood")
 {
     const PlaylistText list(
         "\xEF\xBB\xBF#EXTM3U\r\n#EXTINF:12.5 kind=\"a\",  A -  B \r\n\r\nsub/a.mp3\r\n"
-        "#EXTINF:-1,C\r\nhttp://host/b.mp3\r\nfile:///x/%C3%A4.mp3\r\n"
+        "#EXTINF:-1,C\r\nx-s3.b://host/b.mp3\r\nfile:///x/%C3%A4.mp3\r\n"
         "file://host/c.mp3\r\nfile:///\r\nfolder/\r\n..\\up\\d.mp3\r\n/abs/./e.mp3");
     CHECK(list.isRead);
     CHECK(list.Paths()

@@ -81,6 +81,7 @@ TEST_CASE("Full screen takes the picture over and gives it back, however it is l
         area.addAction(&shared);
         area.SetFullScreen(true);
         CHECK_FALSE(area.IsFullScreen()); // nothing to show
+        CHECK(changes == 1);
         REQUIRE(desk.Open());
 
         const auto isFull = [&] {
@@ -110,7 +111,7 @@ TEST_CASE("Full screen takes the picture over and gives it back, however it is l
             CHECK(desk.RunUntil([&] { return desk.IsShown(red); }));
             CHECK(QApplication::topLevelWidgets().size() == 1);
         }
-        CHECK(changes == 8);
+        CHECK(changes == 9);
         area.SetFullScreen(true);
         REQUIRE(desk.RunUntil(isFull));
         // The pointer goes by itself, and comes with the hand.

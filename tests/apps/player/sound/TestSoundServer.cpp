@@ -139,7 +139,7 @@ TEST_CASE("Devices are told as they come and go, and listening follows the defau
     Listened listened("");
     SoundDevices devices;
     CHECK(WaitFor([&] { return devices.DefaultOutput() == "null1"; }));
-    server.Ask("load-module module-null-sink sink_name=null2");
+    const std::string second = server.Ask("load-module module-null-sink sink_name=null2");
     CHECK(WaitFor([&] { return devices.Outputs().size() == 2; }));
     CHECK(devices.Inputs().size() == 2);
     CHECK(devices.Inputs()[0].isMonitor);
@@ -159,6 +159,13 @@ TEST_CASE("Devices are told as they come and go, and listening follows the defau
     server.Ask("set-default-sink null2");
     CHECK(WaitFor([&] { return Loudest(listening.Heard()) > 60; }));
     CHECK(WaitFor([&] { return devices.DefaultOutput() == "null2"; }));
+
+    listening.Start("null2.monitor");
+    CHECK(WaitFor([&] { return Loudest(listening.Heard()) > 60; }));
+    server.Ask("unload-module " + second); // and the stream would go to another device
+    CHECK(WaitFor([&] { return told.last() == "failed"; }));
+    listening.Start();
+    CHECK(WaitFor([&] { return told.last() != "failed"; }));
 
     server.Kill();
     CHECK(WaitFor([&] { return told.last() == "failed"; }));

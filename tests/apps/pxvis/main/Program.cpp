@@ -8,12 +8,12 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-Program::Program(
-    const std::vector<std::string>& arguments, const ProgramStreams& streams, Leaks leaks)
+Program::Program(const std::vector<std::string>& arguments, const ProgramStreams& streams,
+    Leaks leaks, const std::string& path)
     : m_process(-1)
 {
-    const std::string path = PXVIS_BINARY_DIR "/bin/pxvis";
-    std::vector<char*> list { const_cast<char*>(path.c_str()) };
+    const std::string program = path.empty() ? PXVIS_BINARY_DIR "/bin/pxvis" : path;
+    std::vector<char*> list { const_cast<char*>(program.c_str()) };
     for (const std::string& argument : arguments)
         list.push_back(const_cast<char*>(argument.c_str()));
     list.push_back(nullptr);
@@ -28,7 +28,7 @@ Program::Program(
     dup2(open(streams.input.c_str(), O_RDONLY | O_CLOEXEC), STDIN_FILENO);
     dup2(open(streams.output.c_str(), writing | O_CLOEXEC, 0600), STDOUT_FILENO);
     dup2(open(streams.errors.c_str(), writing | O_CLOEXEC, 0600), STDERR_FILENO);
-    execv(path.c_str(), list.data());
+    execv(program.c_str(), list.data());
     _exit(127);
 }
 

@@ -25,8 +25,9 @@ class Program
 public:
     static constexpr int Running = -1000;
 
+    // `path`: of a copy of the program; empty: where it was built.
     Program(const std::vector<std::string>& arguments, const ProgramStreams& streams,
-        Leaks leaks = Leaks::Ignored);
+        Leaks leaks = Leaks::Ignored, const std::string& path = {});
     // Kills what still runs.
     ~Program();
     Program(const Program&) = delete;
