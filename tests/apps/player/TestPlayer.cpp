@@ -1,0 +1,140 @@
+#include "apps/player/PlayerDesk.h"
+
+using namespace pxvis::player;
+
+TEST_CASE("Songs that can't be played are passed over with one message, and never without end")
+{
+    PlayerDesk desk;
+    Player& player = *desk.player;
+    const QUrl first = desk.AddSong("first.wav", 0.6);
+    const QUrl last = desk.AddSong("last.wav", 0.6);
+    desk.home.Write("broken.wav", "no song");
+    desk.Fill(
+        { desk.UrlOf("gone.wav"), first, desk.UrlOf("broken.wav"), desk.UrlOf("away.wav"), last });
+    player.PlayRow(0);
+    CHECK(desk.WaitUntil([&] { return desk.IsPlaying(1); }));
+    CHECK(player.Songs().At(0).isMissing);
+    CHECK(desk.WaitUntil([&] { return desk.IsPlaying(4); }));
+    CHECK_FALSE(player.Songs().At(2).isMissing);
+    CHECK(player.Songs().At(3).isMissing);
+    CHECK(desk.WaitUntil([&] { return desk.IsStopped(); }));
+    REQUIRE(desk.messages.size() == 2);
+    CHECK(desk.messages[0].startsWith("gone can't be played: "));
+    CHECK(desk.messages[1].startsWith("broken can't be played: "));
+    CHECK(desk.messages[1].endsWith(" (and 1 more songs)"));
+    CHECK(player.Library().PlayCount(first) == 1);
+    CHECK(player.Library().PlayCount(last) == 1);
+
+    // Behind the end of the list is its beginning.
+    desk.messages.clear();
+    player.Songs().Remove({ 1, 4 });
+    player.SetLoop(PlayerStatus::Loop::Playlist);
+    player.PlayRow(0);
+    CHECK(desk.WaitUntil([&] { return !desk.messages.isEmpty(); }));
+    CHECK(desk.IsStopped());
+    CHECK(desk.messages.size() == 1);
+    CHECK(desk.messages[0].endsWith(" (and 2 more songs)"));
+}
+
+TEST_CASE("What is heard next is what the list says when a song ends")
+{
+    PlayerDesk desk;
+    Player& player = *desk.player;
+    const QUrl a = desk.AddSong("a.wav", 2.5);
+    const QUrl b = desk.AddSong("b.wav", 30);
+    const QUrl c = desk.AddSong("c.wav", 30);
+    desk.Fill({ a, b, c });
+    player.PlayRow(0);
+    CHECK(desk.WaitUntil([&] { return desk.IsPlaying(0); }));
+    player.Songs().Move({ 2 }, 1);
+    CHECK(desk.WaitUntil([&] { return desk.IsPlaying(1); }));
+    CHECK(player.Status().url == c);
+    CHECK(player.Library().PlayCount(a) == 1);
+
+    // Taken out while it is heard, it is followed by what has its place now.
+    player.Songs().Remove({ 1 });
+    CHECK(desk.WaitUntil([&] { return desk.IsPlaying(1) && player.Status().url == b; }));
+    CHECK(player.Library().PlayCount(c) == 0);
+    player.Previous();
+    CHECK(desk.WaitUntil([&] { return desk.IsPlaying(0); }));
+    player.SetLoop(PlayerStatus::Loop::Track);
+    CHECK(desk.WaitUntil([&] { return player.Library().PlayCount(a) == 2; }));
+    CHECK(desk.WaitUntil([&] { return desk.IsPlaying(0) && player.Position() < 1'000'000; }));
+    player.Songs().Clear();
+    CHECK(desk.IsStopped());
+    CHECK(player.Status().title.isEmpty());
+    CHECK(desk.messages.isEmpty());
+}
+
+TEST_CASE("Opened songs are played and stand in the list once, added ones wait")
+{
+    PlayerDesk desk;
+    Player& player = *desk.player;
+    const QUrl a = desk.AddSong("a.wav", 30);
+    const QUrl b = desk.AddSong("b.wav", 30);
+    player.Open({ a });
+    CHECK(desk.WaitUntil([&] { return desk.IsPlaying(0); }));
+    player.Add({ b });
+    CHECK(desk.WaitUntil([&] { return player.Songs().Count() == 2; }));
+    CHECK(player.Songs().Current() == 0);
+    player.Open({ b, a });
+    CHECK(desk.WaitUntil([&] { return desk.IsPlaying(1); }));
+    CHECK(player.Songs().Count() == 2);
+    CHECK(player.Library().Recent() == QList<QUrl> { a, b });
+    player.Open({ desk.UrlOf("nothing") });
+    CHECK(desk.WaitUntil([&] { return !desk.messages.isEmpty(); }));
+    CHECK(desk.IsPlaying(1));
+    player.RateSong(b, 4);
+    CHECK(player.Library().Rating(b) == 4);
+}
+
+TEST_CASE("All is as it was in the next run, but paused, and an unreadable list is put aside")
+{
+    PlayerDesk desk;
+    desk.player->Restore();
+    CHECK(desk.player->Songs().Count() == 0);
+    desk.Fill({ desk.AddSong("a.wav", 60), desk.AddSong("b.wav", 60) });
+    desk.player->SetShuffled(true);
+    desk.player->SetLoop(PlayerStatus::Loop::Playlist);
+    desk.player->SetVolume(0.25);
+    desk.player->SetMuted(true);
+    desk.player->Output().SetDelay(120);
+    desk.player->PlayRow(1);
+    CHECK(desk.WaitUntil([&] { return desk.IsPlaying(1) && desk.player->Status().canSeek; }));
+    desk.player->SeekTo(40'000'000);
+    CHECK(desk.WaitUntil([&] { return desk.player->Position() > 40'100'000; }));
+
+    SUBCASE("after its end")
+    {
+        desk.EndPlayer();
+    }
+    SUBCASE("after a crash, too, as far as it was kept")
+    {
+        desk.player->Remember();
+        desk.player->SetVolume(0.75);
+        const std::string settings = desk.home.Read("config/pxvis/settings.xml");
+        desk.EndPlayer();
+        desk.home.Write("config/pxvis/settings.xml", settings);
+    }
+    desk.StartPlayer();
+    desk.player->Restore();
+    const PlayerStatus status = desk.player->Status();
+    CHECK(status.state == PlayerStatus::State::Paused);
+    CHECK(status.url == desk.UrlOf("b.wav"));
+    CHECK(desk.player->Position() > 40'000'000);
+    CHECK(desk.player->Position() < 55'000'000);
+    CHECK(status.isShuffled);
+    CHECK(status.loop == PlayerStatus::Loop::Playlist);
+    CHECK(status.volume == doctest::Approx(0.25));
+    CHECK(desk.player->IsMuted());
+    CHECK(desk.player->Output().Delay() == 120);
+
+    desk.EndPlayer();
+    std::filesystem::remove(desk.home / "data/pxvis/player/playlist.m3u8");
+    std::filesystem::create_directory(desk.home / "data/pxvis/player/playlist.m3u8");
+    desk.StartPlayer();
+    desk.player->Restore();
+    CHECK(desk.player->Songs().Count() == 0);
+    CHECK(std::filesystem::exists(desk.home / "data/pxvis/player/playlist.m3u8.unreadable-1"));
+    CHECK(desk.messages.size() == 1);
+}
