@@ -28,6 +28,7 @@ ScriptShow::ScriptShow(DisplayArea& area, SongLibrary& library, PlayerSettings& 
           QRandomGenerator::global()->generate())
 {
     connect(&area, &DisplayArea::ModeChanged, this, &ScriptShow::OnModeChanged);
+    connect(&area, &DisplayArea::ScriptFileShown, this, &ScriptShow::Shown);
     connect(&m_rotation, &ScriptRotation::Chosen, this, [this](const QString& script) {
         if (m_isStarting)
             return;
@@ -44,9 +45,8 @@ bool ScriptShow::Start(const QString& file)
     m_rotation.SetInterval(Interval() * 1000);
     m_rotation.SetScripts(scripts);
     const bool isShown = !file.isEmpty() && m_area.ShowScriptFile(file);
-    if (isShown) {
-        m_file = file;
-    } else {
+    m_file = file;
+    if (file.isEmpty()) {
         // A script that was shown the last time stays for its turn.
         const QString mode = m_area.CurrentMode();
         m_isStarting = scripts.contains(mode);
@@ -58,7 +58,8 @@ bool ScriptShow::Start(const QString& file)
         m_isStarting = false;
     }
     emit Changed();
-    emit Shown();
+    if (isShown || file.isEmpty())
+        emit Shown();
     emit RotatingChanged();
     return isShown || file.isEmpty();
 }

@@ -25,7 +25,7 @@ public:
     ScriptShow(DisplayArea& area, SongLibrary& library, PlayerSettings& settings);
 
     // Once the area has its visualization. `file`: a script that is shown in place of the mode
-    // and the rotation that were remembered, "" for none; false if it can't be.
+    // and the rotation that were remembered, "" for none; false if it can't be yet.
     bool Start(const QString& file);
 
     void Choose(const QString& mode);
@@ -63,7 +63,7 @@ private:
     PlayerSettings& m_settings;
     ScriptRotation m_rotation;
     bool m_isStarting = false;
-    QString m_file; // that is shown in place of a mode
+    QString m_file; // that is shown in place of a mode, once it can be read
     bool m_isRotationsChoice = false;
 };
 

@@ -20,6 +20,12 @@
 
 namespace pxvis::player {
 
+namespace {
+
+constexpr int scriptInterval = 1000; // ms, between two tries to read a script
+
+}
+
 struct DisplayArea::Display
 {
     explicit Display(VisualHost& host)
@@ -34,7 +40,8 @@ struct DisplayArea::Display
     FullScreenWindow* fullScreen = nullptr; // owned; null outside of full screen
     QPointer<QWidget> watched; // the top-level window that the area is in
     QString fault; // why there is no picture
-    QString scriptFile; // shown instead of a mode
+    QString scriptFile; // shown instead of a mode, or to be
+    QTimer scriptTimer; // until it can be
     QString cycleWord; // in the library's language; "": not yet known
     QString text;
     QTimer textTimer;
@@ -51,6 +58,11 @@ DisplayArea::DisplayArea(VisualHost& host, QWidget* parent)
     display.frame->hide();
     display.textTimer.setSingleShot(true);
     connect(&display.textTimer, &QTimer::timeout, this, [this] { ShowText({}); });
+    display.scriptTimer.setInterval(scriptInterval);
+    connect(&display.scriptTimer, &QTimer::timeout, this, [this] {
+        if (TryScriptFile())
+            emit ScriptFileShown();
+    });
     connect(display.frame, &PictureFrame::DoubleClicked, this, [this] {
         if (!m_display->fullScreen)
             emit DoubleClicked();
@@ -84,7 +96,7 @@ void DisplayArea::Restart()
     // A mode that the settings didn't take is forgotten with the old visualization.
     if (MakeVisualization(m_display->fault) && !mode.isEmpty() && mode != CurrentMode())
         SetVisualProperty(*m_display->visualization, u"Current Mode", mode);
-    ShowScriptFile(std::exchange(m_display->scriptFile, {}));
+    TryScriptFile();
     UpdateSeen();
 }
 
@@ -137,6 +149,7 @@ void DisplayArea::SetMode(const QString& mode)
     if (!display.visualization)
         return;
     display.scriptFile.clear();
+    display.scriptTimer.stop();
     SetVisualProperty(*display.visualization, u"Current Mode", mode);
     display.host.DrawAwhile();
     emit ModeChanged();
@@ -144,12 +157,23 @@ void DisplayArea::SetMode(const QString& mode)
 
 bool DisplayArea::ShowScriptFile(const QString& path)
 {
-    Display& display = *m_display;
-    const QString file = QFileInfo(path).absoluteFilePath();
-    if (!display.visualization || path.isEmpty()
-        || !SetVisualProperty(*display.visualization, u"Script File", file))
+    if (!m_display->visualization || path.isEmpty())
         return false;
-    display.scriptFile = file;
+    m_display->scriptFile = QFileInfo(path).absoluteFilePath();
+    return TryScriptFile();
+}
+
+// The visualization follows the file only once it has taken it.
+bool DisplayArea::TryScriptFile()
+{
+    Display& display = *m_display;
+    display.scriptTimer.stop();
+    if (!display.visualization || display.scriptFile.isEmpty())
+        return false;
+    if (!SetVisualProperty(*display.visualization, u"Script File", display.scriptFile)) {
+        display.scriptTimer.start();
+        return false;
+    }
     display.host.DrawAwhile();
     return true;
 }
@@ -165,8 +189,16 @@ void DisplayArea::AddTo(QMenu& menu)
         const VisMenuCommand command { id, units.c_str() };
         const QString before = area->CurrentMode();
         area->m_display->visualization->OnMenuCommand(&command);
-        if (area && area->CurrentMode() != before)
-            emit area->ModeChanged();
+        if (!area)
+            return;
+        Display& display = *area->m_display;
+        const bool hasFileEnded = !display.scriptFile.isEmpty() && !display.scriptTimer.isActive()
+            && VisualProperty(*display.visualization, u"Script File").isEmpty();
+        if (!hasFileEnded && area->CurrentMode() == before)
+            return;
+        display.scriptFile.clear();
+        display.scriptTimer.stop();
+        emit area->ModeChanged();
     });
     m_display->visualization->BuildMenu(&adapter, 0);
 }

@@ -36,7 +36,8 @@ public:
     bool IsCycle(const QString& mode) const;
     QString CurrentMode() const;
     void SetMode(const QString& mode);
-    // Shows a script from anywhere, which is no mode and is not remembered, until the next SetMode.
+    // Shows a script from anywhere, which is no mode and is not remembered, until another mode is
+    // chosen. False if it can't be read; then it is asked for again until it can.
     bool ShowScriptFile(const QString& path);
 
     // Adds what the visualization offers.
@@ -54,6 +55,7 @@ public:
 
 signals:
     void ModeChanged(); // by SetMode or by the visualization's menu
+    void ScriptFileShown(); // one that couldn't be read before
     void FullScreenChanged();
     void DoubleClicked(); // outside of full screen
     void MenuAsked(const QPoint& globalPosition);
@@ -73,6 +75,7 @@ private:
     struct Display;
 
     bool MakeVisualization(QString& error);
+    bool TryScriptFile();
     bool IsSeen() const;
     void UpdateSeen();
     void EnterFullScreen();

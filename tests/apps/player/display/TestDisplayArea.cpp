@@ -52,7 +52,19 @@ TEST_CASE("A script from anywhere is shown instead of the mode, which stays what
         DisplayArea& area = desk.area;
         REQUIRE(desk.Open());
         desk.AddScript("mine.pxv", "0x1030E0");
-        CHECK_FALSE(area.ShowScriptFile(desk.home.Path("missing.pxv").c_str()));
+        int lateFiles = 0;
+        QObject::connect(&area, &DisplayArea::ScriptFileShown, [&] { ++lateFiles; });
+        CHECK_FALSE(area.ShowScriptFile(desk.home.Path("late.pxv").c_str()));
+        area.Restart();
+        desk.AddScript("late.pxv", "0x1030E0");
+        CHECK(desk.RunUntil([&] { return lateFiles == 1 && desk.IsShown(blue); }));
+        CHECK_FALSE(area.ShowScriptFile(desk.home.Path("unwanted.pxv").c_str()));
+        area.SetMode("Test\\Red");
+        desk.AddScript("unwanted.pxv", "0x1030E0");
+        desk.Run(1200);
+        CHECK(desk.IsShown(red));
+        CHECK(lateFiles == 1);
+
         CHECK(area.ShowScriptFile(desk.home.Path("mine.pxv").c_str()));
         CHECK(desk.RunUntil([&] { return desk.IsShown(blue); }));
         area.SetFullScreen(true);
