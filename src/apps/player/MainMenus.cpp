@@ -50,7 +50,7 @@ void MainMenus::FillRecent(QMenu& menu) const
         const QString name = QFileInfo(path).fileName();
         QAction* action = menu.addAction(QString(name).replace('&', QStringLiteral("&&")), opener,
             [opener, url] { opener->Open({ url }); });
-        action->setToolTip(path.toHtmlEscaped());
+        action->setToolTip(ToolTipOf(path));
     }
     menu.setToolTipsVisible(true);
     const bool isEmpty = menu.isEmpty();

@@ -1,5 +1,7 @@
 #include "apps/player/TextLabel.h"
 
+#include "apps/player/collection/Song.h"
+
 #include <QFontMetrics>
 #include <QPainter>
 
@@ -16,7 +18,7 @@ void TextLabel::SetText(const QString& text)
     if (text == m_text)
         return;
     m_text = text.simplified();
-    setToolTip(m_text.toHtmlEscaped());
+    setToolTip(ToolTipOf(m_text));
     setAccessibleName(m_text);
     updateGeometry();
     update();

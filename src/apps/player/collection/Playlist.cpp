@@ -348,8 +348,8 @@ QVariant Playlist::data(const QModelIndex& index, int role) const
         return {};
     case Qt::ToolTipRole:
         if (song.isMissing)
-            return tr("There is no file %1").arg(LineOf(song.url.toLocalFile()));
-        return TextOf(song, index.column());
+            return ToolTipOf(tr("There is no file %1").arg(LineOf(song.url.toLocalFile())));
+        return ToolTipOf(TextOf(song, index.column()));
     case Qt::AccessibleTextRole:
         return index.column() == ColumnTitle ? SpokenText(index.row())
                                              : TextOf(song, index.column());

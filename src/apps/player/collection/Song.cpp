@@ -1,5 +1,7 @@
 #include "apps/player/collection/Song.h"
 
+#include <QTextDocument>
+
 namespace pxvis::player {
 
 namespace {
@@ -26,6 +28,11 @@ QString LineOf(const QString& text)
             character = u' ';
     }
     return line.simplified();
+}
+
+QString ToolTipOf(const QString& text)
+{
+    return text.isEmpty() ? text : Qt::convertFromPlainText(text, Qt::WhiteSpaceNormal);
 }
 
 QString DurationText(qint64 duration)

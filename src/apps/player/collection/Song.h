@@ -27,6 +27,9 @@ QString TitleOf(const Song& song);
 // A text of a stranger's as one line of bearable length, for lists and tips.
 QString LineOf(const QString& text);
 
+// For a tool tip, which takes a text with marks in it as one with markup otherwise.
+QString ToolTipOf(const QString& text);
+
 // "m:ss", "h:mm:ss" from an hour on; empty below 0.
 QString DurationText(qint64 duration);
 

@@ -4,6 +4,7 @@
 
 #include <QFont>
 #include <QMimeData>
+#include <QTextDocumentFragment>
 
 #include <algorithm>
 #include <ctime>
@@ -192,7 +193,19 @@ TEST_CASE("Views get texts, the current song in bold and missing ones with a rea
     CHECK(text(2, Playlist::ColumnDuration) == "1:02:05");
     CHECK(text(0, 0, Qt::AccessibleTextRole)
         == "Current song, Title, Artist, 1:02:05, the file is missing");
-    CHECK(text(0, 0, Qt::ToolTipRole) == "There is no file /music/a.ogg");
+    const auto tip = [&](int column) {
+        return QTextDocumentFragment::fromHtml(
+            list.data(list.index(0, column), Qt::ToolTipRole).toString())
+            .toPlainText();
+    };
+    CHECK(tip(Playlist::ColumnTitle) == "There is no file /music/a.ogg");
+    song.isMissing = false;
+    song.title = "R&B <img src='/a.png'> &lt;";
+    list.Update(song);
+    CHECK(tip(Playlist::ColumnTitle) == song.title);
+    CHECK(tip(Playlist::ColumnAlbum).isEmpty());
+    song.isMissing = true;
+    list.Update(song);
     CHECK(list.data(list.index(2, 1), Qt::ForegroundRole).isValid());
     CHECK_FALSE(list.data(list.index(1, 1), Qt::ForegroundRole).isValid());
     CHECK(list.data(list.index(0, 1), Qt::FontRole).value<QFont>().bold());
