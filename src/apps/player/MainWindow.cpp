@@ -118,7 +118,7 @@ void MainWindow::ConnectPlayer()
     connect(&m_player, &Player::Message, this, &MainWindow::Say);
     connect(&m_player, &Player::OutputLost, this, [this](const QString& reason) {
         m_status->SetNotice(reason.isEmpty() ? QString() : tr("No sound device: playing silently"));
-        m_status->setToolTip(reason.toHtmlEscaped());
+        m_status->setToolTip(ToolTipOf(reason));
         if (!reason.isEmpty() && !m_status->isVisible())
             Say(tr("No sound device: playing silently"));
     });
@@ -141,6 +141,8 @@ void MainWindow::ConnectPlayer()
         const bool isFull = m_area->IsFullScreen();
         m_actions.fullScreen->setChecked(isFull);
         m_actions.leaveFullScreen->setEnabled(isFull);
+        m_actions.statusBar->setEnabled(!isFull);
+        m_actions.levels->setEnabled(!isFull);
         m_player.NoteFullScreen(isFull);
         UpdateSeen();
     });
@@ -218,12 +220,13 @@ void MainWindow::ConnectVisualActions()
         m_area->ShowText(on ? tr("Player's rotation is on") : tr("Player's rotation is off"));
     });
     const auto rate = [this](int rating) {
+        const QString name = m_show.Name(); // another may follow one that is never to be shown
         m_show.Rate(rating);
         UpdateRating();
         const QString stars(rating, QChar(0x2605));
-        m_area->ShowText(rating == SongLibrary::never ? tr("%1 won't be chosen").arg(m_show.Name())
-                : rating == SongLibrary::noRating     ? tr("%1: no rating").arg(m_show.Name())
-                                                      : m_show.Name() + ' ' + stars);
+        m_area->ShowText(rating == SongLibrary::never ? tr("%1 won't be chosen").arg(name)
+                : rating == SongLibrary::noRating     ? tr("%1: no rating").arg(name)
+                                                      : name + ' ' + stars);
     };
     for (int stars = 0; stars < static_cast<int>(m_actions.rate.size()); ++stars)
         connect(m_actions.rate[stars], &QAction::triggered, this, [rate, stars] { rate(stars); });
@@ -235,7 +238,10 @@ void MainWindow::ConnectViewActions()
     connect(m_actions.fullScreen, &QAction::triggered, m_area, &DisplayArea::SetFullScreen);
     connect(m_actions.leaveFullScreen, &QAction::triggered, this,
         [this] { m_area->SetFullScreen(false); });
-    connect(m_actions.playlist, &QAction::triggered, m_list, &QDockWidget::setVisible);
+    connect(m_actions.playlist, &QAction::triggered, this, [this](bool on) {
+        m_list->setVisible(on || m_area->IsFullScreen());
+        m_area->SetFullScreen(false); // nothing of it would be seen there
+    });
     connect(m_list, &QDockWidget::visibilityChanged, this,
         [this] { m_actions.playlist->setChecked(!m_list->isHidden()); });
     connect(m_actions.statusBar, &QAction::triggered, m_status, &StatusLine::setVisible);
@@ -255,7 +261,7 @@ void MainWindow::Start(const QString& script)
     } else {
         m_hasScript = !script.isEmpty();
         if (!m_show.Start(script))
-            Say(tr("%1 can't be shown").arg(script));
+            Say(tr("%1 can't be shown; a mended file is shown at once").arg(script));
     }
     UpdatePage();
 }
