@@ -5,6 +5,7 @@
 #include <QAbstractSlider>
 #include <QAbstractSpinBox>
 #include <QComboBox>
+#include <QDialog>
 #include <QKeyEvent>
 #include <QLineEdit>
 
@@ -19,6 +20,10 @@ bool IsMove(int key)
 
 bool Needs(const QObject& control, const QKeyEvent& key)
 {
+    if (key.key() == Qt::Key_Escape) {
+        const auto* widget = qobject_cast<const QWidget*>(&control);
+        return widget && qobject_cast<const QDialog*>(widget->window());
+    }
     if ((key.modifiers() & ~(Qt::KeypadModifier | Qt::ShiftModifier)) != 0)
         return false;
     const bool isText = !key.text().isEmpty() && key.text().front().isPrint();

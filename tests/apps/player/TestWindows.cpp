@@ -6,6 +6,7 @@
 #include "apps/player/ShortcutsDialog.h"
 #include "apps/player/TransportBar.h"
 
+#include <QDialog>
 #include <QLabel>
 #include <QMouseEvent>
 #include <QSet>
@@ -82,6 +83,11 @@ TEST_CASE("Keys that a control needs are its own")
     CHECK(isLeft(slider, Qt::Key_Left, Qt::NoModifier));
     CHECK_FALSE(isLeft(slider, Qt::Key_Left, Qt::ControlModifier));
     CHECK_FALSE(isLeft(slider, Qt::Key_Space, Qt::NoModifier));
+    // Esc closes a dialog that is open over the full screen, and only then leaves that.
+    CHECK_FALSE(isLeft(button, Qt::Key_Escape, Qt::NoModifier));
+    QDialog dialog;
+    auto* field = new QToolButton(&dialog);
+    CHECK(isLeft(*field, Qt::Key_Escape, Qt::NoModifier));
 }
 
 TEST_CASE("Times and ratings read as people write them")
