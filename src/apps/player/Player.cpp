@@ -118,10 +118,10 @@ void Player::Restore()
         m_sequence.Open(place.row, PlayState::Paused, place.position);
     m_keep.start();
 
-    for (const QString& text : { m_library.Warning(), fault }) {
-        if (!text.isEmpty())
-            emit Message(text);
-    }
+    QStringList faults { m_library.Warning(), fault };
+    faults.removeAll(QString());
+    if (!faults.isEmpty())
+        emit Message(faults.join(QStringLiteral("; "))); // the last one alone would be seen
 }
 
 void Player::Remember()
