@@ -8,6 +8,7 @@ PXVIS_PACKAGES="g++ cmake ninja-build pkg-config ccache
     libcurl4-openssl-dev libarchive-dev zlib1g-dev libsqlite3-dev
     libgstreamer1.0-dev libgstreamer-plugins-base1.0-dev
     gstreamer1.0-plugins-base gstreamer1.0-plugins-good gstreamer1.0-plugins-ugly gstreamer1.0-libav
+    gstreamer1.0-alsa
     fonts-dejavu-core"
 PXVIS_TEST_PACKAGES="doctest-dev clang-format clang libclang-rt-14-dev python3
     xvfb xdotool openbox libx11-dev dbus-daemon pulseaudio pulseaudio-utils lintian desktop-file-utils appstream"

@@ -4,6 +4,7 @@
 #include "apps/player/Session.h"
 #include "apps/player/collection/PlaylistFile.h"
 
+#include <QDir>
 #include <QFileDialog>
 #include <QStandardPaths>
 
@@ -17,8 +18,12 @@ constexpr char endings[] = "*.mp3 *.flac *.ogg *.oga *.opus *.m4a *.aac *.wav *.
 
 QString FirstFolder(const PlayerSettings& settings)
 {
-    return settings.Text(
-        folderSetting, QStandardPaths::writableLocation(QStandardPaths::MusicLocation));
+    const QString music = QStandardPaths::writableLocation(QStandardPaths::MusicLocation);
+    for (const QString& folder : { settings.Text(folderSetting), music }) {
+        if (QFileInfo(folder).isDir())
+            return folder;
+    }
+    return QDir::homePath();
 }
 
 QList<QUrl> UrlsOf(const QStringList& paths)

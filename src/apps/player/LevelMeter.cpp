@@ -32,9 +32,11 @@ QSize LevelMeter::sizeHint() const
 
 void LevelMeter::Show(int level, bool beat)
 {
+    const bool wasDark = IsDark();
     m_level = std::max<double>(level, m_level * levelFall);
     m_lamp = beat ? 1.0 : m_lamp * lampFall;
-    update();
+    if (!wasDark || !IsDark())
+        update();
 }
 
 void LevelMeter::paintEvent(QPaintEvent*)

@@ -34,7 +34,7 @@ void ListenMenu::Fill()
     auto* sources = new QActionGroup(this);
     const bool isListening = m_player.IsListening();
     const QString heard = m_player.ListeningDevice();
-    addSection(tr("Show"));
+    AddHeading(tr("Show"));
     connect(Add(tr("The &Songs"), !isListening, *sources), &QAction::triggered, this,
         [this] { m_player.StopListening(); });
     addAction(m_actions.listen);
@@ -45,7 +45,8 @@ void ListenMenu::Fill()
 
     auto* outputs = new QActionGroup(this);
     const QString chosen = m_player.Output().Chosen();
-    addSection(tr("Play the Songs On"));
+    addSeparator();
+    AddHeading(tr("Play the Songs On"));
     connect(Add(tr("The System's &Output"), chosen.isEmpty(), *outputs), &QAction::triggered, this,
         [this] { m_player.Output().Choose({}); });
     for (const SoundDevice& device : m_player.Devices().Outputs()) {
@@ -54,6 +55,11 @@ void ListenMenu::Fill()
     }
     addSeparator();
     addAction(m_actions.settings);
+}
+
+void ListenMenu::AddHeading(const QString& text)
+{
+    addAction(text)->setEnabled(false);
 }
 
 QAction* ListenMenu::Add(const QString& text, bool isChosen, QActionGroup& group)

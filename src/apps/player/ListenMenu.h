@@ -18,6 +18,7 @@ public:
 
 private:
     void Fill();
+    void AddHeading(const QString& text);
     QAction* Add(const QString& text, bool isChosen, QActionGroup& group);
 
     Player& m_player;

@@ -33,6 +33,7 @@ constexpr char stateSetting[] = "Window Parts";
 constexpr char statusSetting[] = "Status Bar";
 constexpr char levelsSetting[] = "Levels";
 constexpr int messageTime = 6000; // ms, over the picture
+constexpr int silenceToRest = 8; // s
 constexpr int songTextTime = 4000; // ms
 constexpr qint64 seekStep = 5000; // ms
 constexpr double volumeStep = 0.05;
@@ -52,6 +53,8 @@ MainWindow::MainWindow(Player& player)
     setWindowTitle(QStringLiteral("pxvis"));
     resize(1120, 760);
     MakeParts();
+    m_second.setInterval(1000);
+    connect(&m_second, &QTimer::timeout, this, &MainWindow::NoteSilence);
     ConnectPlayer();
     ConnectFileActions();
     ConnectSoundActions();
@@ -90,6 +93,7 @@ void MainWindow::MakeParts()
     m_list = new QDockWidget(tr("Playlist"));
     m_list->setObjectName(QStringLiteral("playlist"));
     m_list->setWidget(new PlaylistView(m_player, m_actions));
+    m_list->setFeatures(QDockWidget::DockWidgetClosable | QDockWidget::DockWidgetMovable);
     m_list->setAllowedAreas(Qt::LeftDockWidgetArea | Qt::RightDockWidgetArea);
     addDockWidget(Qt::RightDockWidgetArea, m_list);
     m_list->hide();
@@ -342,8 +346,22 @@ void MainWindow::UpdateSeen()
     const bool isHeard
         = m_player.IsListening() || m_player.Status().state == PlayerStatus::State::Playing;
     m_player.SetSeen(isSeen);
-    m_show.SetHeld(!isSeen || !isHeard);
+    if (!isSeen || !isHeard)
+        m_second.stop();
+    else if (!m_second.isActive())
+        m_second.start();
+    m_show.SetHeld(!isSeen || !isHeard || m_silentSeconds >= silenceToRest);
     m_status->SetActive(isSeen && isHeard);
+}
+
+// The pictures rest by themselves when it is silent, and then none shall follow another.
+void MainWindow::NoteSilence()
+{
+    m_silentSeconds = m_player.Host().Level() > 0 ? 0 : m_silentSeconds + 1;
+    if (m_silentSeconds == 0 || m_silentSeconds == silenceToRest)
+        UpdateSeen();
+    if (m_silentSeconds == silenceToRest && m_player.IsListening())
+        m_area->ShowText(tr("Nothing is to be heard"), messageTime);
 }
 
 void MainWindow::ShowSongText()

@@ -5,6 +5,7 @@
 
 #include <QElapsedTimer>
 #include <QMainWindow>
+#include <QTimer>
 
 class QDockWidget;
 class QStackedWidget;
@@ -54,6 +55,7 @@ private:
     void UpdateRating();
     void UpdatePage();
     void UpdateSeen();
+    void NoteSilence();
     void ShowSongText();
     void ShowInFullScreen(const QString& text); // where no control shows it
 
@@ -72,6 +74,8 @@ private:
     SettingsDialog* m_settings = nullptr; // made when it is asked for
     QString m_songText; // over the picture
     QElapsedTimer m_songTextTime; // since the song began
+    QTimer m_second; // while something is heard and seen
+    int m_silentSeconds = 0;
     bool m_hasScript = false; // shown by name, without a song
 };
 

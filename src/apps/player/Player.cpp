@@ -9,6 +9,7 @@ namespace pxvis::player {
 namespace {
 
 constexpr int tickInterval = 250; // ms; scripts and people see whole seconds
+constexpr int unseenInterval = 1000; // ms
 constexpr int keepInterval = 30'000; // ms
 constexpr char listeningSetting[] = "Listening Device";
 
@@ -48,7 +49,6 @@ Player::Player(const QString& sink, const QString& source)
     , m_sequence(m_playlist, m_playback, m_library)
     , m_session(std::make_unique<Session>(m_playlist, m_playback, m_settings))
 {
-    m_tick.setInterval(tickInterval);
     m_keep.setInterval(keepInterval);
     Connect();
     UpdateSource();
@@ -408,10 +408,11 @@ QString Player::ListeningName() const
 void Player::UpdateSource()
 {
     const bool isPlaying = m_playback.State() == PlayState::Playing;
+    const int interval = m_isSeen ? tickInterval : unseenInterval;
     if (!isPlaying)
         m_tick.stop();
-    else if (!m_tick.isActive())
-        m_tick.start();
+    else if (!m_tick.isActive() || m_tick.interval() != interval)
+        m_tick.start(interval);
     m_host.SetSound(IsListening() ? &m_listening.Heard() : &m_playback.Heard());
     m_inhibitor.SetOn(m_isSeen && (isPlaying || IsListening()));
 }

@@ -10,6 +10,7 @@ namespace pxvis::player {
 namespace {
 
 constexpr int meterInterval = 50; // ms
+constexpr int silenceInterval = 250; // ms
 constexpr int messageTime = 8000; // ms
 
 }
@@ -29,10 +30,10 @@ StatusLine::StatusLine(Player& player, QWidget* parent)
     m_meter->hide();
     addPermanentWidget(m_notice);
     addPermanentWidget(m_meter);
-    m_timer.setInterval(meterInterval);
     connect(&m_timer, &QTimer::timeout, this, [this] {
-        const VisualHost& host = m_player.Host();
-        m_meter->Show(m_isActive ? host.Level() : 0, m_isActive && m_player.Host().TakeBeat());
+        const bool hasBeat = m_player.Host().TakeBeat();
+        m_meter->Show(m_isActive ? m_player.Host().Level() : 0, m_isActive && hasBeat);
+        m_timer.setInterval(m_meter->IsDark() ? silenceInterval : meterInterval);
         UpdateTimer();
     });
 }
@@ -68,7 +69,7 @@ void StatusLine::UpdateTimer()
     if (!isNeeded)
         m_timer.stop();
     else if (!m_timer.isActive())
-        m_timer.start();
+        m_timer.start(meterInterval);
 }
 
 }
