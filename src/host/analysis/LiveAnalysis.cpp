@@ -42,9 +42,10 @@ private:
     int64_t m_position;
 };
 
-LiveAnalysis::LiveAnalysis(size_t lookAhead)
+LiveAnalysis::LiveAnalysis(size_t lookAhead, bool isAtRest)
     : m_lookAhead(static_cast<int64_t>(lookAhead))
     , m_ring(size_t { KeptSeconds } * SampleRate)
+    , m_isAtRest(isAtRest)
 {
 }
 
@@ -103,7 +104,9 @@ bool LiveAnalysis::Take(int64_t now, AudioRecord& record)
 {
     record = {};
     const Heard heard = Look(now);
-    const bool isSilent = heard.position - heard.soundEnd > int64_t { RestSeconds } * SampleRate;
+    m_isAtRest = m_isAtRest && heard.soundEnd == 0;
+    const bool isSilent
+        = m_isAtRest || heard.position - heard.soundEnd > int64_t { RestSeconds } * SampleRate;
     if (heard.first == heard.end || isSilent || heard.position - heard.end > Starved) {
         m_analyzer.reset();
         return false;

@@ -24,8 +24,9 @@ public:
 
     // How far the detectors hear ahead of what is heard, in samples: they make mistakes less often,
     // and hits come on time. 0 where sound comes when it is heard; samples that come later than
-    // this ahead of their time delay the records.
-    explicit LiveAnalysis(size_t lookAhead);
+    // this ahead of their time delay the records. `isAtRest`: the pictures rest until there is
+    // sound.
+    explicit LiveAnalysis(size_t lookAhead, bool isAtRest = false);
     ~LiveAnalysis();
     LiveAnalysis(const LiveAnalysis&) = delete;
     LiveAnalysis& operator=(const LiveAnalysis&) = delete;
@@ -65,6 +66,7 @@ private:
     bool m_isNewSong = false;
 
     // Of the thread that draws.
+    bool m_isAtRest; // since the beginning
     std::unique_ptr<Source> m_source;
     std::unique_ptr<SongAnalyzer> m_analyzer; // null: rests
     int64_t m_nextStep = 0; // position

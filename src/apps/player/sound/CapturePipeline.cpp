@@ -14,10 +14,9 @@ using namespace host;
 
 namespace {
 
-// How late a picture is at most, in us. Each block wakes four threads: with 10 ms listening to
-// silence costs 2 % of a core, so 0.7 %.
-constexpr gint64 BlockTime = 25'000;
-constexpr gint64 BufferTime = 200'000;
+// How late a picture is at most, in us; less than it lasts, or else it shows the same sound twice.
+constexpr gint64 QuickBlockTime = 10'000;
+constexpr gint64 RestingBlockTime = 200'000;
 
 GstHolder<GstElement> Make(const char* factory)
 {
@@ -26,12 +25,14 @@ GstHolder<GstElement> Make(const char* factory)
 }
 
 // Ready; null: nobody answers. For what the computer plays there is PipeWire's own source as well.
-GstHolder<GstElement> MakeSource(const std::string& device)
+GstHolder<GstElement> MakeSource(const std::string& device, CapturePace pace)
 {
     if (GstHolder<GstElement> source = Make("pulsesrc")) {
         NameStream(source.get(), "production");
-        g_object_set(source.get(), "device", device.c_str(), "latency-time", BlockTime,
-            "buffer-time", BufferTime, "provide-clock", FALSE, nullptr);
+        const gint64 blockTime = pace == CapturePace::Quick ? QuickBlockTime : RestingBlockTime;
+        constexpr gint64 blocks = 20;
+        g_object_set(source.get(), "device", device.c_str(), "latency-time", blockTime,
+            "buffer-time", blocks * blockTime, "provide-clock", FALSE, nullptr);
         if (gst_element_set_state(source.get(), GST_STATE_READY) == GST_STATE_CHANGE_SUCCESS)
             return source;
         gst_element_set_state(source.get(), GST_STATE_NULL);
@@ -51,13 +52,14 @@ GstHolder<GstElement> MakeSource(const std::string& device)
 
 }
 
-CapturePipeline::CapturePipeline(
-    std::string device, std::string source, std::shared_ptr<Mailbox> mailbox, CaptureEvents& events)
+CapturePipeline::CapturePipeline(std::string device, std::string source, CapturePace pace,
+    std::shared_ptr<Mailbox> mailbox, CaptureEvents& events)
     : m_device(std::move(device))
     , m_sourceText(std::move(source))
+    , m_pace(pace)
     , m_mailbox(std::move(mailbox))
     , m_events(events)
-    , m_analysis(std::make_shared<LiveAnalysis>(0))
+    , m_analysis(std::make_shared<LiveAnalysis>(0, pace == CapturePace::Resting))
 {
 }
 
@@ -88,7 +90,7 @@ bool CapturePipeline::Build(bool& hasServer)
         GstElement* made = gst_parse_bin_from_description(m_sourceText.c_str(), TRUE, nullptr);
         source.reset(made ? GST_ELEMENT(gst_object_ref_sink(made)) : nullptr);
     } else {
-        source = MakeSource(m_device);
+        source = MakeSource(m_device, m_pace);
     }
     hasServer = source != nullptr;
     const GstHolder<GstElement> sink = Make("fakesink");

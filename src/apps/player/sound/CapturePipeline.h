@@ -27,6 +27,13 @@ protected:
     ~CaptureEvents() = default;
 };
 
+// How often sound is handed over: each block wakes four threads.
+enum class CapturePace
+{
+    Quick, // a picture has its own sound
+    Resting // nobody looks, or there is nothing to hear but the end of silence
+};
+
 // Hears one device until that goes away. Everything that could wait is done on its own thread;
 // calls are for the user-interface thread.
 class CapturePipeline : public std::enable_shared_from_this<CapturePipeline>
@@ -34,8 +41,8 @@ class CapturePipeline : public std::enable_shared_from_this<CapturePipeline>
 public:
     // `device`: the sound server's name of it. `source`: in tests, instead of that. `events` must
     // live until the mailbox is closed.
-    CapturePipeline(std::string device, std::string source, std::shared_ptr<Mailbox> mailbox,
-        CaptureEvents& events);
+    CapturePipeline(std::string device, std::string source, CapturePace pace,
+        std::shared_ptr<Mailbox> mailbox, CaptureEvents& events);
 
     void Open();
     void Close(); // tells nothing any more
@@ -55,6 +62,7 @@ private:
 
     const std::string m_device;
     const std::string m_sourceText;
+    const CapturePace m_pace;
     const std::shared_ptr<Mailbox> m_mailbox;
     CaptureEvents& m_events;
     const std::shared_ptr<host::LiveAnalysis> m_analysis;

@@ -7,6 +7,7 @@
 #include <QTimer>
 
 #include <algorithm>
+#include <atomic>
 #include <mutex>
 #include <utility>
 #include <vector>
@@ -16,6 +17,7 @@ namespace pxvis::player {
 namespace {
 
 constexpr int RetryInterval = 2000; // ms
+constexpr int RestInterval = 1000; // ms that nobody took sound for, so that it may come seldom
 constexpr int EndPatienceMs = 2000;
 constexpr QLatin1String AnyMonitor("@DEFAULT_MONITOR@"); // as the server calls it
 
@@ -34,7 +36,9 @@ struct Listening::Pipeline final : CaptureEvents, HeardSound
 
     void Start();
     void Stop();
+    void Open(CapturePace withPace);
     void Drop();
+    void SetPace(CapturePace wanted);
     void FollowDevices();
     QString Target() const;
     QString NameOf(const QString& id) const;
@@ -49,13 +53,17 @@ struct Listening::Pipeline final : CaptureEvents, HeardSound
 
     std::shared_ptr<CapturePipeline> current; // null: off, or waits for a device
     std::vector<std::shared_ptr<CapturePipeline>> closing;
+    std::atomic<CapturePace> pace = CapturePace::Quick; // of the current one
+    std::atomic<bool> wasTaken = false; // since the last look
     std::unique_ptr<SoundDevices> devices; // null: off
     bool isOn = false;
     bool hasFailed = false; // and it was told
     bool isHearing = false;
+    bool isTold = false; // what is heard
     QString device;
     QString target; // what is heard
     QTimer retry;
+    QTimer rest;
 };
 
 Listening::Pipeline::Pipeline(Listening& owner, const QString& source)
@@ -65,6 +73,11 @@ Listening::Pipeline::Pipeline(Listening& owner, const QString& source)
     retry.setSingleShot(true);
     retry.setInterval(RetryInterval);
     QObject::connect(&retry, &QTimer::timeout, [this] { Start(); });
+    rest.setInterval(RestInterval);
+    QObject::connect(&rest, &QTimer::timeout, [this] {
+        if (!wasTaken.exchange(false))
+            SetPace(CapturePace::Resting);
+    });
 }
 
 Listening::Pipeline::~Pipeline()
@@ -87,7 +100,12 @@ bool Listening::Pipeline::Take(host::AudioRecord& record)
         late = delay;
     }
     const std::optional<int64_t> now = pipeline ? pipeline->Now() : std::nullopt;
-    return now && pipeline->Analysis().Take(*now - late, record);
+    if (!now || !pipeline->Analysis().Take(*now - late, record))
+        return false;
+    wasTaken = true;
+    if (pace == CapturePace::Resting)
+        mailbox->Post([this] { SetPace(CapturePace::Quick); });
+    return true;
 }
 
 void Listening::Pipeline::Drop()
@@ -122,22 +140,39 @@ QString Listening::Pipeline::NameOf(const QString& id) const
 
 void Listening::Pipeline::Start()
 {
-    Drop();
     isOn = true;
     if (!devices && sourceText.empty()) {
         devices = std::make_unique<SoundDevices>();
         QObject::connect(devices.get(), &SoundDevices::Changed, [this] { FollowDevices(); });
     }
     target = Target();
-    current = std::make_shared<CapturePipeline>(target.toStdString(), sourceText, mailbox, *this);
+    isTold = false;
+    Open(CapturePace::Quick);
+    rest.start();
+}
+
+void Listening::Pipeline::Open(CapturePace withPace)
+{
+    Drop();
+    pace = withPace;
+    current = std::make_shared<CapturePipeline>(
+        target.toStdString(), sourceText, withPace, mailbox, *this);
     current->Open();
     const std::lock_guard lock(mutex);
     heard = current;
 }
 
+// The server can't be asked for another length of blocks while a stream runs.
+void Listening::Pipeline::SetPace(CapturePace wanted)
+{
+    if (isHearing && pace != wanted)
+        Open(wanted);
+}
+
 void Listening::Pipeline::Stop()
 {
     retry.stop();
+    rest.stop();
     devices = nullptr;
     isOn = false;
     hasFailed = false;
@@ -171,7 +206,8 @@ void Listening::Pipeline::OnCapture(CapturePipeline&)
 {
     hasFailed = false;
     isHearing = true;
-    emit owner.Started(NameOf(target));
+    if (!std::exchange(isTold, true))
+        emit owner.Started(NameOf(target));
 }
 
 void Listening::Pipeline::OnCaptureFault(CapturePipeline&, bool hasServer)
