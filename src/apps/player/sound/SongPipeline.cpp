@@ -3,6 +3,7 @@
 #include "apps/player/sound/Playback.h"
 #include "apps/player/sound/SoundOutput.h"
 #include "apps/player/sound/SoundTap.h"
+#include "host/SongDecoder.h"
 
 #include <gst/audio/audio.h>
 #include <gst/audio/streamvolume.h>
@@ -383,8 +384,9 @@ void SongPipeline::AboutToFinish(GstElement*, void* self)
     static_cast<SongPipeline*>(self)->PrepareNext();
 }
 
-// On the thread that streams. A song that is not there ends this one as if there were none, and is
-// then opened like any other, which tells its fault.
+// On the thread that streams, a second ahead of what is heard. A song that can't be played ends
+// this one as if there were none, and is then opened like any other, which tells its fault: in
+// playbin it would take the rest of this one along.
 void SongPipeline::PrepareNext()
 {
     std::string next;
@@ -392,7 +394,8 @@ void SongPipeline::PrepareNext()
         const std::lock_guard lock(m_mutex);
         next = m_next;
     }
-    if (next.empty() || !FileFault(next).isEmpty())
+    std::string fault;
+    if (next.empty() || !FileFault(next).isEmpty() || !SongDecoder::Open(next, fault))
         return;
     const GstHolder<char> uri(gst_filename_to_uri(next.c_str(), nullptr));
     {
