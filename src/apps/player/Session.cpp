@@ -9,6 +9,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QLockFile>
 
 #include <algorithm>
 #include <climits>
@@ -21,14 +22,16 @@ namespace {
 constexpr int fullVolume = 1000; // as it is kept
 constexpr int firstVolume = 700;
 
-// A file that can't be understood stays, under another name.
-void PutAside(const QString& path)
+// A file that can't be understood stays, under another name, which it gives; "" if it can't.
+QString PutAside(const QString& path)
 {
-    constexpr int mostKept = 9;
+    constexpr int mostKept = 1000;
     for (int i = 1; i <= mostKept; ++i) {
-        if (QFile::rename(path, path + QStringLiteral(".unreadable-%1").arg(i)))
-            return;
+        const QString name = path + QStringLiteral(".unreadable-%1").arg(i);
+        if (QFile::rename(path, name))
+            return name;
     }
+    return {};
 }
 
 }
@@ -67,13 +70,20 @@ QString Session::PlaylistPath()
                           : QFile::decodeName(folder.c_str()) + "/pxvis/player/playlist.m3u8";
 }
 
+Session::~Session() = default;
+
 Session::Place Session::Restore(QString& fault)
 {
     fault.clear();
     QList<Song> songs;
     const QString path = PlaylistPath();
-    if (QFile::exists(path) && !PlaylistFile::Read(path, songs, fault))
-        PutAside(path);
+    LockKept(path, fault);
+    QString listFault;
+    if (QFile::exists(path) && !PlaylistFile::Read(path, songs, listFault) && m_mayKeep) {
+        const QString aside = PutAside(path);
+        m_mayKeep = !aside.isEmpty();
+        fault = m_mayKeep ? tr("%1 It is kept as %2.").arg(listFault, aside) : listFault;
+    }
     m_playlist.Insert(songs);
     m_isListChanged = false;
 
@@ -94,9 +104,24 @@ Session::Place Session::Restore(QString& fault)
     return place;
 }
 
+// One player of a user keeps what it is at: of two, the last to end would take the other's list.
+void Session::LockKept(const QString& path, QString& fault)
+{
+    if (path.isEmpty())
+        return;
+    QDir().mkpath(QFileInfo(path).path());
+    m_lock = std::make_unique<QLockFile>(path + ".lock");
+    m_lock->setStaleLockTime(0); // held for as long as a player runs
+    m_mayKeep = m_lock->tryLock(0) || m_lock->error() != QLockFile::LockFailedError;
+    if (!m_mayKeep)
+        fault = tr("Another pxvis player is open: this one won't be remembered.");
+}
+
 bool Session::Keep(QString& fault)
 {
     fault.clear();
+    if (!m_mayKeep)
+        return true;
     KeepNumber("Repeat", static_cast<int>(m_playlist.Repeat()));
     KeepNumber("Shuffle", m_playlist.IsShuffled());
     KeepNumber("Volume", static_cast<int>(std::lround(m_playback.Volume() * fullVolume)));

@@ -6,6 +6,10 @@
 #include <QObject>
 #include <QString>
 
+#include <memory>
+
+class QLockFile;
+
 namespace pxvis::player {
 
 class Playback;
@@ -23,6 +27,7 @@ class Session : public QObject
 public:
     // The three outlive it.
     Session(Playlist& playlist, Playback& playback, PlayerSettings& settings);
+    ~Session() override;
 
     struct Place
     {
@@ -31,20 +36,24 @@ public:
     };
 
     // Fills the playlist and sets modes and volume; gives where it was. `fault`: one line, if the
-    // list couldn't be read; its file is put aside.
+    // list couldn't be read, whose file is put aside, or another player has it.
     Place Restore(QString& fault);
 
-    // Writes what has changed since the last time. False, with a line, if that failed.
+    // Writes what has changed since the last time, unless another player does that. False, with a
+    // line, if it failed.
     bool Keep(QString& fault);
 
     static QString PlaylistPath(); // $XDG_DATA_HOME/pxvis/player/playlist.m3u8
 
 private:
+    void LockKept(const QString& path, QString& fault);
     void KeepNumber(const char* name, int value);
 
     Playlist& m_playlist;
     Playback& m_playback;
     PlayerSettings& m_settings;
+    std::unique_ptr<QLockFile> m_lock;
+    bool m_mayKeep = true;
     bool m_isListChanged = false;
 };
 

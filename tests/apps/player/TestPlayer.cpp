@@ -116,6 +116,19 @@ TEST_CASE("All is as it was in the next run, but paused, and an unreadable list 
         desk.EndPlayer();
         desk.home.Write("config/pxvis/settings.xml", settings);
     }
+    SUBCASE("also when another one was open meanwhile")
+    {
+        desk.player->Remember();
+        {
+            Player other(QStringLiteral("fakesink sync=true"));
+            other.Restore();
+            CHECK(other.Songs().Count() == 2);
+            other.Songs().Clear();
+            other.SetVolume(0.75);
+            other.Remember();
+        }
+        desk.EndPlayer();
+    }
     desk.StartPlayer();
     desk.player->Restore();
     const PlayerStatus status = desk.player->Status();
