@@ -18,6 +18,7 @@
 #include <QFile>
 #include <QMenu>
 #include <QMenuBar>
+#include <QScreen>
 #include <QStackedWidget>
 #include <QVBoxLayout>
 #include <QWindow>
@@ -51,7 +52,7 @@ MainWindow::MainWindow(Player& player)
     , m_show(*m_area, player.Library(), player.Settings())
 {
     setWindowTitle(QStringLiteral("pxvis"));
-    resize(1120, 760);
+    resize(QSize(1120, 760).boundedTo(screen()->availableSize()));
     MakeParts();
     m_second.setInterval(1000);
     connect(&m_second, &QTimer::timeout, this, &MainWindow::NoteSilence);

@@ -1,5 +1,7 @@
 #include "apps/player/Player.h"
 
+#include <QFile>
+
 #include "apps/player/Session.h"
 
 #include <algorithm>
@@ -341,7 +343,7 @@ void Player::TellTrack()
         track.info.tags.album = song.album.toStdString();
         if (track.info.durationSeconds <= 0 && song.duration > 0)
             track.info.durationSeconds = static_cast<double>(song.duration) / 1000.0;
-        track.path = song.url.toLocalFile();
+        track.path = QFile::decodeName(PathOf(song.url).c_str());
         track.playCount = m_library.PlayCount(song.url);
         track.rating = m_library.Rating(song.url);
         track.position = row + 1;

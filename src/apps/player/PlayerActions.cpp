@@ -66,7 +66,7 @@ void PlayerActions::AddVisuals()
     rotation->setCheckable(true);
     constexpr Qt::Key keys[] = { Qt::Key_0, Qt::Key_1, Qt::Key_2, Qt::Key_3, Qt::Key_4, Qt::Key_5 };
     for (int i = 1; i < 6; ++i)
-        rate[i] = Add(visuals, QString(i, QChar(0x2605)), { keys[i] });
+        rate[i] = Add(visuals, tr("Rate %1").arg(QString(i, QChar(0x2605))), { keys[i] });
     rate[0] = Add(visuals, tr("No Rating"), { keys[0] });
     rateNever = Add(visuals, tr("Never Show It"), { Qt::Key_X });
     for (QAction* action : rate)

@@ -3,9 +3,8 @@
 #include "apps/player/collection/Playlist.h"
 #include "apps/player/collection/SongLibrary.h"
 
-#include <QFileInfo>
-
 #include <algorithm>
+#include <unistd.h>
 
 namespace pxvis::player {
 
@@ -224,7 +223,8 @@ void SongSequence::OnFailed(const QUrl& song, const QString& reason)
 
     Song failed = m_playlist.At(row);
     m_failures.append(tr("%1 can't be played: %2").arg(TitleOf(failed), reason));
-    failed.isMissing = song.isLocalFile() && !QFileInfo::exists(song.toLocalFile());
+    const std::string path = PathOf(song);
+    failed.isMissing = !path.empty() && access(path.c_str(), F_OK) != 0;
     m_playlist.Update(failed);
     // Later, since opening a song may be what fails.
     QMetaObject::invokeMethod(this, &SongSequence::Skip, Qt::QueuedConnection);

@@ -26,6 +26,7 @@ StatusLine::StatusLine(Player& player, QWidget* parent)
     warning.setColor(QPalette::WindowText, QColor(0xFF, 0xB4, 0x54));
     m_notice->setPalette(warning);
     m_notice->setTextFormat(Qt::PlainText);
+    m_notice->setContentsMargins(8, 0, 8, 0);
     m_notice->hide();
     m_meter->hide();
     addPermanentWidget(m_notice);
