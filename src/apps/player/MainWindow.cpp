@@ -52,7 +52,7 @@ MainWindow::MainWindow(Player& player)
     , m_show(*m_area, player.Library(), player.Settings())
 {
     setWindowTitle(QStringLiteral("pxvis"));
-    resize(QSize(1120, 760).boundedTo(screen()->availableSize()));
+    resize(QSize(1120, 760).boundedTo(screen()->availableSize() * 0.9)); // and its frame
     MakeParts();
     m_second.setInterval(1000);
     connect(&m_second, &QTimer::timeout, this, &MainWindow::NoteSilence);

@@ -13,6 +13,8 @@
 #include <QSpinBox>
 #include <QVBoxLayout>
 
+#include <algorithm>
+
 namespace pxvis::player {
 
 namespace {
@@ -149,6 +151,9 @@ void SettingsDialog::showEvent(QShowEvent* event)
 {
     Read();
     QDialog::showEvent(event);
+    // A layout's hint doesn't know how high wrapped texts become, which the font's scale decides.
+    const QSize hint = sizeHint().expandedTo(minimumSize());
+    resize(hint.width(), std::max(hint.height(), layout()->totalHeightForWidth(hint.width())));
 }
 
 void SettingsDialog::Read()

@@ -264,6 +264,8 @@ void TransportBar::UpdateScript()
 {
     m_script->SetText(m_show.Name());
     m_folder->SetText(m_show.Folder());
+    constexpr int mostOfFolder = 120; // the rest of the row is shared by stretch, not by need
+    m_folder->setMinimumWidth(std::min(m_folder->sizeHint().width(), mostOfFolder));
     m_rating->setEnabled(m_show.CanRate());
     m_rating->SetRating(m_show.Rating());
 }
