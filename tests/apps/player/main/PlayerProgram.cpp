@@ -114,8 +114,15 @@ bool PlayerProgram::Start(const std::vector<std::string>& arguments)
     command.insert(command.end(), arguments.begin(), arguments.end());
     m_program = std::make_unique<ChildProcess>(command);
     return WaitUntil([&] {
-        return m_bus.Client().interface()->isServiceRegistered(service)
-            && Ask("PlaybackStatus").isValid() && ActiveWindow().id != 0;
+        if (!m_bus.Client().interface()->isServiceRegistered(service)
+            || !Ask("PlaybackStatus").isValid())
+            return false;
+        // A window that was there before the window manager isn't made active by it.
+        if (ActiveWindow().id == 0)
+            ChildProcess({ "xdotool", "search", "--onlyvisible", "--class", "pxvis-player",
+                             "windowactivate" })
+                .Wait(5);
+        return ActiveWindow().id != 0;
     });
 }
 
