@@ -161,7 +161,8 @@ TEST_CASE("A process that goes on with another program works its folders out ane
 
 TEST_CASE("After another program of the same process" * doctest::skip())
 {
-    CHECK(OQProcessFolders::Get().data == OQString::FromUtf8(PXVIS_BINARY_DIR "/home/data/pxvis/"));
+    CHECK(OQProcessFolders::Get().data
+        == OQString::FromUtf8((std::string(getenv("XDG_DATA_HOME")) + "/pxvis/").c_str()));
     const auto names = pxvis::os::SharedMemory::Names();
     CHECK(std::count_if(names.begin(), names.end(), [](const std::string& name) {
         return name.find("(" + std::to_string(getpid()) + ")") != name.npos;
