@@ -3,7 +3,7 @@
 # says what is needed and goes on.
 
 PXVIS_PACKAGES="g++ cmake ninja-build pkg-config ccache
-    gettext libspdlog-dev libkissfft-dev libcli11-dev libpango1.0-dev libgdk-pixbuf-2.0-dev webp-pixbuf-loader
+    gettext libhwy-dev libspdlog-dev libkissfft-dev libcli11-dev libpango1.0-dev libgdk-pixbuf-2.0-dev webp-pixbuf-loader
     qt6-base-dev libxcb1-dev libxcb-shm0-dev libxcb-shape0-dev libepoxy-dev libegl-dev libgl1-mesa-dri libegl-mesa0
     libcurl4-openssl-dev libarchive-dev zlib1g-dev libsqlite3-dev
     libgstreamer1.0-dev libgstreamer-plugins-base1.0-dev

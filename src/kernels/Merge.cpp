@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-namespace pxvis::kernels {
+namespace pxvis::kernels::scalar {
 
 void MergeReplace(uint32_t* target, const uint32_t* source, int32_t count, uint32_t transparent)
 {

@@ -16,4 +16,12 @@ void MergeBlend(uint32_t* target, const uint32_t* source, int32_t count, uint32_
 // Each byte := min(target + source, 255).
 void MergeAdd(uint32_t* target, const uint32_t* source, int32_t count, uint32_t transparent);
 
+namespace scalar {
+
+void MergeReplace(uint32_t* target, const uint32_t* source, int32_t count, uint32_t transparent);
+void MergeBlend(uint32_t* target, const uint32_t* source, int32_t count, uint32_t transparent);
+void MergeAdd(uint32_t* target, const uint32_t* source, int32_t count, uint32_t transparent);
+
+}
+
 }

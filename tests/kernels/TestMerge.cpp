@@ -1,15 +1,11 @@
 #include "kernels/Merge.h"
 
-#include <doctest/doctest.h>
-
-#include <cstddef>
-#include <vector>
+#include "KernelTesting.h"
 
 using namespace pxvis::kernels;
 
 namespace {
 
-constexpr uint32_t guard = 0xDEADBEEF;
 constexpr uint32_t key = 0x00FFFFFF;
 
 }
@@ -28,22 +24,43 @@ TEST_CASE("Blend halves each byte on its own, and add stops at 255 in each, alph
     CHECK(sum == 0xFFFFFF80);
 }
 
-TEST_CASE("A transparent pixel is told by all 32 bits, and nothing outside the run is touched")
+TEST_CASE("A transparent pixel is told by all 32 bits")
 {
-    using Merge = void (*)(uint32_t*, const uint32_t*, int32_t, uint32_t);
-    for (const Merge merge : { MergeReplace, MergeBlend, MergeAdd }) {
-        for (int32_t count = 0; count <= 67; ++count) {
-            std::vector<uint32_t> target(static_cast<size_t>(count) + 2, guard);
-            std::vector<uint32_t> source(static_cast<size_t>(count) + 2, 0xFFFFFFFF);
-            for (int32_t i = 1; i <= count; ++i) {
-                target[static_cast<size_t>(i)] = 0x10203040;
-                source[static_cast<size_t>(i)] = i % 2 ? key : key | 0xFF000000;
-            }
-            merge(target.data() + 1, source.data() + 1, count, key);
-            CHECK(target.front() == guard);
-            CHECK(target.back() == guard);
-            for (int32_t i = 1; i <= count; ++i)
-                CHECK((target[static_cast<size_t>(i)] == 0x10203040) == (i % 2 == 1));
-        }
+    for (const auto merge : { MergeReplace, MergeBlend, MergeAdd }) {
+        std::vector<uint32_t> target(67, 0x10203040);
+        std::vector<uint32_t> source(67, key);
+        for (size_t i = 0; i < source.size(); i += 2)
+            source[i] = key | 0xFF000000;
+        merge(target.data(), source.data(), 67, key);
+        for (size_t i = 0; i < target.size(); ++i)
+            CHECK((target[i] == 0x10203040) == (i % 2 == 1));
     }
+}
+
+TEST_CASE("Merges are the same at every instruction set, and touch nothing outside the run")
+{
+    struct Forms
+    {
+        decltype(&MergeAdd) chosen;
+        decltype(&MergeAdd) scalar;
+    };
+
+    ForEachInstructionSet([] {
+        std::mt19937 random(1);
+        for (const Forms& forms : { Forms { MergeReplace, scalar::MergeReplace },
+                 Forms { MergeBlend, scalar::MergeBlend }, Forms { MergeAdd, scalar::MergeAdd } }) {
+            for (int32_t count = 0; count <= 67; ++count) {
+                const size_t offset = random() % 17;
+                GuardedRow<uint32_t> source(static_cast<size_t>(count), random() % 17, random);
+                for (int32_t i = 0; i < count; ++i)
+                    source.Data()[i] = random() % 3 ? source.Data()[i] : key;
+                GuardedRow<uint32_t> target(static_cast<size_t>(count), offset, random);
+                GuardedRow<uint32_t> expected = target;
+                forms.chosen(target.Data(), source.Data(), count, key);
+                forms.scalar(expected.Data(), source.Data(), count, key);
+                INFO("count " << count << ", offset " << offset);
+                CHECK(target == expected);
+            }
+        }
+    });
 }

@@ -6,6 +6,7 @@
 #include "apps/pxvis/ListCommand.h"
 #include "apps/pxvis/PlayCommand.h"
 #include "apps/pxvis/RenderCommand.h"
+#include "kernels/KernelForm.h"
 
 #include <CLI/CLI.hpp>
 
@@ -167,10 +168,9 @@ void AddPart(CLI::App& command, double& from, double& to)
 
 void AddKernelAndThreads(CLI::App& command, std::string& kernel, int& threads)
 {
-    // FIXME: one set of kernels so far, the scalar ones, so that both mean the same.
     command.add_option("--kernel", kernel, "Pixel loops: auto, scalar")
         ->check(CLI::IsMember({ "auto", "scalar" }))
-        ->capture_default_str();
+        ->default_str("auto"); // PXVIS_KERNELS, where the option isn't given
     command.add_option("--threads", threads, "Threads; 0: as many as suit the machine")
         ->check(CLI::Range(0, 256))
         ->capture_default_str();
@@ -334,7 +334,7 @@ int Run(int argc, char** argv)
     CLI::App app("Music made visible: songs become moving pictures.", "pxvis");
     app.require_subcommand(1);
     app.set_version_flag("--version", "pxvis " PXVIS_VERSION);
-    std::string kernel = "auto";
+    std::string kernel;
     pxvis::RenderOptions render;
     pxvis::FramesOptions frames;
     pxvis::AnalyzeOptions analyze;
@@ -375,6 +375,9 @@ int Run(int argc, char** argv)
         return usageStatus;
     }
 
+    if (!kernel.empty())
+        pxvis::kernels::ChooseKernels(kernel == "scalar" ? pxvis::kernels::KernelForm::Scalar
+                                                         : pxvis::kernels::KernelForm::Auto);
     // A reader that goes away ends the commands that write for it, in silence; a render and the
     // player go on.
     std::signal(

@@ -1,0 +1,21 @@
+#pragma once
+
+namespace pxvis::kernels {
+
+// Every kernel that gains by it has two forms: the scalar one, in namespace `scalar`, which is its
+// definition and plain, and one over vectors (Highway), compiled for several instruction sets, of
+// which the best that the processor has runs. Both give the same bits. The function without a
+// namespace takes the form that is chosen for the process; the environment's PXVIS_KERNELS=scalar
+// chooses at the start, for tests and for doubt.
+enum class KernelForm
+{
+    Auto,
+    Scalar,
+};
+
+// May be called by any thread; a pass that is under way goes on as it will.
+void ChooseKernels(KernelForm form);
+
+KernelForm ChosenKernels();
+
+}
