@@ -1,9 +1,8 @@
 #pragma once
 
 #include "expression/CMathEvaluatorError.h"
-#include "expression/CMathEvaluatorOpCode.h"
+#include "expression/CMathProgram.h"
 #include "expression/CVariableTable.h"
-#include "foundation/OQArray.h"
 
 // An equation: a text such as "on=if(t<1,1,0);t=(t+1)%3" that is compiled once and run many times.
 // Between two runs only the variables carry state. Used by one thread at a time; equation objects
@@ -34,6 +33,8 @@ public:
     // Runs the program. An equation that isn't compiled changes nothing and gives 0.0, and so does
     // the result of an equation that ends in an assignment: read the variables.
     double Evaluate();
+
+    const CMathProgram& GetProgram() const { return m_program; }
 
     // The index of a variable; a missing one is added with the value 0.0 or, without create, gives
     // -1. An index and the reference to its value hold until ClearVariables or UseVariables.
@@ -66,6 +67,5 @@ private:
     bool m_compiled = false;
     bool m_hasResult = false;
     int64_t m_work = 0;
-    OQArray<CMathEvaluatorOpCode> m_opcodes;
-    double m_stack[kStackSlots];
+    CMathProgram m_program;
 };
