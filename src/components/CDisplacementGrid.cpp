@@ -1,11 +1,8 @@
 #include "components/CDisplacementGrid.h"
 
+#include "components/ColumnRows.h"
 #include "components/PolarTransform.h"
-#include "expression/CMathEvaluator.h"
-#include "foundation/OQTruncate.h"
 #include "kernels/DynamicTransformRow.h"
-
-using PolarTransform::Circle;
 
 namespace {
 
@@ -43,38 +40,36 @@ void CDisplacementGrid::Resize(int32_t width, int32_t height)
     m_width = PointsAlong(width);
     m_height = PointsAlong(height);
     const size_t count = static_cast<size_t>(PointCount(width, height));
-    m_places.assign(count, {});
+    m_distances.assign(count, 0);
+    m_rotations.assign(count, 0);
     m_points.assign(count * 2, 0);
 
-    const Circle circle(HalfWidth(), HalfHeight());
-    Place* place = m_places.data();
-    for (int32_t row = 0; row < m_height; ++row) {
-        const float y = static_cast<float>(cell * row - HalfHeight());
-        for (int32_t column = 0; column < m_width; ++column, ++place) {
-            const float x = static_cast<float>(cell * column - HalfWidth());
-            const PolarTransform::Polar polar = circle.PolarAt(x, y);
-            *place = { polar.distance, polar.angle / PolarTransform::twoPi };
-        }
-    }
+    const float radius = PolarTransform::Circle(HalfWidth(), HalfHeight(), 0, 0).radius;
+    for (int32_t row = 0; row < m_height; ++row)
+        pxvis::kernels::PolarPoints(m_distances.data() + ptrdiff_t { row } * m_width,
+            m_rotations.data() + ptrdiff_t { row } * m_width, static_cast<float>(-HalfWidth()),
+            cell, static_cast<float>(cell * row - HalfHeight()), m_width);
+    for (float& distance : m_distances)
+        distance /= radius;
+    for (float& rotation : m_rotations)
+        rotation /= pxvis::kernels::twoPi;
 }
 
-void CDisplacementGrid::Fill(CMathEvaluator& equation, double& d, double& r)
+void CDisplacementGrid::Fill(CMathColumns& equation, const double& d, const double& r)
 {
-    const Circle circle(HalfWidth(), HalfHeight());
-    const float halfWidth = static_cast<float>(HalfWidth());
-    const float halfHeight = static_cast<float>(HalfHeight());
-    const Place* place = m_places.data();
-    int32_t* point = m_points.data();
+    const pxvis::kernels::CircleDirections circle = PolarTransform::Circle(HalfWidth(),
+        HalfHeight(), static_cast<float>(HalfWidth()), static_cast<float>(HalfHeight()));
+    double* distances = equation.Column(&d);
+    double* rotations = equation.Column(&r);
+    ptrdiff_t point = 0;
     for (int32_t row = 0; row < m_height; ++row) {
-        const float y = static_cast<float>(cell * row);
-        for (int32_t column = 0; column < m_width; ++column, ++place, point += 2) {
-            const float x = static_cast<float>(cell * column);
-            d = double { place->d };
-            r = double { place->r };
-            equation.Evaluate();
-            const Circle::Offset offset = circle.OffsetOf(d, r);
-            point[0] = OQTruncateToInt32((offset.x + halfWidth - x) * 32.0f);
-            point[1] = OQTruncateToInt32((halfHeight - offset.y - y) * 32.0f);
-        }
+        ForColumnPieces(m_width, [&](int32_t column, int32_t count) {
+            std::copy_n(m_distances.data() + point, count, distances);
+            std::copy_n(m_rotations.data() + point, count, rotations);
+            equation.Run(count);
+            pxvis::kernels::CircleEntries(m_points.data() + 2 * point, distances, rotations, count,
+                circle, static_cast<float>(cell * column), cell, static_cast<float>(cell * row));
+            point += count;
+        });
     }
 }

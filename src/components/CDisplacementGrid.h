@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <vector>
 
-class CMathEvaluator;
+class CMathColumns;
 
 // How far the source of a picture's pixels lies from them, at points some pixels apart. The
 // equation's coordinates are those of the grid, whose middle may lie a few pixels off the
@@ -21,7 +21,7 @@ public:
 
     // Runs the equation, in d (distance, 1 at the corners) and r (rotation, 1 for a full turn), for
     // each point in rows from the top. One that isn't compiled leaves about no displacement.
-    void Fill(CMathEvaluator& equation, double& d, double& r);
+    void Fill(CMathColumns& equation, const double& d, const double& r);
 
     int32_t Width() const { return m_width; } // in points
 
@@ -31,18 +31,13 @@ public:
     const int32_t* Points() const { return m_points.data(); }
 
 private:
-    struct Place // as the equation finds a point
-    {
-        float d = 0;
-        float r = 0;
-    };
-
     int32_t HalfWidth() const; // in pixels
 
     int32_t HalfHeight() const;
 
     int32_t m_width = 0;
     int32_t m_height = 0;
-    std::vector<Place> m_places;
+    std::vector<float> m_distances; // of the points, as the equation finds them
+    std::vector<float> m_rotations;
     std::vector<int32_t> m_points;
 };

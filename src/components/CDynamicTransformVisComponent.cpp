@@ -35,6 +35,7 @@ int32_t CDynamicTransformVisComponent::Prepare(IVisBuffer&, IVisAudioData&)
     m_pixel.SetEquation(m_pixelEquation);
     m_distance = &m_variables.Variable(m_variables.GetVariable(u"d", true));
     m_rotation = &m_variables.Variable(m_variables.GetVariable(u"r", true));
+    m_columns.emplace(m_pixel, std::initializer_list<double*> { m_distance, m_rotation });
     PrepareColors();
     OQSeedRand(static_cast<uint32_t>(OQClockMilliseconds()));
     m_prepared = true;
@@ -58,7 +59,7 @@ int32_t CDynamicTransformVisComponent::Draw(IVisBuffer& buffer, IVisAudioData& a
     m_beat.Hear(audio);
     if (OQTakeWork(m_frame.GetWork()))
         m_frame.Evaluate();
-    m_grid.Fill(m_pixel, *m_distance, *m_rotation);
+    m_grid.Fill(*m_columns, *m_distance, *m_rotation);
 
     pxvis::kernels::DynamicTransformPass pass;
     if (!TakePictures(buffer, pass))

@@ -2,6 +2,9 @@
 
 #include "components/CDisplacementGrid.h"
 #include "components/CFeedbackVisComponent.h"
+#include "expression/CMathColumns.h"
+
+#include <optional>
 
 // Feedback through an equation that runs afresh in each frame, on a coarse grid of points; between
 // them positions are interpolated.
@@ -22,6 +25,7 @@ private:
     CVariableTable m_variables; // of both equations, so that points see what the frame sets
     CMathEvaluator m_frame;
     CMathEvaluator m_pixel;
+    std::optional<CMathColumns> m_columns; // of m_pixel
     double* m_distance = nullptr; // of the point's
     double* m_rotation = nullptr;
 };

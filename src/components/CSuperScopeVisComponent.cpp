@@ -68,6 +68,7 @@ int32_t CSuperScopeVisComponent::Prepare(IVisBuffer&, IVisAudioData&)
     if (!OQTakeWork(VisLimits::compileCharacterWork * characters))
         return -1;
 
+    m_points.reset();
     m_variables.ClearVariables();
     m_count = StartVariable(u"n");
     m_x = StartVariable(u"x");
@@ -85,8 +86,15 @@ int32_t CSuperScopeVisComponent::Prepare(IVisBuffer&, IVisAudioData&)
     if (!OQTakeWork(At(StageInit).GetWork()))
         return -1;
     At(StageInit).Evaluate();
+    m_points.emplace(At(StagePoint), std::initializer_list<double*> { m_position, m_level },
+        std::initializer_list<double*> { m_x, m_y });
     m_prepared = true;
     return 0;
+}
+
+int64_t CSuperScopeVisComponent::PointWork()
+{
+    return VisLimits::scopePointWork + At(StagePoint).GetWork();
 }
 
 void CSuperScopeVisComponent::Run(Stage stage)
@@ -124,24 +132,46 @@ int32_t CSuperScopeVisComponent::Draw(IVisBuffer& buffer, IVisAudioData& audio)
     return 0;
 }
 
+// The first of the points from `first` to `end`, as many as columns hold and the Draw may cost.
+int32_t CSuperScopeVisComponent::RunPoints(
+    const int8_t* wave, int32_t first, int32_t end, int32_t count)
+{
+    const int64_t affordable = OQCurrentEngineContext().workLeft / PointWork();
+    const auto points = static_cast<int32_t>(
+        std::clamp<int64_t>(affordable, 0, std::min(end - first, CMathColumns::kLanes)));
+    double* positions = m_points->Column(m_position);
+    double* levels = m_points->Column(m_level);
+    for (int32_t i = 0; i < points; ++i) {
+        positions[i] = static_cast<float>(first + i) / static_cast<float>(count);
+        levels[i] = wave[(first + i) * waveSamples / count] * 0.0078125;
+    }
+    m_points->Run(points);
+    return points;
+}
+
 void CSuperScopeVisComponent::DrawPoints(
     IOQImage& image, const int8_t* wave, int32_t count, uint32_t color)
 {
     const OQSize size = image.GetSize();
     const auto halfWidth = static_cast<float>((size.cx + 1) / 2);
     const auto halfHeight = static_cast<float>((size.cy + 1) / 2);
-    const int64_t pointWork = VisLimits::scopePointWork + At(StagePoint).GetWork();
     Point last;
     const int32_t drawn = std::min(count, VisLimits::scopePoints);
+    const double* xs = m_points->Column(m_x);
+    const double* ys = m_points->Column(m_y);
+    int32_t ready = 0; // points that were worked out
+    int32_t start = 0; // of the columns
     for (int32_t k = 0; k < drawn; ++k) {
-        if (!OQTakeWork(pointWork))
+        if (k == ready) {
+            start = k;
+            ready += RunPoints(wave, k, drawn, count);
+        }
+        if (!OQTakeWork(PointWork()))
             return;
-        *m_position = static_cast<float>(k) / static_cast<float>(count);
-        *m_level = wave[k * waveSamples / count] * 0.0078125;
-        At(StagePoint).Evaluate();
+        const int32_t lane = k - start;
         const Point point {
-            OQTruncateToInt32(static_cast<float>(*m_x) * halfWidth + halfWidth),
-            OQTruncateToInt32(static_cast<float>(*m_y) * halfHeight + halfHeight),
+            OQTruncateToInt32(static_cast<float>(xs[lane]) * halfWidth + halfWidth),
+            OQTruncateToInt32(static_cast<float>(ys[lane]) * halfHeight + halfHeight),
         };
         if (k > 0) {
             if (!OQTakeWork(VisLimits::lineWork

@@ -1,9 +1,10 @@
 #pragma once
 
 #include "components/CFreeVisComponent.h"
-#include "expression/CMathEvaluator.h"
+#include "expression/CMathColumns.h"
 
 #include <array>
+#include <optional>
 
 class IOQImage;
 
@@ -31,6 +32,8 @@ private:
 
     void Run(Stage stage);
     double* StartVariable(const OQChar* name);
+    int64_t PointWork();
+    int32_t RunPoints(const int8_t* wave, int32_t first, int32_t end, int32_t count);
     void DrawPoints(IOQImage& image, const int8_t* wave, int32_t count, uint32_t color);
 
     OQString m_scopeEquation;
@@ -38,6 +41,7 @@ private:
 
     CVariableTable m_variables; // outlives the stages, which work on it
     std::array<CMathEvaluator, equationStages> m_stages;
+    std::optional<CMathColumns> m_points; // of the stage for each point
     double* m_count = nullptr; // "n", "x" and so on
     double* m_x = nullptr;
     double* m_y = nullptr;

@@ -1,14 +1,14 @@
 #include "components/CSuperTransformMap.h"
 
+#include "components/ColumnRows.h"
+#include "components/PolarTransform.h"
 #include "engine2d/VisLimits.h"
-#include "expression/CMathEvaluator.h"
 #include "foundation/OQEngineContext.h"
-#include "foundation/OQTruncate.h"
 
 #include <algorithm>
 
-using PolarTransform::Circle;
-using PolarTransform::Polar;
+using pxvis::kernels::CircleDirections;
+using pxvis::kernels::twoPi;
 
 namespace {
 
@@ -27,7 +27,8 @@ int64_t PolarRows(int32_t height)
 
 void CSuperTransformMap::Clear()
 {
-    m_polars = {};
+    m_distances = {};
+    m_angles = {};
     m_entries16 = {};
     m_entries32 = {};
 }
@@ -42,53 +43,70 @@ int64_t CSuperTransformMap::KeptPixels(int32_t width, int32_t height)
 
 bool CSuperTransformMap::Build(int32_t width, int32_t height, CMathEvaluator& equation)
 {
-    const int64_t polars = m_polars.empty() ? PolarRows(height) * width : 0;
+    const int64_t polars = m_angles.empty() ? PolarRows(height) * width : 0;
     if (!OQTakeWork(VisLimits::mapEntryWork * polars
             + (VisLimits::polarMapEntryWork + equation.GetWork()) * width * height))
         return false;
-    if (m_polars.empty())
+    if (m_angles.empty())
         FillPolars(width, height);
-    if (PolarTransform::TakesSmallEntries(width, height))
-        Fill(m_entries16, width, height, equation);
-    else
-        Fill(m_entries32, width, height, equation);
-    return true;
+    const bool whole = PolarTransform::TakesSmallEntries(width, height)
+        ? Fill(m_entries16, width, height, equation)
+        : Fill(m_entries32, width, height, equation);
+    if (!whole)
+        Clear();
+    return whole;
 }
 
 void CSuperTransformMap::FillPolars(int32_t width, int32_t height)
 {
-    const Circle circle(Half(width), Half(height));
-    m_polars.resize(static_cast<size_t>(PolarRows(height)) * static_cast<size_t>(width));
-    Polar* polar = m_polars.data();
-    for (int32_t row = 0; row < PolarRows(height); ++row) {
-        const float y = static_cast<float>(row - Half(height));
-        for (int32_t column = 0; column < width; ++column, ++polar)
-            *polar = circle.PolarAt(static_cast<float>(column - Half(width)), y);
-    }
+    const float radius = PolarTransform::Circle(Half(width), Half(height), 0, 0).radius;
+    const auto rows = static_cast<int32_t>(PolarRows(height));
+    m_distances.resize(static_cast<size_t>(rows) * static_cast<size_t>(width));
+    m_angles.resize(m_distances.size());
+    OQParallelRows(0, rows, width, [&](int32_t first, int32_t end) {
+        for (int32_t row = first; row < end; ++row) {
+            float* distances = m_distances.data() + int64_t { row } * width;
+            pxvis::kernels::PolarPoints(distances, m_angles.data() + int64_t { row } * width,
+                static_cast<float>(-Half(width)), 1, static_cast<float>(row - Half(height)), width);
+            for (int32_t column = 0; column < width; ++column)
+                distances[column] /= radius;
+        }
+    });
 }
 
 template <typename Entry>
-void CSuperTransformMap::Fill(
+bool CSuperTransformMap::Fill(
     std::vector<Entry>& entries, int32_t width, int32_t height, CMathEvaluator& equation) const
 {
     entries.resize(static_cast<size_t>(width) * static_cast<size_t>(height) * 2);
-    const Circle circle(Half(width), Half(height));
-    double& d = equation.Variable(equation.GetVariable(u"d", true));
-    double& r = equation.Variable(equation.GetVariable(u"r", true));
-    Entry* entry = entries.data();
-    for (int32_t row = 0; row < height; ++row) {
+    const CircleDirections circle = PolarTransform::Circle(Half(width), Half(height), 0, 0);
+    double* d = &equation.Variable(equation.GetVariable(u"d", true));
+    double* r = &equation.Variable(equation.GetVariable(u"r", true));
+    CMathColumns together(equation, { d, r });
+
+    const auto fillRow = [&](CMathColumns& columns, int32_t row) {
         const bool below = row > Half(height);
-        const int64_t polarRow = below ? 2 * Half(height) - row : row;
-        const Polar* polar = m_polars.data() + polarRow * width;
-        for (int32_t column = 0; column < width; ++column, ++polar, entry += 2) {
-            const float angle = below ? PolarTransform::twoPi - polar->angle : polar->angle;
-            d = double { polar->distance };
-            r = double { angle / PolarTransform::twoPi };
-            equation.Evaluate();
-            const Circle::Offset offset = circle.OffsetOf(d, r);
+        const int64_t polars = int64_t { below ? 2 * Half(height) - row : row } * width;
+        Entry* entry = entries.data() + int64_t { row } * width * 2;
+        ForColumnPieces(width, [&](int32_t column, int32_t count) {
+            const float* distances = m_distances.data() + polars + column;
+            const float* angles = m_angles.data() + polars + column;
+            for (int32_t i = 0; i < count; ++i) {
+                columns.Column(d)[i] = double { distances[i] };
+                columns.Column(r)[i] = double { (below ? twoPi - angles[i] : angles[i]) / twoPi };
+            }
+            columns.Run(count);
+            int32_t places[2 * CMathColumns::kLanes];
+            pxvis::kernels::CircleEntries(
+                places, columns.Column(d), columns.Column(r), count, circle, 0, 0, 0);
             // Far outside it wraps, as the narrower entries do anywhere.
-            entry[0] = static_cast<Entry>(OQTruncateToInt32(offset.x * 32.0f));
-            entry[1] = static_cast<Entry>(OQTruncateToInt32(-offset.y * 32.0f));
-        }
-    }
+            for (int32_t i = 0; i < 2 * count; ++i)
+                *entry++ = static_cast<Entry>(places[i]);
+        });
+    };
+    return FillColumnRows(
+        together, width, height, [&](CMathColumns& columns, int32_t first, int32_t end) {
+            for (int32_t row = first; row < end; ++row)
+                fillRow(columns, row);
+        });
 }

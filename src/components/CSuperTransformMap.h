@@ -1,7 +1,5 @@
 #pragma once
 
-#include "components/PolarTransform.h"
-
 #include <cstdint>
 #include <vector>
 
@@ -21,7 +19,8 @@ public:
     static int64_t KeptPixels(int32_t width, int32_t height);
 
     // An equation that isn't compiled leaves d and r as they are: the identity. False, with the map
-    // as it was, if the Draw may not cost it. After a build for another size Clear comes first.
+    // as it was, if the Draw may not cost it; without one if memory ran out. After a build for
+    // another size Clear comes first.
     bool Build(int32_t width, int32_t height, CMathEvaluator& equation);
 
     // One of the two is null: see PolarTransform::TakesSmallEntries.
@@ -33,12 +32,13 @@ private:
     void FillPolars(int32_t width, int32_t height);
 
     template <typename Entry>
-    void Fill(
+    bool Fill(
         std::vector<Entry>& entries, int32_t width, int32_t height, CMathEvaluator& equation) const;
 
     // Of the pixels down to the centre's row; the rows below mirror them. Kept, since the list's
     // next equation needs the same ones.
-    std::vector<PolarTransform::Polar> m_polars;
+    std::vector<float> m_distances; // 1 at the corners
+    std::vector<float> m_angles; // 0 to 2 pi
     std::vector<int16_t> m_entries16;
     std::vector<int32_t> m_entries32;
 };

@@ -1,21 +1,19 @@
 #include "components/CTransformMap.h"
 
+#include "components/ColumnRows.h"
 #include "components/PolarTransform.h"
 #include "engine2d/VisLimits.h"
-#include "expression/CMathEvaluator.h"
 #include "foundation/OQEngineContext.h"
 #include "foundation/OQTruncate.h"
-#include "kernels/Maths.h"
+#include "kernels/MapPoints.h"
 
 #include <algorithm>
 #include <cmath>
 
 namespace {
 
-namespace maths = pxvis::maths;
-
 using PolarTransform::TakesSmallEntries;
-using PolarTransform::twoPi;
+using pxvis::kernels::TransformCenter;
 
 constexpr uint16_t clipped16 = 32767; // not a mark: scroll and zoom move it like any position
 constexpr uint32_t clipped32 = 0x7FFFFFFF;
@@ -37,9 +35,16 @@ float Radius(int32_t mode, int32_t halfWidth, int32_t halfHeight)
     }
 }
 
-uint64_t Square(int64_t value)
+void StoreEntries(uint16_t* entries, const double* d, const double* r, int32_t count,
+    const TransformCenter& center, bool clips, uint16_t clipped)
 {
-    return static_cast<uint64_t>(value) * static_cast<uint64_t>(value);
+    pxvis::kernels::TransformEntries16(entries, d, r, count, center, clips, clipped);
+}
+
+void StoreEntries(uint32_t* entries, const double* d, const double* r, int32_t count,
+    const TransformCenter& center, bool clips, uint32_t clipped)
+{
+    pxvis::kernels::TransformEntries32(entries, d, r, count, center, clips, clipped);
 }
 
 }
@@ -75,63 +80,43 @@ bool CTransformMap::Build(int32_t width, int32_t height, const Settings& setting
         return false;
     m_width = width;
     m_height = height;
-    if (TakesSmallEntries(width, height))
-        Fill(m_entries16, clipped16, equation, settings);
-    else
-        Fill(m_entries32, clipped32, equation, settings);
-    return true;
+    if (TakesSmallEntries(width, height) ? Fill(m_entries16, clipped16, equation, settings)
+                                         : Fill(m_entries32, clipped32, equation, settings))
+        return true;
+    Clear();
+    return false;
 }
 
 template <typename Entry>
-void CTransformMap::Fill(
+bool CTransformMap::Fill(
     std::vector<Entry>& entries, Entry clipped, CMathEvaluator& equation, const Settings& settings)
 {
     entries.resize(static_cast<size_t>(m_width) * static_cast<size_t>(m_height) * 2);
     const int32_t halfWidth = m_width / 2;
     const int32_t halfHeight = m_height / 2;
-    const float radius = Radius(settings.radiusMode, halfWidth, halfHeight);
-    const int32_t centerX = OQTruncateToInt32(
+    TransformCenter center;
+    center.radius = Radius(settings.radiusMode, halfWidth, halfHeight);
+    center.x = OQTruncateToInt32(
         static_cast<float>(halfWidth) + static_cast<float>(m_width) * settings.center.x * 0.5f);
-    const int32_t centerY = OQTruncateToInt32(
+    center.y = OQTruncateToInt32(
         static_cast<float>(halfHeight) + static_cast<float>(m_height) * settings.center.y * 0.5f);
-    const float originX = static_cast<float>(centerX);
-    const float originY = static_cast<float>(centerY);
 
-    double& d = equation.Variable(equation.GetVariable(u"d", true));
-    double& r = equation.Variable(equation.GetVariable(u"r", true));
-    double& x = equation.Variable(equation.GetVariable(u"x", true));
-    double& y = equation.Variable(equation.GetVariable(u"y", true));
-
-    Entry* entry = entries.data();
-    for (int32_t row = 0; row < m_height; ++row) {
-        for (int32_t column = 0; column < m_width; ++column, entry += 2) {
-            const int64_t dx = int64_t { column } - centerX;
-            const int64_t dy = int64_t { centerY } - row;
-            const float distance = std::sqrt(static_cast<float>(Square(dx) + Square(dy)));
-            // Clockwise on the screen: dy is positive above the centre.
-            const float angle
-                = PolarTransform::Angle(static_cast<float>(dx), static_cast<float>(dy), distance);
-            d = double { distance / radius };
-            r = double { angle / twoPi };
-            x = double { static_cast<float>(dx) / radius };
-            y = double { static_cast<float>(dy) / radius };
-            equation.Evaluate();
-
-            const float newDistance = static_cast<float>(d) * radius;
-            const float newAngle = static_cast<float>(r) * twoPi;
-            if (settings.clipAtRadius && newDistance > radius) {
-                entry[0] = clipped;
-                entry[1] = clipped;
-                continue;
-            }
-            const double w = double { twoPi - newAngle };
-            const float cosine = static_cast<float>(maths::Cos(w));
-            const float sine = static_cast<float>(maths::Sin(w));
-            // A position below 0 wraps to one far outside.
-            entry[0]
-                = static_cast<Entry>(OQTruncateToInt32((cosine * newDistance + originX) * 32.0f));
-            entry[1]
-                = static_cast<Entry>(OQTruncateToInt32((originY - sine * newDistance) * 32.0f));
+    double* d = &equation.Variable(equation.GetVariable(u"d", true));
+    double* r = &equation.Variable(equation.GetVariable(u"r", true));
+    double* x = &equation.Variable(equation.GetVariable(u"x", true));
+    double* y = &equation.Variable(equation.GetVariable(u"y", true));
+    CMathColumns together(equation, { d, r, x, y });
+    const auto fillRows = [&](CMathColumns& columns, int32_t first, int32_t end) {
+        for (int32_t row = first; row < end; ++row) {
+            Entry* entry = entries.data() + int64_t { row } * m_width * 2;
+            ForColumnPieces(m_width, [&](int32_t column, int32_t count) {
+                pxvis::kernels::TransformPoints(columns.Column(d), columns.Column(r),
+                    columns.Column(x), columns.Column(y), center, column, row, count);
+                columns.Run(count);
+                StoreEntries(entry + int64_t { column } * 2, columns.Column(d), columns.Column(r),
+                    count, center, settings.clipAtRadius, clipped);
+            });
         }
-    }
+    };
+    return FillColumnRows(together, m_width, m_height, fillRows);
 }

@@ -29,7 +29,7 @@ public:
     static int64_t KeptPixels(int32_t width, int32_t height);
 
     // A bad equation leaves d and r as they are: the identity. False, with no map, if the Draw may
-    // not cost it.
+    // not cost it or memory ran out.
     bool Build(int32_t width, int32_t height, const Settings& settings);
 
     // One of the two is null: see PolarTransform::TakesSmallEntries.
@@ -39,7 +39,7 @@ public:
 
 private:
     template <typename Entry>
-    void Fill(std::vector<Entry>& entries, Entry clipped, CMathEvaluator& equation,
+    bool Fill(std::vector<Entry>& entries, Entry clipped, CMathEvaluator& equation,
         const Settings& settings);
 
     int32_t m_width = 0;

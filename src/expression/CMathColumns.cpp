@@ -209,9 +209,23 @@ int32_t CMathColumns::Find(const double* value) const
     return found == m_values.end() ? -1 : static_cast<int32_t>(found - m_values.begin());
 }
 
+bool CMathColumns::IsPure() const
+{
+    return m_runsInColumns && m_draws.empty() && pxvis::kernels::ColumnFunctions();
+}
+
+CMathColumns CMathColumns::Detached() const
+{
+    CMathColumns copy = *this;
+    copy.m_functions = pxvis::kernels::ColumnFunctions();
+    return copy;
+}
+
 void CMathColumns::Run(int32_t count)
 {
-    const ColumnFunction* functions = m_runsInColumns ? pxvis::kernels::ColumnFunctions() : nullptr;
+    const ColumnFunction* functions = m_functions;
+    if (!functions && m_runsInColumns)
+        functions = pxvis::kernels::ColumnFunctions();
     if (count <= 0 || !m_equation->IsCompiled())
         RunNothing(count);
     else if (functions)
@@ -270,7 +284,7 @@ void CMathColumns::RunColumns(int32_t count, const ColumnFunction* functions)
                 lanes(step.result), lanes(step.a), lanes(step.b), lanes(step.c), count);
     }
 
-    for (size_t i = 0; i < m_variables.size(); ++i) {
+    for (size_t i = 0; i < m_variables.size() && !m_functions; ++i) {
         if (m_variables[i].given || m_variables[i].written)
             *m_variables[i].variable = m_columns[i].lanes[count - 1];
     }

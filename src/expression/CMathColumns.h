@@ -14,8 +14,7 @@
 // included. A program that carries a value from one point to the next, as a counter does, or draws
 // random numbers below a limit that isn't fixed, runs point by point all the same.
 //
-// The equation outlives it and isn't compiled anew meanwhile. Used by one thread at a time; where
-// IsPure, copies may run at the same time on other threads.
+// The equation outlives it and isn't compiled anew meanwhile. Used by one thread at a time.
 class CMathColumns
 {
 public:
@@ -40,9 +39,12 @@ public:
     // Whether the program runs in columns; else Run does the same point by point.
     bool RunsInColumns() const { return m_runsInColumns; }
 
-    // Whether a point's results depend on nothing but its inputs, and nothing of a run is kept but
-    // the last point's values.
-    bool IsPure() const { return m_runsInColumns && m_draws.empty(); }
+    // Whether it runs in columns now and a point's results depend on nothing but its inputs: then
+    // the points of a picture may be shared out among threads, each with a detached copy.
+    bool IsPure() const;
+
+    // A copy whose runs leave the variables as they are. Only of what IsPure.
+    CMathColumns Detached() const;
 
 private:
     struct alignas(64) Block
@@ -92,6 +94,7 @@ private:
 
     CMathEvaluator* m_equation;
     bool m_runsInColumns = false;
+    const pxvis::kernels::ColumnFunction* m_functions = nullptr; // of a detached copy
     std::vector<Variable> m_variables; // in the first columns
     std::vector<const double*> m_values; // what each column stands for
     std::vector<Block> m_columns;

@@ -32,8 +32,10 @@ TEST_CASE("Dynamic Transform: rows come in their order with the defaults")
 TEST_CASE("A grid has a point each 8 pixels and one more, and its middle may lie off the picture's")
 {
     const auto fill = [](CDisplacementGrid& grid, CMathEvaluator& equation) {
-        grid.Fill(equation, equation.Variable(equation.GetVariable(u"d", true)),
-            equation.Variable(equation.GetVariable(u"r", true)));
+        double& d = equation.Variable(equation.GetVariable(u"d", true));
+        double& r = equation.Variable(equation.GetVariable(u"r", true));
+        CMathColumns columns(equation, { &d, &r });
+        grid.Fill(columns, d, r);
     };
     CMathEvaluator nothing;
     CDisplacementGrid grid;

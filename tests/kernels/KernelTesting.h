@@ -7,7 +7,9 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <random>
+#include <string>
 #include <vector>
 
 // Runs check() once for each instruction set that the machine has, beside which the kernels take
@@ -18,7 +20,7 @@ void ForEachInstructionSet(const Check& check)
     int sets = 0;
     for (int64_t left = hwy::SupportedTargets(); left != 0; left &= left - 1) {
         const int64_t target = left & -left;
-        INFO("instruction set " << hwy::TargetName(target));
+        INFO("instruction set " << std::string(hwy::TargetName(target)));
         hwy::SetSupportedTargetsForTest(target);
         check();
         ++sets;
@@ -43,7 +45,13 @@ public:
 
     Item* Data() { return m_items.data() + m_start; }
 
-    bool operator==(const GuardedRow& other) const { return m_items == other.m_items; }
+    // By bits, so that NaN counts.
+    bool operator==(const GuardedRow& other) const
+    {
+        return m_items.size() == other.m_items.size()
+            && std::memcmp(m_items.data(), other.m_items.data(), m_items.size() * sizeof(Item))
+            == 0;
+    }
 
 private:
     static constexpr size_t guardItems = 32;
