@@ -91,14 +91,16 @@ bool CSuperTransformMap::Fill(
         ForColumnPieces(width, [&](int32_t column, int32_t count) {
             const float* distances = m_distances.data() + polars + column;
             const float* angles = m_angles.data() + polars + column;
+            double* distanceColumn = columns.Column(d);
+            double* rotationColumn = columns.Column(r);
             for (int32_t i = 0; i < count; ++i) {
-                columns.Column(d)[i] = double { distances[i] };
-                columns.Column(r)[i] = double { (below ? twoPi - angles[i] : angles[i]) / twoPi };
+                distanceColumn[i] = double { distances[i] };
+                rotationColumn[i] = double { (below ? twoPi - angles[i] : angles[i]) / twoPi };
             }
             columns.Run(count);
             int32_t places[2 * CMathColumns::kLanes];
             pxvis::kernels::CircleEntries(
-                places, columns.Column(d), columns.Column(r), count, circle, 0, 0, 0);
+                places, distanceColumn, rotationColumn, count, circle, 0, 0, 0);
             // Far outside it wraps, as the narrower entries do anywhere.
             for (int32_t i = 0; i < 2 * count; ++i)
                 *entry++ = static_cast<Entry>(places[i]);

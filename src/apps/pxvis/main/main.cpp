@@ -6,6 +6,7 @@
 #include "apps/pxvis/ListCommand.h"
 #include "apps/pxvis/PlayCommand.h"
 #include "apps/pxvis/RenderCommand.h"
+#include "apps/pxvis/bench/BenchCommand.h"
 #include "kernels/KernelForm.h"
 
 #include <CLI/CLI.hpp>
@@ -329,6 +330,14 @@ void AddPlay(CLI::App& app, pxvis::PlayOptions& options)
         ->check(NotEmpty("the script's name"));
 }
 
+void AddBench(CLI::App& app, pxvis::BenchOptions& options)
+{
+    CLI::App& command
+        = *app.add_subcommand("bench", "Measure kernels, equations, maps, frames and renders");
+    command.add_option("FILTER", options.filter, "Part of the names of what is measured");
+    command.add_flag("--json", options.json, "An object a line");
+}
+
 int Run(int argc, char** argv)
 {
     CLI::App app("Music made visible: songs become moving pictures.", "pxvis");
@@ -347,6 +356,8 @@ int Run(int argc, char** argv)
     AddList(app, list);
     pxvis::PlayOptions play;
     AddPlay(app, play);
+    pxvis::BenchOptions bench;
+    AddBench(app, bench);
     std::string equation;
     bool batch = false;
     CLI::App& eval = *app.add_subcommand(
@@ -389,6 +400,8 @@ int Run(int argc, char** argv)
         return pxvis::RunPlay(play, std::cerr);
     if (app.got_subcommand("check"))
         return pxvis::RunCheck(check, std::cout, std::cerr);
+    if (app.got_subcommand("bench"))
+        return pxvis::RunBench(bench, std::cout, std::cerr);
     if (app.got_subcommand("list"))
         return pxvis::RunList(list, std::cout, std::cerr);
     if (eval.parsed())

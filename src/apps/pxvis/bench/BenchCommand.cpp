@@ -1,0 +1,21 @@
+#include "apps/pxvis/bench/BenchCommand.h"
+
+#include "apps/pxvis/ErrorLine.h"
+#include "apps/pxvis/bench/BenchAreas.h"
+
+namespace pxvis {
+
+int RunBench(const BenchOptions& options, std::ostream& output, std::ostream& errors)
+{
+    bench::BenchTable table(output, options.filter, options.json);
+    bench::BenchMaths(table);
+    bench::BenchEquations(table);
+    bench::BenchMaps(table);
+    if (table.Count() > 0)
+        return 0;
+    PrintError(
+        errors, "bench: nothing that is measured has \"" + options.filter + "\" in its name");
+    return 1;
+}
+
+}

@@ -1,0 +1,58 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <initializer_list>
+#include <iosfwd>
+#include <optional>
+#include <string>
+
+namespace pxvis::bench {
+
+// A line of the benchmark: nanoseconds for one unit, the smallest of many runs.
+struct Figure
+{
+    std::string name; // area/case/size
+    const char* unit; // "pixel", "eval" or "frame"
+    int32_t threads = 1;
+    double ns = 0;
+    std::optional<double> scalarNs; // of the plain form
+    std::optional<double> floorNs; // of a loop that only moves the same bytes, or of native code
+};
+
+// Takes the figures that are wanted and prints each as soon as it is known.
+class BenchTable
+{
+public:
+    // `filter`: part of the names that are wanted.
+    BenchTable(std::ostream& output, const std::string& filter, bool json);
+
+    bool Wants(const std::string& name) const;
+
+    void Add(const Figure& figure);
+
+    int32_t Count() const { return m_count; }
+
+private:
+    std::ostream& m_output;
+    std::string m_filter;
+    bool m_json;
+    int32_t m_count = 0;
+};
+
+// Work of which a run handles so many units; what one costs is found by TimeTogether.
+struct Timed
+{
+    std::function<void()> run;
+    double units = 1;
+    double ns = 0; // of a unit
+};
+
+// Runs them in turns, so that a busy machine meets all alike, for so long in all and three times at
+// least.
+void TimeTogether(std::initializer_list<Timed*> works, double seconds = 0.4);
+
+// Runs what is given with the kernels' scalar forms.
+void WithScalarKernels(const std::function<void()>& run);
+
+}
