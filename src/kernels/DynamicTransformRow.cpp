@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-namespace pxvis::kernels {
+namespace pxvis::kernels::scalar {
 
 namespace {
 

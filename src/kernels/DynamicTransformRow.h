@@ -20,4 +20,10 @@ struct DynamicTransformPass : FeedbackPass
 // row of points that one goes on. Sums and products wrap in 32 bits.
 void DynamicTransformRow(const DynamicTransformPass& pass, int32_t y);
 
+namespace scalar {
+
+void DynamicTransformRow(const DynamicTransformPass& pass, int32_t y);
+
+}
+
 }

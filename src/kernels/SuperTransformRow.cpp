@@ -2,7 +2,7 @@
 
 #include "kernels/Wrapped.h"
 
-namespace pxvis::kernels {
+namespace pxvis::kernels::scalar {
 
 namespace {
 

@@ -25,4 +25,10 @@ struct SuperTransformPass : FeedbackPass
 // 32 bits.
 void SuperTransformRow(const SuperTransformPass& pass, int32_t y);
 
+namespace scalar {
+
+void SuperTransformRow(const SuperTransformPass& pass, int32_t y);
+
+}
+
 }

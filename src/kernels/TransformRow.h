@@ -39,4 +39,10 @@ struct TransformRowStart
 // with its four neighbours and multiplied by channel.
 void TransformRow(const TransformPass& pass, int32_t y, const TransformRowStart& start);
 
+namespace scalar {
+
+void TransformRow(const TransformPass& pass, int32_t y, const TransformRowStart& start);
+
+}
+
 }

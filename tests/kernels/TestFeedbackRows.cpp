@@ -1,9 +1,13 @@
 #include "kernels/DynamicTransformRow.h"
 #include "kernels/SuperTransformRow.h"
 
+#include "kernels/KernelTesting.h"
+
 #include <doctest/doctest.h>
 
 #include <algorithm>
+#include <initializer_list>
+#include <random>
 #include <utility>
 #include <vector>
 
@@ -294,4 +298,133 @@ TEST_CASE("The frame becomes a copy of what lies inside it, unless a side has 3 
     RepairFrame(narrow.data(), 3, 9);
     RepairFrame(narrow.data(), 9, 3);
     CHECK(narrow == before);
+}
+
+namespace {
+
+int32_t OneOf(std::initializer_list<int32_t> numbers, std::mt19937& random)
+{
+    return numbers.begin()[random() % numbers.size()];
+}
+
+// A picture of noise at any offset from an aligned address, under any colours.
+template <typename Pass>
+struct RandomPicture
+{
+    RandomPicture(int32_t width, int32_t height, std::mt19937& random)
+        : source(static_cast<size_t>(width * height), random() % 17, random)
+        , target(static_cast<size_t>(width * height), random() % 17, random)
+    {
+        pass.source = source.Data();
+        pass.width = width;
+        pass.height = height;
+        pass.clips = random() % 2;
+        pass.ditherThreshold = static_cast<int32_t>(random() % 32);
+        for (int channel = 0; channel < 3; ++channel) {
+            pass.multiplier[channel] = static_cast<uint16_t>(random() % 2 ? random() : 204);
+            pass.summand[channel] = static_cast<int16_t>(
+                OneOf({ 0, 0, 5, -5, 255, 256, -255, -256, 3000, -32768, 32767 }, random));
+        }
+    }
+
+    // The vectors' picture, guards included, is the scalar one.
+    template <typename Draw>
+    void Compare(const Draw& draw, const Draw& drawScalar)
+    {
+        CAPTURE(pass.width);
+        CAPTURE(pass.height);
+        CAPTURE(pass.clips);
+        CAPTURE(pass.ditherThreshold);
+        GuardedRow<uint32_t> expected = target;
+        for (int32_t y = 1; y < pass.height - 1; ++y) {
+            pass.target = target.Data();
+            draw(pass, y);
+            pass.target = expected.Data();
+            drawScalar(pass, y);
+        }
+        CHECK(target == expected);
+    }
+
+    GuardedRow<uint32_t> source;
+    GuardedRow<uint32_t> target;
+    Pass pass;
+};
+
+// A displacement in 1/32 pixel: mostly near, now and then any number.
+template <typename Entry>
+Entry Displacement(std::mt19937& random)
+{
+    const auto near = static_cast<int32_t>(random() % 2000) - 1000;
+    return static_cast<Entry>(random() % 8 ? near : static_cast<int32_t>(random()));
+}
+
+template <typename Entry>
+void CompareSuper(int32_t width, int32_t height, std::mt19937& random)
+{
+    RandomPicture<SuperTransformPass> picture(width, height, random);
+    SuperTransformPass& pass = picture.pass;
+    GuardedRow<Entry> map(static_cast<size_t>(width * height) * 2, random() % 17, random);
+    for (int32_t i = 0; i < width * height * 2; ++i) {
+        const int32_t pixel = i / 2;
+        const int32_t own
+            = i % 2 ? pixel / width - (height + 1) / 2 : pixel % width - (width + 1) / 2;
+        map.Data()[i] = static_cast<Entry>(own * int64_t { 32 } + Displacement<Entry>(random));
+    }
+    if constexpr (sizeof(Entry) == 2)
+        pass.map16 = map.Data();
+    else
+        pass.map32 = map.Data();
+    if (random() % 2) {
+        pass.sine = OneOf({ 51, -1024, 700, 32767, -32768, 1 << 20 }, random);
+        pass.cosine = OneOf({ 1022, 1024, 0, -700, -32768, INT32_MIN }, random);
+    }
+    if (random() % 2) {
+        pass.factorX = OneOf({ 1000, 1024, 0, -1024, 5000, INT32_MAX }, random);
+        pass.factorY = OneOf({ 1000, 1024, 0, -1024, 5000, INT32_MIN }, random);
+    }
+    if (random() % 2) {
+        pass.scrollX = OneOf({ 320, -64, 1 << 20, 1 << 30, INT32_MAX, INT32_MIN }, random);
+        pass.scrollY = OneOf({ 320, -64, -(1 << 21), -(1 << 30), INT32_MAX, INT32_MIN }, random);
+    }
+    CAPTURE(pass.sine);
+    CAPTURE(pass.cosine);
+    CAPTURE(pass.factorX);
+    CAPTURE(pass.factorY);
+    CAPTURE(pass.scrollX);
+    CAPTURE(pass.scrollY);
+    picture.Compare(SuperTransformRow, scalar::SuperTransformRow);
+}
+
+void CompareDynamic(int32_t width, int32_t height, std::mt19937& random)
+{
+    RandomPicture<DynamicTransformPass> picture(width, height, random);
+    DynamicTransformPass& pass = picture.pass;
+    pass.gridWidth = width / 8 + 1;
+    pass.gridHeight = height / 8 + 1;
+    std::vector<int32_t> points(static_cast<size_t>(pass.gridWidth * pass.gridHeight) * 2);
+    for (int32_t& point : points)
+        point = Displacement<int32_t>(random);
+    pass.points = points.data();
+    picture.Compare(DynamicTransformRow, scalar::DynamicTransformRow);
+}
+
+}
+
+TEST_CASE("The passes are the same at every instruction set, and leave the frame")
+{
+    const auto compare = [](int32_t width, int32_t height, int passes) {
+        std::mt19937 random(static_cast<uint32_t>(width));
+        for (int i = 0; i < passes; ++i) {
+            CompareSuper<int16_t>(width, height, random);
+            CompareSuper<int32_t>(width, height, random);
+            CompareDynamic(width, height, random);
+        }
+    };
+    ForEachInstructionSet([&compare] {
+        for (int32_t width = 3; width <= 67; ++width)
+            compare(width, 3 + width % 24, 5); // some below the vectors' fewest pixels
+        for (const int32_t width : { 129, 143, 145, 151, 300, 2047, 8192, 8193 })
+            compare(width, 9, 3);
+        compare(20, 8193, 1);
+    });
 }

@@ -1,8 +1,13 @@
 #include "kernels/TransformRow.h"
 
+#include "kernels/KernelTesting.h"
+
 #include <doctest/doctest.h>
 
+#include <algorithm>
 #include <cstddef>
+#include <initializer_list>
+#include <random>
 #include <vector>
 
 using namespace pxvis::kernels;
@@ -166,4 +171,158 @@ TEST_CASE("32-bit entries read as 16-bit ones do, and any scroll stays in bounds
         picture.pass.scrollY = INT32_MIN; // undoes the row offset
         CHECK(draw(false) == draw(true));
     }
+}
+
+namespace {
+
+int32_t OneOf(std::initializer_list<int32_t> numbers, std::mt19937& random)
+{
+    return numbers.begin()[random() % numbers.size()];
+}
+
+// A picture of noise under a map that leads near each pixel, anywhere, or to the ends of what an
+// entry holds; everything at any offset from an aligned address.
+template <typename Entry>
+struct RandomPicture
+{
+    RandomPicture(int32_t width, int32_t height, std::mt19937& random)
+        : source(Count(width, height), random() % 17, random)
+        , target(Count(width, height), random() % 17, random)
+        , map(Count(width, height) * 2, random() % 17, random)
+    {
+        Entry* entry = map.Data();
+        for (int32_t i = 0; i < width * height; ++i, entry += 2) {
+            const auto near = [&random](int32_t position) {
+                const int32_t end = OneOf({ 65535, 32767, 65520, -1, INT32_MAX, 0 }, random);
+                return static_cast<Entry>(random() % 8
+                        ? position * 32 + static_cast<int32_t>(random() % 600) - 300
+                        : end);
+            };
+            if (random() % 16 == 0)
+                continue;
+            entry[0] = near(i % width);
+            entry[1] = near(i / width);
+        }
+        pass.source = source.Data();
+        pass.width = width;
+        pass.height = height;
+        if constexpr (sizeof(Entry) == 2)
+            pass.map16 = map.Data();
+        else
+            pass.map32 = map.Data();
+        pass.ditherThreshold = static_cast<int32_t>(random() % 32);
+        for (uint16_t& multiplier : pass.multiplier)
+            multiplier = static_cast<uint16_t>(random() % 2 ? random() : 204);
+        pass.left = 1 + (random() % 2 ? static_cast<int32_t>(random() % 5) : 0);
+        pass.right = width - 1 - (random() % 2 ? static_cast<int32_t>(random() % 5) : 0);
+        const std::initializer_list<int32_t> moves
+            = { 0, 0, 3, -5, 17, -2000, 2040, -9000, 40000, INT32_MAX, INT32_MIN };
+        pass.scrollX = OneOf(moves, random);
+        pass.scrollY = OneOf(moves, random);
+        pass.zoomX = random() % 4 ? OneOf(moves, random) : pass.scrollX;
+        pass.zoomStepX = OneOf({ 0, 1, -1, 100, -77, 1023, 1024, 1025, 1500, -5000, 1 << 20,
+                                   1 << 27, INT32_MAX, INT32_MIN },
+            random);
+        start.offsetY = random() % 4 ? OneOf(moves, random) : pass.scrollY;
+        start.phaseX
+            = static_cast<int32_t>(random() % 4 ? random() % 1024 : OneOf({ 0, 1, 1023 }, random));
+    }
+
+    static size_t Count(int32_t width, int32_t height)
+    {
+        return static_cast<size_t>(width * height);
+    }
+
+    // The vectors' picture, guards included, is the scalar one.
+    bool Agrees()
+    {
+        GuardedRow<uint32_t> expected = target;
+        for (int32_t y = 1; y < pass.height - 1; ++y) {
+            pass.target = target.Data();
+            TransformRow(pass, y, start);
+            pass.target = expected.Data();
+            scalar::TransformRow(pass, y, start);
+        }
+        return target == expected;
+    }
+
+    GuardedRow<uint32_t> source;
+    GuardedRow<uint32_t> target;
+    GuardedRow<Entry> map;
+    TransformPass pass;
+    TransformRowStart start;
+};
+
+template <typename Entry>
+void CompareForms(int32_t width, int32_t height, int passes)
+{
+    std::mt19937 random(static_cast<uint32_t>(width));
+    for (int i = 0; i < passes; ++i) {
+        RandomPicture<Entry> picture(width, height, random);
+        const TransformPass& pass = picture.pass;
+        CAPTURE(width);
+        CAPTURE(pass.left);
+        CAPTURE(pass.right);
+        CAPTURE(pass.ditherThreshold);
+        CAPTURE(pass.scrollX);
+        CAPTURE(pass.scrollY);
+        CAPTURE(pass.zoomX);
+        CAPTURE(pass.zoomStepX);
+        CAPTURE(picture.start.offsetY);
+        CAPTURE(picture.start.phaseX);
+        CHECK(picture.Agrees());
+    }
+}
+
+}
+
+TEST_CASE("The pass is the same at every instruction set, and touches nothing outside its columns")
+{
+    ForEachInstructionSet([] {
+        for (int32_t width = 3; width <= 67; ++width) {
+            CompareForms<uint16_t>(width, 3 + width % 4, 12);
+            CompareForms<uint32_t>(width, 3 + width % 4, 12);
+        }
+        for (const int32_t width : { 129, 143, 145, 300, 2047, 8192, 8193 }) {
+            CompareForms<uint16_t>(width, 5, 8);
+            CompareForms<uint32_t>(width, 5, 8);
+        }
+        CompareForms<uint32_t>(20, 8193, 1);
+    });
+}
+
+TEST_CASE("Every threshold rounds 16-bit positions from both ends as the definition does")
+{
+    constexpr int32_t width = 258;
+    constexpr int32_t height = 10;
+    std::vector<uint32_t> source(width * height);
+    std::vector<uint16_t> map(source.size() * 2);
+    for (size_t i = 0; i < source.size(); ++i) {
+        source[i] = static_cast<uint32_t>(i) * 0x9E3779B1u; // tells where it was read
+        map[2 * i] = static_cast<uint16_t>(i - source.size() / 2);
+        map[2 * i + 1] = 32 * 5;
+    }
+    std::vector<uint32_t> target(source.size());
+    std::vector<uint32_t> expected(source.size());
+    TransformPass pass;
+    pass.source = source.data();
+    pass.map16 = map.data();
+    pass.width = width;
+    pass.height = height;
+    pass.right = width - 1;
+    std::fill(std::begin(pass.multiplier), std::end(pass.multiplier), uint16_t { 201 });
+    ForEachInstructionSet([&] {
+        for (pass.ditherThreshold = 0; pass.ditherThreshold < 32; ++pass.ditherThreshold) {
+            for (const int32_t scroll : { -100, 0, 1900 }) {
+                pass.scrollX = scroll;
+                for (int32_t y = 1; y < height - 1; ++y) {
+                    pass.target = target.data();
+                    TransformRow(pass, y, {});
+                    pass.target = expected.data();
+                    scalar::TransformRow(pass, y, {});
+                }
+                CHECK(target == expected);
+            }
+        }
+    });
 }
