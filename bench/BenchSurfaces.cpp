@@ -113,6 +113,7 @@ int main(int argc, char** argv)
     AddStretch(cases, "grow", 1280, 720, 1920, 1080);
     AddStretch(cases, "double", 960, 540, 1920, 1080);
     AddStretch(cases, "shrink", 1920, 1080, 1280, 720);
+    AddStretch(cases, "double", 1920, 1080, 3840, 2160);
 
     std::printf("%-34s %8s %8s %8s %8s   %6s %6s\n", "ns an item", "run", "bands", "scalar",
         "floor", "faster", "/floor");

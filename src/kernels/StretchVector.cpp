@@ -25,118 +25,152 @@ namespace {
 namespace hn = hwy::HWY_NAMESPACE;
 
 using Words = hn::ScalableTag<uint16_t>;
-using Bytes = hn::Repartition<uint8_t, Words>;
+using Pixels = hn::Repartition<uint32_t, Words>;
 using WordVector = hn::Vec<Words>;
+using PixelVector = hn::Vec<Pixels>;
 
-constexpr int32_t most = 512; // columns of a strip: its rows stay in the nearest cache
-constexpr int32_t mostVectorBytes = 64;
-constexpr int32_t room = most + mostVectorBytes / 4; // the last vector's rest
+// Columns of a strip. Rows should stay in a near cache, but short pieces of many rows are read
+// slowly.
+constexpr int32_t most = 2048;
+constexpr int32_t mostLanes = 16; // pixels
+constexpr int32_t room = most + mostLanes; // the last vector's rest
+
+// A source row mixed along x, in 1/256, 16 bits for each byte of a pixel.
+struct alignas(64) MixedRow
+{
+    uint32_t even[room]; // bytes 0 and 2
+    uint32_t odd[room]; // bytes 1 and 3
+    int32_t index; // of the source row; -1: none yet
+};
 
 // A strip of target columns: one after the other, so that their places in the source are worked out
-// once, and that neighbouring target rows share what is mixed along a source row.
-struct Strip
+// once, and that neighbouring target rows share the rows that are mixed.
+struct alignas(64) Strip
 {
+    // Of the right one of two source pixels, 0 to 256, in both halves.
+    uint32_t weights[room];
+    // Of the left one; from the vector's base on where the source isn't wider than the target, for
+    // there a vector's pixels come from as many source pixels or fewer.
+    int32_t index[room];
+    int32_t base[room];
     int32_t count; // columns, up to whole vectors
-    int32_t index[room]; // of the left of two source pixels
-    // Of the right one, 0 to 256, one for each byte of a pixel.
-    alignas(mostVectorBytes) uint16_t weights[4 * room];
-    // Two source rows mixed along x, in 1/256.
-    alignas(mostVectorBytes) uint16_t rows[2][4 * room];
-    int32_t rowIndex[2];
+    bool isNear; // such indices
+    MixedRow rows[2];
 };
 
 void Prepare(
     Strip& strip, const StretchAxis& axis, int32_t left, int32_t count, int32_t sourceWidth)
 {
-    const auto lanes = static_cast<int32_t>(hn::Lanes(Bytes())) / 4;
+    const auto lanes = static_cast<int32_t>(hn::Lanes(Pixels()));
     strip.count = (count + lanes - 1) / lanes * lanes;
-    strip.rowIndex[0] = -1;
-    strip.rowIndex[1] = -1;
+    strip.rows[0].index = -1;
+    strip.rows[1].index = -1;
     for (int32_t i = 0; i < strip.count; ++i) {
         const StretchSample sample = axis.At(left + i);
         // At the far edge both pixels are the last one: the right one of the last two.
         const bool isLast = sample.index == sourceWidth - 1;
         strip.index[i] = sample.index - (isLast ? 1 : 0);
-        for (int32_t byte = 0; byte < 4; ++byte)
-            strip.weights[4 * i + byte] = static_cast<uint16_t>(isLast ? 256 : sample.weightOfNext);
+        strip.weights[i] = (isLast ? 256 : sample.weightOfNext) * 0x10001u;
+    }
+    if (!strip.isNear)
+        return;
+    for (int32_t i = 0; i < strip.count; i += lanes) {
+        const int32_t last = sourceWidth - 1 - lanes; // two vectors can be loaded from here
+        strip.base[i] = strip.index[i] < last ? strip.index[i] : last;
+        for (int32_t k = i; k < i + lanes; ++k)
+            strip.index[k] -= strip.base[i];
     }
 }
 
-// Mixes the strip's part of a source row.
-void MixAlong(const Strip& strip, uint16_t* row, const uint32_t* source)
+// left * (256 - weight) + right * weight. All is below 2^16; the difference may wrap.
+void MixBeside(MixedRow& row, const Strip& strip, int32_t i, PixelVector left, PixelVector right)
 {
-    // Plain loads of two pixels each; vectors gather no faster.
-    for (int32_t i = 0; i < strip.count; ++i)
-        std::memcpy(row + 4 * i, source + strip.index[i], 2 * sizeof *source);
+    const Pixels d;
+    const Words words;
+    const WordVector low = hn::Set(words, uint16_t { 0xFF });
+    const WordVector weights = hn::BitCast(words, hn::Load(d, strip.weights + i));
+    const WordVector a = hn::BitCast(words, left);
+    const WordVector b = hn::BitCast(words, right);
+    const WordVector even = hn::Sub(hn::And(b, low), hn::And(a, low));
+    const WordVector odd = hn::Sub(hn::ShiftRight<8>(b), hn::ShiftRight<8>(a));
+    hn::Store(
+        hn::BitCast(d, hn::Add(hn::ShiftLeft<8>(a), hn::Mul(even, weights))), d, row.even + i);
+    hn::Store(hn::BitCast(d, hn::Add(hn::AndNot(low, a), hn::Mul(odd, weights))), d, row.odd + i);
+}
 
-    const Words d;
-    const Bytes bytes;
-    alignas(16) static constexpr uint8_t pairs[16]
-        = { 0, 4, 1, 5, 2, 6, 3, 7, 8, 12, 9, 13, 10, 14, 11, 15 };
-    const auto sideBySide = hn::LoadDup128(bytes, pairs);
-    const WordVector low = hn::Set(d, uint16_t { 0xFF });
+void MixAlong(MixedRow& row, const Strip& strip, const uint32_t* source)
+{
+    const Pixels d;
     const auto lanes = static_cast<int32_t>(hn::Lanes(d));
-    for (int32_t i = 0; i < 4 * strip.count; i += lanes) {
-        const WordVector pair = hn::BitCast(
-            d, hn::TableLookupBytes(hn::BitCast(bytes, hn::Load(d, row + i)), sideBySide));
-        // left * 256 + (right - left) * weight
-        const WordVector difference = hn::Sub(hn::ShiftRight<8>(pair), hn::And(pair, low));
-        const WordVector moved = hn::Mul(difference, hn::Load(d, strip.weights + i));
-        hn::Store(hn::Add(hn::ShiftLeft<8>(pair), moved), d, row + i);
+    const int32_t count = strip.count;
+    if (strip.isNear) {
+        for (int32_t i = 0; i < count; i += lanes) {
+            const uint32_t* base = source + strip.base[i];
+            const auto index = hn::SetTableIndices(d, strip.index + i);
+            MixBeside(row, strip, i, hn::TableLookupLanes(hn::LoadU(d, base), index),
+                hn::TableLookupLanes(hn::LoadU(d, base + 1), index));
+        }
+        return;
+    }
+    // Plain loads of two pixels each; vectors gather no faster.
+    alignas(64) uint32_t pairs[2 * room];
+    for (int32_t i = 0; i < count; ++i)
+        std::memcpy(pairs + 2 * i, source + strip.index[i], 2 * sizeof *source);
+    for (int32_t i = 0; i < count; i += lanes) {
+        const PixelVector lower = hn::Load(d, pairs + 2 * i);
+        const PixelVector upper = hn::Load(d, pairs + 2 * i + lanes);
+        MixBeside(row, strip, i, hn::ConcatEven(d, upper, lower), hn::ConcatOdd(d, upper, lower));
     }
 }
 
-const uint16_t* MixedRow(
-    Strip& strip, int32_t slot, int32_t index, const uint32_t* source, ptrdiff_t sourceStride)
+const MixedRow& RowOf(Strip& strip, int32_t index, const uint32_t* source, ptrdiff_t sourceStride)
 {
-    if (strip.rowIndex[slot] != index) {
-        MixAlong(strip, strip.rows[slot], source + index * sourceStride);
-        strip.rowIndex[slot] = index;
+    MixedRow& row = strip.rows[index % 2]; // the next target row finds it there
+    if (row.index != index) {
+        MixAlong(row, strip, source + index * sourceStride);
+        row.index = index;
     }
-    return strip.rows[slot];
+    return row;
 }
 
-// (upper * (256 - weight) + lower * weight + 2^15) / 2^16 in 16 bits: the mixtures of the upper
-// bytes, of the lower ones, and what these carry. All sums stay below 2^16, as the whole does below
-// 2^24, and differences may wrap.
-WordVector MixDown(WordVector upper, WordVector lower, WordVector weight)
+// (upper * (256 - weight) + lower * weight + 2^15) / 2^8 in 16 bits, of which the upper 8 count:
+// the mixtures of the upper bytes, of the lower ones, and what these carry. All sums stay below
+// 2^16, as the whole does below 2^24, and differences may wrap.
+WordVector MixDown(const uint32_t* upperRow, const uint32_t* lowerRow, WordVector weight)
 {
-    const Words d;
-    const WordVector low = hn::Set(d, uint16_t { 0xFF });
-    const WordVector upperHigh = hn::ShiftRight<8>(upper);
-    const WordVector upperLow = hn::And(upper, low);
-    const WordVector highMoved = hn::Mul(hn::Sub(hn::ShiftRight<8>(lower), upperHigh), weight);
-    const WordVector lowMoved = hn::Mul(hn::Sub(hn::And(lower, low), upperLow), weight);
+    const Pixels d;
+    const Words words;
+    const WordVector low = hn::Set(words, uint16_t { 0xFF });
+    const WordVector upper = hn::BitCast(words, hn::Load(d, upperRow));
+    const WordVector lower = hn::BitCast(words, hn::Load(d, lowerRow));
+    const WordVector highMoved
+        = hn::Mul(hn::Sub(hn::ShiftRight<8>(lower), hn::ShiftRight<8>(upper)), weight);
+    const WordVector lowMoved = hn::Mul(hn::Sub(hn::And(lower, low), hn::And(upper, low)), weight);
     const WordVector high = hn::Add(hn::AndNot(low, upper), highMoved);
     const WordVector carried = hn::ShiftRight<8>(hn::Add(hn::ShiftLeft<8>(upper), lowMoved));
-    return hn::ShiftRight<8>(hn::Add(high, hn::Add(carried, hn::Set(d, uint16_t { 0x80 }))));
+    return hn::Add(high, hn::Add(carried, hn::Set(words, uint16_t { 0x80 })));
 }
 
-void StoreMixed(uint32_t* target, const uint16_t* upper, const uint16_t* lower, int32_t count,
+void StoreMixed(uint32_t* target, const MixedRow& upper, const MixedRow& lower, int32_t count,
     uint32_t weightOfLower)
 {
-    const Words d;
-    const Bytes bytes;
-    const hn::Half<Bytes> half;
-    const WordVector weight = hn::Set(d, static_cast<uint16_t>(weightOfLower));
-    const auto lanes = static_cast<int32_t>(hn::Lanes(d));
+    const Pixels d;
+    const Words words;
+    const WordVector low = hn::Set(words, uint16_t { 0xFF });
+    const WordVector weight = hn::Set(words, static_cast<uint16_t>(weightOfLower));
     const auto mixed = [&](int32_t i) HWY_ATTR {
-        return MixDown(hn::Load(d, upper + i), hn::Load(d, lower + i), weight);
+        const WordVector even = MixDown(upper.even + i, lower.even + i, weight);
+        const WordVector odd = MixDown(upper.odd + i, lower.odd + i, weight);
+        return hn::BitCast(d, hn::Or(hn::ShiftRight<8>(even), hn::AndNot(low, odd)));
     };
-    const int32_t pixels = lanes / 2; // a vector of bytes
+    const auto lanes = static_cast<int32_t>(hn::Lanes(d));
     int32_t x = 0;
-    for (; x + pixels <= count; x += pixels) {
-        const auto both = hn::ConcatEven(
-            bytes, hn::BitCast(bytes, mixed(4 * x + lanes)), hn::BitCast(bytes, mixed(4 * x)));
-        hn::StoreU(both, bytes, reinterpret_cast<uint8_t*>(target + x));
-    }
-    for (; x < count; x += pixels / 2) {
-        alignas(mostVectorBytes) uint32_t rest[mostVectorBytes / 4];
-        const auto even = hn::ConcatEven(
-            bytes, hn::BitCast(bytes, mixed(4 * x)), hn::BitCast(bytes, mixed(4 * x)));
-        hn::Store(hn::LowerHalf(half, even), half, reinterpret_cast<uint8_t*>(rest));
-        const int32_t left = count - x < pixels / 2 ? count - x : pixels / 2;
-        std::memcpy(target + x, rest, static_cast<size_t>(left) * sizeof *target);
+    for (; x + lanes <= count; x += lanes)
+        hn::StoreU(mixed(x), d, target + x);
+    if (x < count) {
+        alignas(64) uint32_t rest[mostLanes];
+        hn::Store(mixed(x), d, rest);
+        std::memcpy(target + x, rest, static_cast<size_t>(count - x) * sizeof *target);
     }
 }
 
@@ -160,14 +194,15 @@ void StretchRows(uint32_t* target, ptrdiff_t targetStride, int32_t targetWidth,
     const StretchAxis columns(targetWidth, sourceWidth);
     const StretchAxis rows(targetHeight, sourceHeight);
     Strip strip;
+    strip.isNear
+        = sourceWidth <= targetWidth && sourceWidth > static_cast<int32_t>(hn::Lanes(Pixels()));
     for (int32_t left = 0; left < targetWidth; left += most) {
         const int32_t count = targetWidth - left < most ? targetWidth - left : most;
         Prepare(strip, columns, left, count, sourceWidth);
         for (int32_t y = first; y < last; ++y) {
             const StretchSample v = rows.At(y);
-            // A row's slot is its parity: the next row down finds it there.
-            const uint16_t* upper = MixedRow(strip, v.index % 2, v.index, source, sourceStride);
-            const uint16_t* lower = MixedRow(strip, v.next % 2, v.next, source, sourceStride);
+            const MixedRow& upper = RowOf(strip, v.index, source, sourceStride);
+            const MixedRow& lower = RowOf(strip, v.next, source, sourceStride);
             StoreMixed(
                 target + (y - first) * targetStride + left, upper, lower, count, v.weightOfNext);
         }
