@@ -4,7 +4,7 @@
 //     bench_surfaces [FILTER]
 
 #include "foundation/OQParallelRows.h"
-#include "kernels/KernelForm.h"
+#include "kernels/I420FromPixels.h"
 #include "kernels/Stretch.h"
 
 #include <hwy/targets.h>
@@ -102,6 +102,38 @@ void AddStretch(
         [=] { OQParallelRows(0, th, tw, rows); } });
 }
 
+void AddI420(std::vector<Case>& cases, int32_t width, int32_t height)
+{
+    const int64_t count = int64_t { width } * height;
+    auto source = std::make_shared<Pixels>(Noise(count));
+    auto target = std::make_shared<std::vector<uint8_t>>(static_cast<size_t>(count * 3 / 2));
+    const auto rows = [=](auto convert, int32_t first, int32_t last) {
+        uint8_t* luma = target->data();
+        uint8_t* chroma = luma + count;
+        for (int32_t y = 2 * first; y < 2 * last; y += 2)
+            convert({ luma + int64_t { y } * width, luma + int64_t { y + 1 } * width,
+                        chroma + int64_t { y } * width / 4,
+                        chroma + count / 4 + int64_t { y } * width / 4 },
+                source->data() + int64_t { y } * width, source->data() + int64_t { y + 1 } * width,
+                width);
+    };
+    cases.push_back(
+        { "i420/noise/" + Size(width, height), count, [=] { rows(I420FromPixels, 0, height / 2); },
+            [=] { rows(scalar::I420FromPixels, 0, height / 2); },
+            [=] {
+                // Of each four bytes one and a half.
+                uint8_t* to = target->data();
+                for (int64_t i = 0; i < count; ++i)
+                    to[i] = static_cast<uint8_t>((*source)[static_cast<size_t>(i)]);
+                for (int64_t i = count; i < count * 3 / 2; ++i)
+                    to[i] = static_cast<uint8_t>(i);
+            },
+            [=] {
+                OQParallelRows(0, height / 2, 2 * width,
+                    [&](int32_t first, int32_t last) { rows(I420FromPixels, first, last); });
+            } });
+}
+
 }
 
 int main(int argc, char** argv)
@@ -114,6 +146,7 @@ int main(int argc, char** argv)
     AddStretch(cases, "double", 960, 540, 1920, 1080);
     AddStretch(cases, "shrink", 1920, 1080, 1280, 720);
     AddStretch(cases, "double", 1920, 1080, 3840, 2160);
+    AddI420(cases, 1920, 1080);
 
     std::printf("%-34s %8s %8s %8s %8s   %6s %6s\n", "ns an item", "run", "bands", "scalar",
         "floor", "faster", "/floor");
