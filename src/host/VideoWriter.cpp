@@ -7,6 +7,7 @@
 #include "host/PictureCoding.h"
 #include "host/SoundCopy.h"
 #include "host/TagWriter.h"
+#include "kernels/I420FromPixels.h"
 #include "os/Clock.h"
 
 #include <fcntl.h>
@@ -19,7 +20,6 @@
 #include <algorithm>
 #include <bit>
 #include <charconv>
-#include <cstring>
 #include <utility>
 #include <vector>
 
@@ -95,6 +95,7 @@ struct VideoWriter::Pipeline
     GstElement* sound = nullptr; // null when the sound is copied
     std::unique_ptr<SoundCopy> copy; // null when it is encoded
     GstElement* muxer = nullptr;
+    GstVideoInfo format = {}; // of the pictures
     GstBufferPool* pool = nullptr;
     GstHolder<GstPad> soundPad; // the muxer's
     bool ended = false;
@@ -112,6 +113,7 @@ struct VideoWriter::Pipeline
     bool Build();
     bool BuildPictures();
     bool BuildPool();
+    void StorePicture(uint8_t* target, const uint32_t* topRow, ptrdiff_t pitch) const;
     bool BuildSound();
     bool BuildCopy();
     void SetTags();
@@ -178,19 +180,20 @@ bool VideoWriter::Pipeline::LinkToMuxer(GstElement* last, const char* pad, GstHo
     return true;
 }
 
+// I420, since left to itself the encoder would take 4:4:4, which few players show.
 bool VideoWriter::Pipeline::BuildPool()
 {
-    const GstHolder<GstCaps> caps(gst_caps_new_simple("video/x-raw", "format", G_TYPE_STRING,
-        std::endian::native == std::endian::little ? "BGRx" : "xRGB", "width", G_TYPE_INT,
-        settings.width, "height", G_TYPE_INT, settings.height, "framerate", GST_TYPE_FRACTION,
-        settings.rateNumerator, settings.rateDenominator, "pixel-aspect-ratio", GST_TYPE_FRACTION,
-        1, 1, "colorimetry", G_TYPE_STRING, "sRGB", nullptr));
+    gst_video_info_set_format(&format, GST_VIDEO_FORMAT_I420, static_cast<guint>(settings.width),
+        static_cast<guint>(settings.height));
+    format.fps_n = settings.rateNumerator;
+    format.fps_d = settings.rateDenominator;
+    gst_video_colorimetry_from_string(&format.colorimetry, GST_VIDEO_COLORIMETRY_BT709);
+    format.chroma_site = GST_VIDEO_CHROMA_SITE_MPEG2;
+    const GstHolder<GstCaps> caps(gst_video_info_to_caps(&format));
     g_object_set(pictures, "caps", caps.get(), nullptr);
     pool = gst_buffer_pool_new();
     GstStructure* config = gst_buffer_pool_get_config(pool);
-    const guint bytes
-        = static_cast<guint>(settings.width) * static_cast<guint>(settings.height) * 4;
-    gst_buffer_pool_config_set_params(config, caps.get(), bytes, 0, 0);
+    gst_buffer_pool_config_set_params(config, caps.get(), static_cast<guint>(format.size), 0, 0);
     return (gst_buffer_pool_set_config(pool, config) && gst_buffer_pool_set_active(pool, TRUE))
         || Fail("there is no memory for its pictures");
 }
@@ -198,23 +201,30 @@ bool VideoWriter::Pipeline::BuildPool()
 bool VideoWriter::Pipeline::BuildPictures()
 {
     pictures = Add("appsrc", "gstreamer1.0-plugins-base");
-    GstElement* convert = Add("videoconvert", "gstreamer1.0-plugins-base");
-    GstElement* format = Add("capsfilter", "libgstreamer1.0-0");
     const PictureCoding coding = PictureCodingOf(settings.container);
     GstElement* encoder = Add(coding.encoder, coding.package);
     GstElement* profile = Add("capsfilter", "libgstreamer1.0-0");
     if (!error.empty())
         return false;
     g_object_set(pictures, "format", GST_FORMAT_TIME, "max-bytes", guint64 { 0 }, nullptr);
-
-    // Left to itself the encoder would take 4:4:4, which few players show, and the converter the
-    // matrix of small pictures, BT.601.
-    gst_util_set_object_arg(
-        G_OBJECT(format), "caps", "video/x-raw,format=I420,colorimetry=bt709,chroma-site=mpeg2");
     gst_util_set_object_arg(G_OBJECT(profile), "caps", coding.caps);
     SetUpPictureEncoder(encoder, settings);
-    return BuildPool() && Link({ pictures, convert, format, encoder, profile })
+    return BuildPool() && Link({ pictures, encoder, profile })
         && LinkToMuxer(profile, "video_%u", nullptr);
+}
+
+// Two rows at a time, which share their chroma.
+void VideoWriter::Pipeline::StorePicture(
+    uint8_t* target, const uint32_t* topRow, ptrdiff_t pitch) const
+{
+    uint8_t* const luma = target + format.offset[0];
+    const ptrdiff_t lumaStride = format.stride[0];
+    for (ptrdiff_t y = 0; y < settings.height; y += 2) {
+        const kernels::I420Rows rows { luma + y * lumaStride, luma + (y + 1) * lumaStride,
+            target + format.offset[1] + y / 2 * format.stride[1],
+            target + format.offset[2] + y / 2 * format.stride[2] };
+        kernels::I420FromPixels(rows, topRow + y * pitch, topRow + (y + 1) * pitch, settings.width);
+    }
 }
 
 bool VideoWriter::Pipeline::BuildSound()
@@ -378,8 +388,7 @@ bool VideoWriter::Pipeline::PushSound(uint64_t until)
 bool VideoWriter::Pipeline::WaitForRoom()
 {
     // The source's own blocking would never end when the encoder fails.
-    const guint64 picture = guint64 { 4 } * static_cast<guint64>(settings.width)
-        * static_cast<guint64>(settings.height);
+    const guint64 picture = format.size;
     const guint64 most = std::max(WaitingPictures * picture, WaitingBytes);
     guint64 before = G_MAXUINT64;
     int64_t deadline = 0;
@@ -515,9 +524,7 @@ bool VideoWriter::AddPicture(const uint32_t* topRow, ptrdiff_t pitch)
         gst_buffer_unref(buffer);
         return p.Fail("there is no memory for its pictures");
     }
-    const size_t rowBytes = static_cast<size_t>(p.settings.width) * 4;
-    for (ptrdiff_t y = 0; y < p.settings.height; ++y)
-        std::memcpy(map.data + static_cast<size_t>(y) * rowBytes, topRow + y * pitch, rowBytes);
+    p.StorePicture(map.data, topRow, pitch);
     gst_buffer_unmap(buffer, &map);
 
     const guint64 scale = static_cast<guint64>(p.settings.rateDenominator) * GST_SECOND;

@@ -14,9 +14,38 @@ void Stretch(uint32_t* target, ptrdiff_t targetStride, int32_t targetWidth, int3
     const uint32_t* source, ptrdiff_t sourceStride, int32_t sourceWidth, int32_t sourceHeight);
 
 // Only the rows from `first` to before `last` of the stretched picture; the target is the first
-// one.
+// one. Calls for many rows are cheaper than calls for few.
 void StretchRows(uint32_t* target, ptrdiff_t targetStride, int32_t targetWidth,
     int32_t targetHeight, const uint32_t* source, ptrdiff_t sourceStride, int32_t sourceWidth,
     int32_t sourceHeight, int32_t first, int32_t last);
+
+namespace scalar {
+
+void StretchRows(uint32_t* target, ptrdiff_t targetStride, int32_t targetWidth,
+    int32_t targetHeight, const uint32_t* source, ptrdiff_t sourceStride, int32_t sourceWidth,
+    int32_t sourceHeight, int32_t first, int32_t last);
+
+}
+
+// Where the centre of a target pixel lies along an axis.
+struct StretchSample
+{
+    int32_t index;
+    int32_t next; // index + 1, or index at the far edge
+    uint32_t weightOfNext; // 0 to 255, in 1/256
+};
+
+class StretchAxis
+{
+public:
+    StretchAxis(int32_t targetSize, int32_t sourceSize);
+
+    // Past the target's ends the source's outer pixels go on.
+    StretchSample At(int32_t i) const;
+
+private:
+    int64_t m_step; // of the source, in 1/2^32 pixel
+    int32_t m_last;
+};
 
 }

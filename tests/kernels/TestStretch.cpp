@@ -1,11 +1,9 @@
 #include "kernels/Stretch.h"
 
-#include <doctest/doctest.h>
+#include "KernelTesting.h"
 
 #include <cmath>
-#include <random>
 #include <utility>
-#include <vector>
 
 using pxvis::kernels::Stretch;
 using pxvis::kernels::StretchRows;
@@ -99,4 +97,48 @@ TEST_CASE("Rows stretched in parts are those of the whole")
     for (const auto& [first, last] : { std::pair { 0, 4 }, { 4, 4 }, { 4, 5 }, { 5, 11 } })
         StretchRows(parts.data() + 13 * first, 13, 13, 11, source.data(), 7, 7, 5, first, last);
     CHECK(parts == whole);
+}
+
+TEST_CASE("Stretches are the same at every instruction set, and touch nothing outside their target")
+{
+    const auto check = [](int sw, int sh, int tw, int th, std::mt19937& random) {
+        INFO(sw << "x" << sh << " to " << tw << "x" << th);
+        const size_t offset = random() % 17;
+        const int stride = tw + static_cast<int>(random() % 5);
+        const int first = static_cast<int>(random() % static_cast<uint32_t>(th));
+        GuardedRow<uint32_t> source(static_cast<size_t>(sw * sh), random() % 17, random);
+        GuardedRow<uint32_t> target(static_cast<size_t>(stride * th), offset, random);
+        GuardedRow<uint32_t> expected = target;
+        StretchRows(target.Data(), stride, tw, th, source.Data(), sw, sw, sh, first, th);
+        pxvis::kernels::scalar::StretchRows(
+            expected.Data(), stride, tw, th, source.Data(), sw, sw, sh, first, th);
+        CHECK(target == expected);
+    };
+    ForEachInstructionSet([&] {
+        std::mt19937 random(1);
+        for (int width = 1; width <= 67; ++width)
+            for (const int sourceWidth : { 1, 2, width, width * 2, 41, 67 })
+                check(sourceWidth, 1 + width % 6, width, 1 + width % 8, random);
+        for (const int width : { 511, 513, 1100 })
+            check(700, 3, width, 5, random);
+    });
+}
+
+TEST_CASE("Bytes of 255 and rows of extremes stretch without a carry into their neighbours")
+{
+    ForEachInstructionSet([] {
+        std::vector<uint32_t> source(40 * 4);
+        for (size_t i = 0; i < source.size(); ++i)
+            source[i] = i / 40 % 2 == i % 2 ? 0xFF00FF00 : 0x00FF00FF;
+        for (const bool white : { false, true }) {
+            if (white)
+                std::fill(source.begin(), source.end(), 0xFFFFFFFF);
+            std::vector<uint32_t> target(97 * 61);
+            std::vector<uint32_t> expected(97 * 61);
+            Stretch(target.data(), 97, 97, 61, source.data(), 40, 40, 4);
+            pxvis::kernels::scalar::StretchRows(
+                expected.data(), 97, 97, 61, source.data(), 40, 40, 4, 0, 61);
+            CHECK(target == expected);
+        }
+    });
 }

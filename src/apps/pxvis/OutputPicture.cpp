@@ -1,7 +1,9 @@
 #include "apps/pxvis/OutputPicture.h"
 
 #include "apps/pxvis/RenderCommand.h"
+#include "foundation/OQParallelRows.h"
 #include "foundation/OQSiblingModules.h"
+#include "kernels/Stretch.h"
 
 namespace pxvis {
 
@@ -28,8 +30,13 @@ bool OutputPicture::Create(const RenderOptions& options, FlashLimit limit)
 IOQImage& OutputPicture::Of(IOQImage& drawn, int64_t time)
 {
     uint32_t* top = m_own ? m_own->GetBits() + int64_t { m_height - 1 } * m_width : nullptr;
-    if (m_scales)
-        drawn.Blit(top, m_width, m_height, -m_width * 4);
+    if (m_scales) {
+        const CVisPixels source = PixelsOf(drawn);
+        OQParallelRows(0, m_height, m_width, [&](int32_t first, int32_t last) {
+            kernels::StretchRows(top - ptrdiff_t { first } * m_width, -m_width, m_width, m_height,
+                source.topRow, source.stride, source.width, source.height, first, last);
+        });
+    }
     IOQImage& picture = m_scales ? *m_own : drawn;
     if (!m_limiter || !m_limiter->IsDamped(PixelsOf(picture), time))
         return picture;

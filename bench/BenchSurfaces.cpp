@@ -1,0 +1,157 @@
+// The pixel loops beside their scalar forms and a floor: a plain loop that moves the same bytes. A
+// line a case, ns an item, the smallest of many rounds in which the forms take turns.
+//
+//     bench_surfaces [FILTER]
+
+#include "foundation/OQParallelRows.h"
+#include "kernels/I420FromPixels.h"
+#include "kernels/Stretch.h"
+
+#include <hwy/targets.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <functional>
+#include <random>
+#include <string>
+#include <vector>
+
+using namespace pxvis::kernels;
+
+namespace {
+
+using Pixels = std::vector<uint32_t>;
+
+struct Case
+{
+    std::string name; // area/case/size
+    int64_t items = 0; // a run
+    std::function<void()> run;
+    std::function<void()> scalar;
+    std::function<void()> floor;
+    std::function<void()> banded; // in row bands, if it gains by them
+};
+
+Pixels Noise(int64_t count)
+{
+    std::mt19937 random(1);
+    Pixels pixels(static_cast<size_t>(count));
+    for (uint32_t& pixel : pixels)
+        pixel = static_cast<uint32_t>(random());
+    return pixels;
+}
+
+double Seconds()
+{
+    return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch())
+        .count();
+}
+
+void TakeTurns(const Case& measured)
+{
+    const std::function<void()>* forms[]
+        = { &measured.run, &measured.banded, &measured.scalar, &measured.floor };
+    double least[4] = { 1e9, 1e9, 1e9, 1e9 };
+    const double end = Seconds() + 1.5;
+    for (int round = 0; round < 5 || (round < 400 && Seconds() < end); ++round) {
+        for (int form = 0; form < 4; ++form) {
+            if (!*forms[form])
+                continue;
+            const double start = Seconds();
+            (*forms[form])();
+            least[form] = std::min(least[form], Seconds() - start);
+        }
+    }
+    const auto nanoseconds = [&](int form) {
+        return *forms[form] ? least[form] * 1e9 / static_cast<double>(measured.items) : 0.0;
+    };
+    std::printf("%-34s %8.3f %8.3f %8.3f %8.3f   %6.1f %6.2f\n", measured.name.c_str(),
+        nanoseconds(0), nanoseconds(1), nanoseconds(2), nanoseconds(3), least[2] / least[0],
+        least[0] / least[3]);
+    std::fflush(stdout);
+}
+
+std::string Size(int32_t width, int32_t height)
+{
+    return std::to_string(width) + "x" + std::to_string(height);
+}
+
+void AddStretch(
+    std::vector<Case>& cases, const char* name, int32_t sw, int32_t sh, int32_t tw, int32_t th)
+{
+    auto source = std::make_shared<Pixels>(Noise(int64_t { sw } * sh));
+    auto target = std::make_shared<Pixels>(Noise(int64_t { tw } * th));
+    const auto rows = [=](int32_t first, int32_t last) {
+        StretchRows(target->data() + ptrdiff_t { first } * tw, tw, tw, th, source->data(), sw, sw,
+            sh, first, last);
+    };
+    cases.push_back({ std::string("stretch/") + name + "/" + Size(tw, th), int64_t { tw } * th,
+        [=] { rows(0, th); },
+        [=] { scalar::StretchRows(target->data(), tw, tw, th, source->data(), sw, sw, sh, 0, th); },
+        [=] {
+            for (int32_t y = 0; y < th; ++y) {
+                const uint32_t* from = source->data() + int64_t { y } * sh / th * sw;
+                uint32_t* to = target->data() + int64_t { y } * tw;
+                for (int32_t x = 0; x < std::min(sw, tw); ++x)
+                    to[x] ^= from[x];
+                for (int32_t x = sw; x < tw; ++x)
+                    to[x] ^= from[x - sw];
+            }
+        },
+        [=] { OQParallelRows(0, th, tw, rows); } });
+}
+
+void AddI420(std::vector<Case>& cases, int32_t width, int32_t height)
+{
+    const int64_t count = int64_t { width } * height;
+    auto source = std::make_shared<Pixels>(Noise(count));
+    auto target = std::make_shared<std::vector<uint8_t>>(static_cast<size_t>(count * 3 / 2));
+    const auto rows = [=](auto convert, int32_t first, int32_t last) {
+        uint8_t* luma = target->data();
+        uint8_t* chroma = luma + count;
+        for (int32_t y = 2 * first; y < 2 * last; y += 2)
+            convert({ luma + int64_t { y } * width, luma + int64_t { y + 1 } * width,
+                        chroma + int64_t { y } * width / 4,
+                        chroma + count / 4 + int64_t { y } * width / 4 },
+                source->data() + int64_t { y } * width, source->data() + int64_t { y + 1 } * width,
+                width);
+    };
+    cases.push_back(
+        { "i420/noise/" + Size(width, height), count, [=] { rows(I420FromPixels, 0, height / 2); },
+            [=] { rows(scalar::I420FromPixels, 0, height / 2); },
+            [=] {
+                // Of each four bytes one and a half.
+                uint8_t* to = target->data();
+                for (int64_t i = 0; i < count; ++i)
+                    to[i] = static_cast<uint8_t>((*source)[static_cast<size_t>(i)]);
+                for (int64_t i = count; i < count * 3 / 2; ++i)
+                    to[i] = static_cast<uint8_t>(i);
+            },
+            [=] {
+                OQParallelRows(0, height / 2, 2 * width,
+                    [&](int32_t first, int32_t last) { rows(I420FromPixels, first, last); });
+            } });
+}
+
+}
+
+int main(int argc, char** argv)
+{
+    const std::string filter = argc > 1 ? argv[1] : "";
+    hwy::SetSupportedTargetsForTest(HWY_AVX2);
+    std::vector<Case> cases;
+    AddStretch(cases, "same", 1920, 1080, 1920, 1080);
+    AddStretch(cases, "grow", 1280, 720, 1920, 1080);
+    AddStretch(cases, "double", 960, 540, 1920, 1080);
+    AddStretch(cases, "shrink", 1920, 1080, 1280, 720);
+    AddStretch(cases, "double", 1920, 1080, 3840, 2160);
+    AddI420(cases, 1920, 1080);
+
+    std::printf("%-34s %8s %8s %8s %8s   %6s %6s\n", "ns an item", "run", "bands", "scalar",
+        "floor", "faster", "/floor");
+    for (const Case& measured : cases)
+        if (measured.name.find(filter) != std::string::npos)
+            TakeTurns(measured);
+    return 0;
+}
