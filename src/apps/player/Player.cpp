@@ -86,6 +86,8 @@ void Player::Connect()
     connect(&m_playback, &Playback::OutputLost, this, &Player::OutputLost);
 
     connect(&m_sequence, &SongSequence::SongStarted, this, [this] {
+        const int row = m_playlist.Current();
+        m_lastPlayed = row < 0 ? QDateTime() : m_library.LastPlayed(m_playlist.At(row).url);
         m_host.SetElapsed(static_cast<double>(m_playback.Position()) / 1000.0);
         TellTrack();
         emit SongStarted();
@@ -345,6 +347,7 @@ void Player::TellTrack()
             track.info.durationSeconds = static_cast<double>(song.duration) / 1000.0;
         track.path = QFile::decodeName(PathOf(song.url).c_str());
         track.playCount = m_library.PlayCount(song.url);
+        track.lastPlayed = m_lastPlayed;
         track.rating = m_library.Rating(song.url);
         track.position = row + 1;
         track.count = m_playlist.Count();
