@@ -146,13 +146,13 @@ PlayerStatus Player::Status() const
     status.canPlay = m_playlist.Count() > 0;
     status.canGoNext = m_playlist.Next(true) >= 0;
     const int row = m_playlist.Current();
-    status.canGoPrevious = row >= 0;
     if (row < 0)
         return status;
 
     const Song& song = m_playlist.At(row);
     status.canSeek = m_playback.IsSeekable();
-    status.trackNumber = row;
+    status.canGoPrevious = m_playlist.Previous() >= 0;
+    status.trackNumber = m_playlist.NumberAt(row);
     status.url = song.url;
     status.title = TitleOf(song);
     status.artist = song.artist;
