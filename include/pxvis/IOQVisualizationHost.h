@@ -27,7 +27,7 @@ public:
     // A text from SysAllocString that the caller frees; null counts as empty. Names: "Legacy Data
     // Object" (address of a new IVisAudioData in hexadecimal, which the caller then owns), "File
     // Change Counter", "Impact", "Playing Now Position", "Playing Now File Count" (decimal),
-    // "Playlist Images" (file names), and the fields of the track: "Artist", "Album", "Name" ...
+    // "Playlist Images" (paths, one a line), and the track's fields: "Artist", "Album", "Name" ...
     virtual char16_t* GetProperty(const char16_t* name) = 0;
 
     // The current track's cover, a HostPicture, or null.

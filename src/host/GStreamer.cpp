@@ -2,6 +2,7 @@
 
 #include <gst/pbutils/pbutils.h>
 
+#include <atomic>
 #include <cstring>
 #include <mutex>
 
@@ -68,9 +69,20 @@ bool ServesSound(GstElementFactory* factory)
     return !decodes || !(HasClass(factory, "Video") || HasClass(factory, "Image"));
 }
 
-bool IsDemuxer(GstElementFactory* factory)
+int SelectForSound(GstElement*, GstPad*, GstCaps*, GstElementFactory* factory, void* hasStreams)
 {
-    return HasClass(factory, "Demux") && !HasClass(factory, "Metadata");
+    enum
+    {
+        Try,
+        Expose,
+        Skip
+    };
+
+    if (!ServesSound(factory))
+        return Skip;
+    if (HasClass(factory, "Demux") && !HasClass(factory, "Metadata"))
+        *static_cast<std::atomic<bool>*>(hasStreams) = true;
+    return Try;
 }
 
 std::string MissingPlugin(GstMessage* message)

@@ -20,8 +20,11 @@ bool HasClass(GstElementFactory* factory, const char* word);
 // as a cover's decoder, and whatever would follow an address in the file to another place.
 bool ServesSound(GstElementFactory* factory);
 
-// Whether it takes streams out of a file of known form.
-bool IsDemuxer(GstElementFactory* factory);
+// For the signal "autoplug-select" of what decodes a song: leaves out what ServesSound does.
+// `hasStreams`, an atomic<bool>, becomes true with a file of known form, which streams are taken
+// out of.
+int SelectForSound(
+    GstElement* decoder, GstPad* pad, GstCaps* caps, GstElementFactory* factory, void* hasStreams);
 
 // Of a missing-plugin message, what could be installed for the song; empty where that would not
 // help: typefinding knows many things that are no music.

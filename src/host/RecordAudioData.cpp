@@ -24,6 +24,22 @@ std::u16string ToUtf16(const std::string& text)
 
 }
 
+int32_t AudioValue(const AudioRecord& record, int32_t frameRate, int32_t which)
+{
+    switch (which) {
+    case VisAudioValueLevel:
+        return record.level;
+    case VisAudioValueBeat:
+        return record.beat;
+    case VisAudioValueFrameRate:
+        return frameRate;
+    case VisAudioValueChange:
+        return record.change;
+    default:
+        return 0;
+    }
+}
+
 void RecordAudioState::SetSong(const SongInfo& info, const std::string& coverFile)
 {
     fields[VisTrackFieldArtist] = ToUtf16(info.tags.artist);
@@ -59,18 +75,7 @@ const VisAudioBlock* RecordAudioData::GetData()
 
 int32_t RecordAudioData::GetValue(int32_t which)
 {
-    switch (which) {
-    case VisAudioValueLevel:
-        return m_record.level;
-    case VisAudioValueBeat:
-        return m_record.beat;
-    case VisAudioValueFrameRate:
-        return m_state->frameRate;
-    case VisAudioValueChange:
-        return m_record.change;
-    default:
-        return 0;
-    }
+    return AudioValue(m_record, m_state->frameRate, which);
 }
 
 const void* RecordAudioData::GetPlayInfo()

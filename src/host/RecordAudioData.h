@@ -10,6 +10,9 @@
 
 namespace pxvis::host {
 
+// What IVisAudioData::GetValue gives of a frame's record.
+int32_t AudioValue(const AudioRecord& record, int32_t frameRate, int32_t which);
+
 // Written between frames by whoever drives the engine, on the drawing thread.
 struct RecordAudioState
 {

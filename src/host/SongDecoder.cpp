@@ -28,22 +28,6 @@ constexpr GstClockTime PollTime = 20 * GST_MSECOND;
 constexpr int BytesPerFrame = 2 * sizeof(float);
 constexpr guint QueueBuffers = 32; // decoded ahead, some 3 s at the usual sizes
 
-int SelectPlugin(GstElement*, GstPad*, GstCaps*, GstElementFactory* factory, void* hasStreams)
-{
-    enum
-    {
-        Try,
-        Expose,
-        Skip
-    };
-
-    if (!ServesSound(factory))
-        return Skip;
-    if (IsDemuxer(factory))
-        *static_cast<std::atomic<bool>*>(hasStreams) = true;
-    return Try;
-}
-
 // The first sound stream is the song.
 void LinkSound(GstElement*, GstPad* pad, void* converter)
 {
@@ -162,7 +146,7 @@ bool SongDecoder::Pipeline::Start()
     g_object_set(source, "location", path.c_str(), nullptr);
     g_object_set(decoder, "caps", sound.get(), "expose-all-streams", FALSE, nullptr);
     WatchForMp3(pipeline.get(), trim);
-    g_signal_connect(decoder, "autoplug-select", G_CALLBACK(SelectPlugin), &hasStreams);
+    g_signal_connect(decoder, "autoplug-select", G_CALLBACK(SelectForSound), &hasStreams);
     g_signal_connect(decoder, "pad-added", G_CALLBACK(LinkSound), converter);
     g_signal_connect(decoder, "no-more-pads", G_CALLBACK(CheckForSound), converter);
 

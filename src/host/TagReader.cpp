@@ -22,19 +22,33 @@ std::string Cut(const char* text)
     return std::string(text, length);
 }
 
-void TakeText(const GstTagList* tags, const char* tag, std::string& text)
+// These give whether they took something.
+
+bool TakeText(const GstTagList* tags, const char* tag, std::string& text)
 {
     char* value = nullptr;
     if (!text.empty() || !gst_tag_list_get_string(tags, tag, &value))
-        return;
+        return false;
     const GstHolder<char> holder(value);
     text = Cut(value);
+    return !text.empty();
+}
+
+bool TakeNumber(const GstTagList* tags, const char* tag, int& number)
+{
+    guint value = 0;
+    if (number != 0 || !gst_tag_list_get_uint(tags, tag, &value))
+        return false;
+    number = static_cast<int>(value & 0x7FFFFFFF);
+    return number != 0;
 }
 
 // Where GStreamer has no tag of its own for a field of the file, it gives "KEY=text" or
 // "KEY[language]=text".
-void TakeLyrics(const GstTagList* tags, std::string& lyrics)
+bool TakeLyrics(const GstTagList* tags, std::string& lyrics)
 {
+    if (!lyrics.empty())
+        return false;
     TakeText(tags, GST_TAG_LYRICS, lyrics);
     const guint count = gst_tag_list_get_tag_size(tags, GST_TAG_EXTENDED_COMMENT);
     for (guint i = 0; i < count && lyrics.empty(); ++i) {
@@ -48,18 +62,19 @@ void TakeLyrics(const GstTagList* tags, std::string& lyrics)
                 lyrics = Cut(equals + 1);
         }
     }
+    return !lyrics.empty();
 }
 
-void TakeYear(const GstTagList* tags, std::string& year)
+bool TakeYear(const GstTagList* tags, std::string& year)
 {
     if (!year.empty())
-        return;
+        return false;
     GstDateTime* time = nullptr;
     if (gst_tag_list_get_date_time(tags, GST_TAG_DATE_TIME, &time)) {
         if (gst_date_time_has_year(time))
             year = std::to_string(gst_date_time_get_year(time));
         gst_date_time_unref(time);
-        return;
+        return !year.empty();
     }
     GDate* date = nullptr;
     if (gst_tag_list_get_date(tags, GST_TAG_DATE, &date)) {
@@ -67,6 +82,7 @@ void TakeYear(const GstTagList* tags, std::string& year)
             year = std::to_string(g_date_get_year(date));
         g_date_free(date);
     }
+    return !year.empty();
 }
 
 bool IsFrontCover(GstSample* sample)
@@ -94,10 +110,10 @@ bool TakeCover(GstSample* sample, TrackTags& tags)
     return true;
 }
 
-void TakeCover(const GstTagList* list, const char* tag, TrackTags& tags)
+bool TakeCover(const GstTagList* list, const char* tag, TrackTags& tags)
 {
     if (!tags.cover.empty())
-        return;
+        return false;
     const guint count = gst_tag_list_get_tag_size(list, tag);
     for (const bool frontOnly : { true, false }) {
         for (guint i = 0; i < count; ++i) {
@@ -108,29 +124,30 @@ void TakeCover(const GstTagList* list, const char* tag, TrackTags& tags)
             if (frontOnly && !IsFrontCover(sample))
                 continue;
             if (TakeCover(sample, tags))
-                return;
+                return true;
         }
     }
+    return false;
 }
 
 }
 
-void MergeTags(const GstTagList* list, SongInfo& info)
+bool MergeTags(const GstTagList* list, SongInfo& info)
 {
     TrackTags& tags = info.tags;
-    TakeText(list, GST_TAG_ARTIST, tags.artist);
-    TakeText(list, GST_TAG_ALBUM, tags.album);
-    TakeText(list, GST_TAG_TITLE, tags.title);
-    TakeText(list, GST_TAG_COMMENT, tags.notes);
-    TakeLyrics(list, tags.lyrics);
-    TakeYear(list, tags.year);
-    TakeCover(list, GST_TAG_IMAGE, tags);
-    TakeCover(list, GST_TAG_PREVIEW_IMAGE, tags);
-    guint bitRate = 0;
-    if (info.bitRate == 0
-        && (gst_tag_list_get_uint(list, GST_TAG_NOMINAL_BITRATE, &bitRate)
-            || gst_tag_list_get_uint(list, GST_TAG_BITRATE, &bitRate)))
-        info.bitRate = static_cast<int>(bitRate & 0x7FFFFFFF);
+    bool isMore = TakeText(list, GST_TAG_ARTIST, tags.artist);
+    isMore |= TakeText(list, GST_TAG_ALBUM, tags.album);
+    isMore |= TakeText(list, GST_TAG_TITLE, tags.title);
+    isMore |= TakeText(list, GST_TAG_GENRE, tags.genre);
+    isMore |= TakeText(list, GST_TAG_COMMENT, tags.notes);
+    isMore |= TakeNumber(list, GST_TAG_TRACK_NUMBER, tags.trackNumber);
+    isMore |= TakeLyrics(list, tags.lyrics);
+    isMore |= TakeYear(list, tags.year);
+    isMore |= TakeCover(list, GST_TAG_IMAGE, tags);
+    isMore |= TakeCover(list, GST_TAG_PREVIEW_IMAGE, tags);
+    isMore |= TakeNumber(list, GST_TAG_NOMINAL_BITRATE, info.bitRate);
+    isMore |= TakeNumber(list, GST_TAG_BITRATE, info.bitRate);
+    return isMore;
 }
 
 }

@@ -6,7 +6,8 @@
 
 namespace pxvis::host {
 
-// Takes over what `info` doesn't know yet; the front cover wins over other pictures.
-void MergeTags(const GstTagList* tags, SongInfo& info);
+// Takes over what `info` doesn't know yet; the front cover wins over other pictures. False if there
+// was nothing.
+bool MergeTags(const GstTagList* tags, SongInfo& info);
 
 }

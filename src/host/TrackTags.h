@@ -17,11 +17,15 @@ struct TrackTags
     std::string album;
     std::string title;
     std::string year;
+    std::string genre;
+    int trackNumber = 0; // of the album; 0: unknown
     std::string notes;
     std::string lyrics;
 
     std::vector<unsigned char> cover; // an image file's bytes, whatever the song's file holds
     std::string coverType; // its media type, "image/jpeg"
+
+    bool operator==(const TrackTags&) const = default;
 };
 
 // What is known of a song once its decoding has begun. 0 is unknown.

@@ -146,9 +146,9 @@ TEST_CASE("Tags and cover come with the song, and a song without a title has its
     const std::string picture = "\x89PNG\r\n\x1a\n" + std::string(5000, 'x');
     std::string error;
     REQUIRE_MESSAGE(InitializeGStreamer(error), error);
-    GstTagList* tags
-        = gst_tag_list_new(GST_TAG_ARTIST, "Émilie", GST_TAG_ALBUM, "Album", GST_TAG_TITLE, "Title",
-            GST_TAG_COMMENT, "Notes", GST_TAG_EXTENDED_COMMENT, "LYRICS=La\nla", nullptr);
+    GstTagList* tags = gst_tag_list_new(GST_TAG_ARTIST, "Émilie", GST_TAG_ALBUM, "Album",
+        GST_TAG_TITLE, "Title", GST_TAG_COMMENT, "Notes", GST_TAG_GENRE, "Dub",
+        GST_TAG_TRACK_NUMBER, 7, GST_TAG_EXTENDED_COMMENT, "LYRICS=La\nla", nullptr);
     const GstHolder<GstTagList> holder(tags);
     // Each muxer writes one of the two.
     GstDateTime* time = gst_date_time_new_y(1999);
@@ -175,6 +175,8 @@ TEST_CASE("Tags and cover come with the song, and a song without a title has its
         CHECK(read.title == "Title");
         CHECK(read.year == "1999");
         CHECK(read.notes == "Notes");
+        CHECK(read.genre == "Dub");
+        CHECK(read.trackNumber == 7);
         if (encoder != TaggedMp3)
             CHECK(read.lyrics == "La\nla");
         REQUIRE(read.cover.size() == picture.size());

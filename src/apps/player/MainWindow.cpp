@@ -296,7 +296,7 @@ void MainWindow::UpdateStatus()
     m_actions.stop->setEnabled(
         status.state != PlayerStatus::State::Stopped || m_player.IsListening());
     m_actions.nextSong->setEnabled(status.canGoNext);
-    m_actions.previousSong->setEnabled(status.canGoPrevious);
+    m_actions.previousSong->setEnabled(status.trackNumber >= 0); // begins the first anew
     m_actions.seekBack->setEnabled(status.canSeek);
     m_actions.seekForward->setEnabled(status.canSeek);
     m_actions.mute->setChecked(m_player.IsMuted());

@@ -86,6 +86,8 @@ void Player::Connect()
     connect(&m_playback, &Playback::OutputLost, this, &Player::OutputLost);
 
     connect(&m_sequence, &SongSequence::SongStarted, this, [this] {
+        const int row = m_playlist.Current();
+        m_lastPlayed = row < 0 ? QDateTime() : m_library.LastPlayed(m_playlist.At(row).url);
         m_host.SetElapsed(static_cast<double>(m_playback.Position()) / 1000.0);
         TellTrack();
         emit SongStarted();
@@ -144,13 +146,13 @@ PlayerStatus Player::Status() const
     status.canPlay = m_playlist.Count() > 0;
     status.canGoNext = m_playlist.Next(true) >= 0;
     const int row = m_playlist.Current();
-    status.canGoPrevious = row >= 0;
     if (row < 0)
         return status;
 
     const Song& song = m_playlist.At(row);
     status.canSeek = m_playback.IsSeekable();
-    status.trackNumber = row;
+    status.canGoPrevious = m_playlist.Previous() >= 0;
+    status.trackNumber = m_playlist.NumberAt(row);
     status.url = song.url;
     status.title = TitleOf(song);
     status.artist = song.artist;
@@ -345,6 +347,7 @@ void Player::TellTrack()
             track.info.durationSeconds = static_cast<double>(song.duration) / 1000.0;
         track.path = QFile::decodeName(PathOf(song.url).c_str());
         track.playCount = m_library.PlayCount(song.url);
+        track.lastPlayed = m_lastPlayed;
         track.rating = m_library.Rating(song.url);
         track.position = row + 1;
         track.count = m_playlist.Count();

@@ -12,6 +12,7 @@
 #include "apps/player/sound/Listening.h"
 #include "apps/player/sound/SoundDevices.h"
 
+#include <QDateTime>
 #include <QHash>
 #include <QTimer>
 
@@ -128,6 +129,7 @@ private:
     QTimer m_keep;
 
     QHash<int, Finding> m_findings; // by the finder's numbers
+    QDateTime m_lastPlayed; // the current song, before it was begun
     QString m_listeningName;
     bool m_isSeen = true;
     bool m_isFullScreen = false;

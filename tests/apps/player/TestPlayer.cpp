@@ -46,9 +46,14 @@ TEST_CASE("What is heard next is what the list says when a song ends")
     desk.Fill({ a, b, c });
     player.PlayRow(0);
     CHECK(desk.WaitUntil([&] { return desk.IsPlaying(0); }));
+    CHECK_FALSE(player.Status().canGoPrevious);
+    const qint64 number = player.Status().trackNumber;
     player.Songs().Move({ 2 }, 1);
+    CHECK(player.Status().trackNumber == number);
     CHECK(desk.WaitUntil([&] { return desk.IsPlaying(1); }));
     CHECK(player.Status().url == c);
+    CHECK(player.Status().canGoPrevious);
+    CHECK(player.Status().trackNumber != number);
     CHECK(player.Library().PlayCount(a) == 1);
 
     // Taken out while it is heard, it is followed by what has its place now.

@@ -30,6 +30,11 @@ const Song& Playlist::At(int row) const
     return m_entries.at(row).song;
 }
 
+qint64 Playlist::NumberAt(int row) const
+{
+    return m_entries.at(row).number;
+}
+
 int Playlist::Count() const
 {
     return static_cast<int>(m_entries.size());
@@ -412,7 +417,7 @@ QMimeData* Playlist::mimeData(const QModelIndexList& indexes) const
     rows = ValidRows(std::move(rows));
     if (rows.isEmpty())
         return nullptr;
-    QList<quint64> numbers;
+    QList<qint64> numbers;
     QList<QUrl> urls;
     for (const int row : rows) {
         numbers.append(m_entries[row].number);
@@ -432,7 +437,7 @@ QMimeData* Playlist::mimeData(const QModelIndexList& indexes) const
 QList<int> Playlist::DraggedRows(const QMimeData& mime) const
 {
     QByteArray mark;
-    QList<quint64> numbers;
+    QList<qint64> numbers;
     QDataStream stream(mime.data(rowsMimeType));
     stream >> mark;
     if (mark != m_dragMark)

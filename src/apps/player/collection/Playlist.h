@@ -39,6 +39,7 @@ public:
     static constexpr int mostSongs = 100'000;
 
     const Song& At(int row) const;
+    qint64 NumberAt(int row) const; // no other song's of this list, and stays while rows change
     int Count() const;
     int Current() const; // row; -1: none
     void SetCurrent(int row);
@@ -88,7 +89,7 @@ private:
     struct Entry
     {
         Song song;
-        quint64 number = 0; // which stays, while rows change
+        qint64 number = 0;
     };
 
     QList<int> ValidRows(QList<int> rows) const;
@@ -109,7 +110,7 @@ private:
 
     QMultiHash<QUrl, int> m_rowsByUrl; // of the first m_indexed rows
     int m_indexed = 0;
-    quint64 m_lastNumber = 0;
+    qint64 m_lastNumber = 0;
     const QByteArray m_dragMark; // tells what this list's rows look like on the way
 };
 

@@ -13,6 +13,7 @@
 #include <filesystem>
 #include <optional>
 #include <string_view>
+#include <utility>
 
 namespace pxvis::player {
 
@@ -128,10 +129,21 @@ void TakeInfo(std::string_view info, Song& song)
     bool isNumber = false;
     const double seconds = number.toDouble(&isNumber);
     song.duration = isNumber && seconds > 0 && seconds < 1e9 ? qRound64(seconds * 1000) : -1;
-    const QString name = line.mid(comma + 1);
+    song.title = line.mid(comma + 1);
+}
+
+// "artist - title", but for a file's name, which stands in for a title that isn't known.
+void TakeName(Song& song)
+{
+    const QString name = std::exchange(song.title, {});
     const qsizetype dash = name.indexOf(QLatin1String(" - "));
+    const QString nameless = TitleOf(song);
+    if (LineOf(name) == nameless)
+        return;
     song.artist = dash < 0 ? QString() : LineOf(name.left(dash));
     song.title = LineOf(dash < 0 ? name : name.mid(dash + 3));
+    if (song.title == nameless && !song.artist.isEmpty())
+        song.title.clear();
 }
 
 std::string InfoLine(const Song& song)
@@ -139,9 +151,9 @@ std::string InfoLine(const Song& song)
     if (song.duration < 0 && song.title.isEmpty() && song.artist.isEmpty())
         return {};
     const qint64 seconds = song.duration < 0 ? -1 : (song.duration + 500) / 1000;
-    QString name = LineOf(song.title);
+    QString name = LineOf(TitleOf(song));
     if (!song.artist.isEmpty())
-        name = LineOf(song.artist) + QStringLiteral(" - ") + LineOf(TitleOf(song));
+        name = LineOf(song.artist) + QStringLiteral(" - ") + name;
     return std::string(infoMark) + std::to_string(seconds) + ',' + name.toStdString() + '\n';
 }
 
@@ -203,6 +215,7 @@ bool PlaylistFile::Read(const QString& path, QList<Song>& songs, QString& error)
         if (line.starts_with('#'))
             continue;
         song.url = UrlOfLine(line, folder);
+        TakeName(song);
         if (!song.url.isEmpty())
             songs.append(song);
         song = {};

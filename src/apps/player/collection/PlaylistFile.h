@@ -8,9 +8,10 @@
 namespace pxvis::player {
 
 // Playlists as m3u8 files: UTF-8, a path or address a line, "#EXTINF:seconds,artist - title" before
-// it. m3u files are read as well, as UTF-8 or, where that isn't, windows-1252. Paths are taken from
-// the file's folder on. Songs in the network are left out, and so is all that isn't a file. Whether
-// the songs are there is not looked for. Any thread.
+// it, with the file's name for a title that isn't known. m3u files are read as well, as UTF-8 or,
+// where that isn't, windows-1252. Paths are taken from the file's folder on. Songs in the network
+// are left out, and so is all that isn't a file. Whether the songs are there is not looked for. Any
+// thread.
 struct PlaylistFile
 {
     static bool IsPlaylist(const QString& path); // by its ending

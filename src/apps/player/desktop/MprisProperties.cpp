@@ -48,13 +48,16 @@ QVariantMap MetadataOf(const PlayerStatus& status)
     return map;
 }
 
+// As the desktop file has them.
 const QStringList& MimeTypes()
 {
-    static const QStringList types { "audio/mpeg", "audio/mp4", "audio/aac", "audio/x-m4a",
-        "audio/flac", "audio/x-flac", "audio/ogg", "audio/x-vorbis+ogg", "audio/x-opus+ogg",
-        "audio/opus", "audio/vorbis", "audio/wav", "audio/x-wav", "audio/vnd.wave", "audio/x-aiff",
-        "audio/x-wavpack", "audio/x-ms-wma", "audio/webm", "audio/x-matroska", "audio/x-mpegurl",
-        "audio/mpegurl" };
+    static const QStringList types { "audio/aac", "audio/ac3", "audio/flac", "audio/mp2",
+        "audio/mp4", "audio/mpeg", "audio/mpegurl", "audio/ogg", "audio/opus", "audio/vnd.wave",
+        "audio/vorbis", "audio/wav", "audio/webm", "audio/x-aiff", "audio/x-ape", "audio/x-flac",
+        "audio/x-flac+ogg", "audio/x-m4a", "audio/x-matroska", "audio/x-mp3", "audio/x-mpeg",
+        "audio/x-mpegurl", "audio/x-ms-wma", "audio/x-musepack", "audio/x-opus+ogg",
+        "audio/x-speex", "audio/x-speex+ogg", "audio/x-vorbis", "audio/x-vorbis+ogg", "audio/x-wav",
+        "audio/x-wavpack", "application/ogg", "application/vnd.apple.mpegurl" };
     return types;
 }
 

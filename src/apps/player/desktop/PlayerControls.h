@@ -28,12 +28,12 @@ struct PlayerStatus
     bool isShuffled = false;
     double volume = 1; // 0 to 1
     bool canGoNext = false;
-    bool canGoPrevious = false;
+    bool canGoPrevious = false; // to another track
     bool canPlay = false;
     bool canSeek = false;
     bool isFullScreen = false;
 
-    int trackNumber = -1; // tells the tracks of a list apart; -1: there is none
+    qint64 trackNumber = -1; // the track's own, wherever in the list it moves; -1: there is none
     QUrl url;
     QString title;
     QString artist;

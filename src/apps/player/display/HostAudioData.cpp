@@ -3,6 +3,7 @@
 #include "apps/player/display/HostState.h"
 #include "apps/player/display/HostText.h"
 #include "apps/player/display/TrackField.h"
+#include "host/RecordAudioData.h"
 
 #include <pxvis/SysString.h>
 
@@ -37,18 +38,7 @@ const VisAudioBlock* HostAudioData::GetData()
 
 int32_t HostAudioData::GetValue(int32_t which)
 {
-    switch (which) {
-    case VisAudioValueLevel:
-        return m_record.level;
-    case VisAudioValueBeat:
-        return m_record.beat;
-    case VisAudioValueFrameRate:
-        return m_state->FrameRate();
-    case VisAudioValueChange:
-        return m_record.change;
-    default:
-        return 0;
-    }
+    return host::AudioValue(m_record, m_state->FrameRate(), which);
 }
 
 const void* HostAudioData::GetPlayInfo()

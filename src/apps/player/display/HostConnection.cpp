@@ -1,5 +1,6 @@
 #include "apps/player/display/HostConnection.h"
 
+#include "apps/player/display/FolderPictures.h"
 #include "apps/player/display/HostAudioData.h"
 #include "apps/player/display/HostState.h"
 #include "apps/player/display/HostText.h"
@@ -50,7 +51,9 @@ char16_t* HostConnection::GetProperty(const char16_t* name)
         return HostText(QString::number(std::max(0, m_state->Track().position - 1)));
     if (is("Playing Now File Count"))
         return HostText(QString::number(m_state->Track().count));
-    // "Playlist Images" is for lists that have pictures in them beside songs; ours have none.
+    // A list here has songs only, and pictures lie beside them.
+    if (is("Playlist Images"))
+        return HostText(FolderPictures(m_state->Track().path));
     return HostText(TrackField(m_state->Track(), property));
 }
 

@@ -19,19 +19,13 @@ int32_t WholeSeconds(double seconds)
     return seconds > 0 ? static_cast<int32_t>(std::min(seconds, 2e9)) : 0;
 }
 
-bool SaysTheSame(const host::TrackTags& a, const host::TrackTags& b)
-{
-    return a.artist == b.artist && a.album == b.album && a.title == b.title && a.year == b.year
-        && a.notes == b.notes && a.lyrics == b.lyrics;
-}
-
 }
 
 void HostState::SetTrack(const HostTrack& track)
 {
     const bool isOther = track.path != m_track.path;
     const bool isOtherPicture = track.info.tags.cover != m_track.info.tags.cover;
-    if (isOther || isOtherPicture || !SaysTheSame(track.info.tags, m_track.info.tags))
+    if (isOther || track.info.tags != m_track.info.tags)
         ++m_trackNumber;
     if (isOther || isOtherPicture)
         ++m_pictureNumber;

@@ -68,12 +68,13 @@ struct Field
     QString (*text)(const HostTrack& track);
 };
 
-// FIXME: "Genre" and "Track #" come when the tags of songs have them.
 constexpr std::array fields {
     Field { "Artist", [](const HostTrack& track) { return FromTag(track.info.tags.artist); } },
     Field { "Album", [](const HostTrack& track) { return FromTag(track.info.tags.album); } },
     Field { "Name", [](const HostTrack& track) { return FromTag(track.info.tags.title); } },
     Field { "Date (year)", [](const HostTrack& track) { return FromTag(track.info.tags.year); } },
+    Field { "Genre", [](const HostTrack& track) { return FromTag(track.info.tags.genre); } },
+    Field { "Track #", [](const HostTrack& track) { return Number(track.info.tags.trackNumber); } },
     Field { "Comment", [](const HostTrack& track) { return FromTag(track.info.tags.notes); } },
     Field { "Notes", [](const HostTrack& track) { return FromTag(track.info.tags.notes); } },
     Field { "Lyrics", [](const HostTrack& track) { return FromTag(track.info.tags.lyrics); } },

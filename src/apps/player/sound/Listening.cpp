@@ -1,6 +1,7 @@
 #include "apps/player/sound/Listening.h"
 
 #include "apps/player/sound/CapturePipeline.h"
+#include "apps/player/sound/EndingPipelines.h"
 #include "apps/player/sound/HeardSound.h"
 #include "apps/player/sound/SoundDevices.h"
 
@@ -10,7 +11,6 @@
 #include <atomic>
 #include <mutex>
 #include <utility>
-#include <vector>
 
 namespace pxvis::player {
 
@@ -18,7 +18,6 @@ namespace {
 
 constexpr int RetryInterval = 2000; // ms
 constexpr int RestInterval = 1000; // ms that nobody took sound for, so that it may come seldom
-constexpr int EndPatienceMs = 2000;
 constexpr QLatin1String AnyMonitor("@DEFAULT_MONITOR@"); // as the server calls it
 
 }
@@ -52,7 +51,7 @@ struct Listening::Pipeline final : CaptureEvents, HeardSound
     int64_t delay = 0; // ns
 
     std::shared_ptr<CapturePipeline> current; // null: off, or waits for a device
-    std::vector<std::shared_ptr<CapturePipeline>> closing;
+    EndingPipelines<CapturePipeline> ending;
     std::atomic<CapturePace> pace = CapturePace::Quick; // of the current one
     std::atomic<bool> wasTaken = false; // since the last look
     std::unique_ptr<SoundDevices> devices; // null: off
@@ -84,9 +83,6 @@ Listening::Pipeline::~Pipeline()
 {
     mailbox->Close();
     Stop();
-    // One that waits for a server is given up.
-    for (const auto& pipeline : closing)
-        pipeline->WaitForEnd(EndPatienceMs);
 }
 
 bool Listening::Pipeline::Take(host::AudioRecord& record)
@@ -110,13 +106,8 @@ bool Listening::Pipeline::Take(host::AudioRecord& record)
 
 void Listening::Pipeline::Drop()
 {
-    std::erase_if(closing, [](const auto& pipeline) { return pipeline->WaitForEnd(0); });
     isHearing = false;
-    if (!current)
-        return;
-    current->Close();
-    closing.push_back(std::move(current));
-    current = nullptr;
+    ending.Take(std::exchange(current, nullptr));
     const std::lock_guard lock(mutex);
     heard = nullptr;
 }

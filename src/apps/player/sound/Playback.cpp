@@ -1,5 +1,6 @@
 #include "apps/player/sound/Playback.h"
 
+#include "apps/player/sound/EndingPipelines.h"
 #include "apps/player/sound/HeardSound.h"
 #include "apps/player/sound/SongPipeline.h"
 #include "apps/player/sound/SoundOutput.h"
@@ -13,7 +14,6 @@
 #include <cmath>
 #include <mutex>
 #include <utility>
-#include <vector>
 
 namespace pxvis::player {
 
@@ -30,15 +30,6 @@ constexpr int OutputSeconds = 3;
 constexpr int ProbeSeconds = 3;
 constexpr int VolumeEchoMs = 1000;
 constexpr int EndPatienceMs = 2000;
-
-// Grows with whatever tags add.
-size_t Extent(const SongInfo& info)
-{
-    const host::TrackTags& tags = info.tags;
-    return tags.artist.size() + tags.album.size() + tags.title.size() + tags.year.size()
-        + tags.notes.size() + tags.lyrics.size() + tags.cover.size()
-        + static_cast<size_t>(info.bitRate != 0);
-}
 
 std::string LocalPath(const QUrl& song)
 {
@@ -88,7 +79,7 @@ struct Playback::Pipeline final : SongEvents, HeardSound
     qint64 delay = 0; // ns
 
     std::shared_ptr<SongPipeline> current; // null: nothing plays
-    std::vector<std::shared_ptr<SongPipeline>> closing;
+    EndingPipelines<SongPipeline> ending;
     PlayState state = PlayState::Stopped;
     QUrl song;
     QUrl next;
@@ -125,9 +116,6 @@ Playback::Pipeline::~Pipeline()
 {
     mailbox->Close();
     Drop();
-    // A pipeline that waits for a server is given up.
-    for (const auto& pipeline : closing)
-        pipeline->WaitForEnd(EndPatienceMs);
     if (probe) {
         probe->Finish();
         probe->WaitForEnd(EndPatienceMs);
@@ -152,15 +140,9 @@ bool Playback::Pipeline::Take(AudioRecord& record)
     return pipeline->Analysis().Take(*now - late, record);
 }
 
-// What goes away is told nothing any more and takes its time to do so.
 void Playback::Pipeline::Drop()
 {
-    std::erase_if(closing, [](const auto& pipeline) { return pipeline->WaitForEnd(0); });
-    if (!current)
-        return;
-    current->Close();
-    closing.push_back(std::move(current));
-    current = nullptr;
+    ending.Take(std::exchange(current, nullptr));
     const std::lock_guard lock(mutex);
     heard = nullptr;
 }
@@ -269,9 +251,7 @@ void Playback::Pipeline::OnFormat(SongPipeline&, const SongFormat& told)
 
 void Playback::Pipeline::OnTags(SongPipeline&, const GstTagList* tags)
 {
-    const size_t before = Extent(info);
-    host::MergeTags(tags, info);
-    if (Extent(info) != before)
+    if (host::MergeTags(tags, info))
         TellInfo();
 }
 

@@ -43,22 +43,6 @@ QString FileFault(const std::string& path)
     return status.st_size > 0 ? QString() : Playback::tr("The file is empty.");
 }
 
-int SelectPlugin(GstElement*, GstPad*, GstCaps*, GstElementFactory* factory, void* hasStreams)
-{
-    enum
-    {
-        Try,
-        Expose,
-        Skip
-    };
-
-    if (!ServesSound(factory))
-        return Skip;
-    if (IsDemuxer(factory))
-        *static_cast<std::atomic<bool>*>(hasStreams) = true;
-    return Try;
-}
-
 template <typename T>
 GstHolder<T> Share(const GstHolder<T>& holder)
 {
@@ -213,7 +197,7 @@ void SongPipeline::SetUpElement(GstElement*, GstElement* element, void* self)
 {
     const GstElementFactory* factory = gst_element_get_factory(element);
     if (factory && g_str_equal(GST_OBJECT_NAME(factory), "uridecodebin"))
-        g_signal_connect(element, "autoplug-select", G_CALLBACK(SelectPlugin),
+        g_signal_connect(element, "autoplug-select", G_CALLBACK(SelectForSound),
             &static_cast<SongPipeline*>(self)->m_hasStreams);
 }
 

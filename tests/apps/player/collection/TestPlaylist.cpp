@@ -74,9 +74,12 @@ TEST_CASE("Songs come, go and move, and the current one stays so until it goes i
     CHECK(Names(list) == "deaBc");
 
     const QPersistentModelIndex watched = list.index(4, 0);
+    const qint64 number = list.NumberAt(4);
     list.Move({ 4, 0, 0, 99, -1 }, 3);
     CHECK(Names(list) == "eadcB");
     CHECK(watched.row() == 3);
+    CHECK(list.NumberAt(3) == number);
+    CHECK(list.NumberAt(4) != number);
     list.Move({ 4 }, 0);
     list.Move({ 0 }, 1); // where it is
     CHECK(Names(list) == "Beadc");

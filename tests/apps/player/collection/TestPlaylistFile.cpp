@@ -44,16 +44,19 @@ TEST_CASE("What is written is read again, whatever the songs' names are")
 {
     const TestFolder folder;
     QList<Song> songs;
-    for (const char* name : { "plain.mp3", "# one\\two.ogg", " a%20b?#c.flac", "new\nline.opus",
-             "latin\xE4.wav", "\xC3\xA4/\xE6\x97\xA5.m4a", "http:/x.mp3", "back\\slash.mp3" }) {
+    for (const char* name :
+        { "plain.mp3", "# one\\two.ogg", " a%20b?#c.flac", "new\nline.opus", "latin\xE4.wav",
+            "\xC3\xA4/\xE6\x97\xA5.m4a", "http:/x.mp3", "back\\slash.mp3", "01 - A - B.mp3" }) {
         Song song;
         song.url = UrlOf(folder.Path(name));
+        song.duration = 2000;
         songs.append(song);
     }
     songs[0].artist = "Artist";
     songs[0].title = "One - Two";
     songs[0].duration = 61'000;
     songs[1].title = "Title";
+    songs[2].artist = "Artist";
     songs.append(Song());
     songs.last().url = UrlOf("/elsewhere/a.mp3");
     const QString path = QString::fromStdString(folder.Path("made/../lists/list.m3u8"));
@@ -72,7 +75,8 @@ TEST_CASE("What is written is read again, whatever the songs' names are")
     CHECK(again == songs);
     CHECK(folder.Read("list.m3u8")
               .starts_with(
-                  "#EXTM3U\n#EXTINF:61,Artist - One - Two\nplain.mp3\n#EXTINF:-1,Title\n./# one"));
+                  "#EXTM3U\n#EXTINF:61,Artist - One - Two\nplain.mp3\n#EXTINF:2,Title\n./# one"));
+    CHECK(folder.Read("list.m3u8").find("#EXTINF:2,01 - A - B\n01 - A") != std::string::npos);
     std::filesystem::rename(folder / "list.m3u8", folder / "lists/moved.m3u8");
     REQUIRE(
         PlaylistFile::Read(QString::fromStdString(folder.Path("lists/moved.m3u8")), again, error));

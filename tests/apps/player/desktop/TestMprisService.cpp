@@ -1,5 +1,6 @@
 #include "apps/player/desktop/MprisService.h"
 
+#include "TestFolder.h"
 #include "apps/player/desktop/DesktopTesting.h"
 #include "apps/player/desktop/PlayerControls.h"
 
@@ -145,7 +146,11 @@ TEST_CASE("The desktop sees the player, with every property in its type")
     CHECK(all["Identity"] == "pxvis");
     CHECK(all["DesktopEntry"] == "pxvis-player");
     CHECK(all["SupportedUriSchemes"] == QStringList("file"));
-    CHECK(all["SupportedMimeTypes"].toStringList().contains("audio/flac"));
+    const QStringList types = all["SupportedMimeTypes"].toStringList();
+    const std::string desktopFile
+        = BytesOf(PXVIS_SOURCE_DIR "/packaging/desktop/pxvis-player.desktop");
+    CHECK(desktopFile.find("\nMimeType=" + types.join(';').toStdString() + ";\n")
+        != std::string::npos);
     CHECK(all["Fullscreen"] == false);
 
     QVariantMap metadata = qdbus_cast<QVariantMap>(desktop.All(player)["Metadata"]);

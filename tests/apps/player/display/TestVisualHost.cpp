@@ -138,6 +138,9 @@ TEST_CASE("A track's texts and numbers are told in each form that is asked for")
     line.track.info.tags.artist = "Sigur R\xC3\xB3s \xF0\x9F\x8C\x8A";
     line.track.info.tags.album = "A\xFF\xED\xA0\x80"; // neither a character
     line.track.info.tags.year = "2002";
+    line.track.info.tags.genre = "Post-rock";
+    line.track.info.tags.trackNumber = 3;
+    line.track.lastPlayed = QDateTime(QDate(2001, 2, 3), QTime(4, 5));
     line.track.info.tags.lyrics = std::string(100'000, 'x');
     line.track.info.tags.lyrics.replace(65535, 4, "\xF0\x9F\x8C\x8A"); // across the cut
     line.track.info.durationSeconds = 3725.9;
@@ -172,6 +175,8 @@ TEST_CASE("A track's texts and numbers are told in each form that is asked for")
         { u"artist", u"Sigur R\u00F3s \U0001F30A" },
         { u"Name", u"Tide" },
         { u"Date (year)", u"2002" },
+        { u"Genre", u"Post-rock" },
+        { u"Track #", u"3" },
         { u"Filename", u"Tide.flac" },
         { u"Filename (path)", u"/music/Tide.flac" },
         { u"File Type", u"FLAC" },
@@ -182,13 +187,25 @@ TEST_CASE("A track's texts and numbers are told in each form that is asked for")
         { u"Playing Now Position", u"2" }, // from 0
         { u"Playing Now File Count", u"12" },
         { u"File Size", u"(null)" }, // there is no such file
-        { u"Last Played", u"(null)" },
         { u"Playlist Images", u"(null)" },
         { u"", u"(null)" },
         { nullptr, u"(null)" },
     };
     for (const auto& [name, value] : properties)
         CHECK(line.Ask(name) == value);
+    CHECK(line.Ask(u"Last Played") != u"(null)");
+}
+
+TEST_CASE("Pictures of the playlist are those that lie beside the song")
+{
+    Line line;
+    for (const char* name : { "b.JPG", "a.png", "song.flac", ".hidden.png", "two\nlines.png" })
+        line.home.Write(name, "x");
+    std::filesystem::create_directory(line.home / "folder.png");
+    line.track.path = QString::fromStdString(line.home.Path("song.flac"));
+    line.host.SetTrack(line.track);
+    const std::string expected = line.home.Path("a.png") + "\n" + line.home.Path("b.JPG");
+    CHECK(line.Ask(u"Playlist Images") == std::u16string(expected.begin(), expected.end()));
 }
 
 TEST_CASE("A track's picture is told once, as a file and as it is")
