@@ -32,6 +32,36 @@ OQString LimitText(const OQChar* what, int64_t limit)
     return u"the limit of " + OQIntToText(limit) + what;
 }
 
+// A fault of the parser's in words for who wrote the file; the place is told with it. `isLast`: it
+// is the last character's.
+OQString XmlFaultText(const OQString& error, bool isLast)
+{
+    const int32_t firstQuote = error.Find(u'\'');
+    const int32_t lastQuote = error.ReverseFind(u'\'');
+    OQString name;
+    if (firstQuote < lastQuote)
+        name = error.Mid(firstQuote + 1, lastQuote - firstQuote - 1);
+    if (error.EndsWith(u" unterminated"))
+        return OQString(error.StartsWith(u"Element") ? u"this tag is" : u"what begins here is")
+            + u" never closed: a quote or \">\" is missing, or the file is cut off";
+    if (error.EndsWith(u" not ended"))
+        return QuoteForMessage(name) + u" is never closed: " + QuoteForMessage(u"</" + name + u">")
+            + u" is missing, or the file is cut off";
+    if (error.StartsWith(u"No start tag"))
+        return QuoteForMessage(u"</" + name + u">") + u" closes nothing that is open here";
+    if (error.StartsWith(u"Incorrect tag name") && isLast)
+        return u"the file ends at \"<\": it is cut off";
+    if (error.StartsWith(u"Incorrect tag name"))
+        return u"\"<\" begins no tag here: in an equation write &lt; for \"<\" and &amp; for \"&\"";
+    if (error == u"Empty document")
+        return u"the file is empty";
+    if (error == u"No root element")
+        return u"there is no element in the file: it is no script";
+    if (error == u"Root element has sibling")
+        return u"something stands behind the end of the script";
+    return u"not well formed XML: " + error;
+}
+
 // A piece whose equation never sets "on" isn't drawn.
 void AddOnFault(const OQString& text, CVisRowFault& fault)
 {
@@ -140,11 +170,8 @@ void CScriptCheck::AddXmlFault()
     int32_t offset = 0;
     for (int32_t at = error.Find(mark); at >= 0; at = error.Find(mark, at + 1))
         offset = OQTextToInt(error.GetText() + at + mark.GetLength());
-    Add(std::clamp(offset, 0, m_document.GetDoc().GetLength()), {},
-        u"not well formed XML: " + error
-            + (error.StartsWith(u"Incorrect tag name")
-                    ? u"; in an equation write &lt; for \"<\" and &amp; for \"&\""
-                    : u""));
+    const int32_t length = m_document.GetDoc().GetLength();
+    Add(std::clamp(offset, 0, length), {}, XmlFaultText(error, offset + 1 == length));
 }
 
 // A forgotten quote makes a tag swallow what follows up to the next one: still well formed, but
@@ -156,7 +183,8 @@ bool CScriptCheck::CheckQuotes(const OQString& text)
     bool good = true;
     for (OQXmlToken token = tokenizer.Next(); good && token.kind != OQXmlTokenKind::End;
          token = tokenizer.Next()) {
-        if (token.kind != OQXmlTokenKind::StartTag)
+        // A tag that the text ends in is told as that.
+        if (token.kind != OQXmlTokenKind::StartTag || token.fault != OQXmlTokenFault::None)
             continue;
         const std::u16string_view tag
             = view.substr(static_cast<size_t>(token.start), static_cast<size_t>(token.length));

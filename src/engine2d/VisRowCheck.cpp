@@ -194,25 +194,25 @@ bool IsBlank(const OQString& text)
 }
 
 // Equations with "|" between them, each checked as a row of its own would be; a blank one is one
-// left out. `piece`: what one of them is called.
-CVisRowFault EquationPiecesFault(
-    const CVisRowInfo& row, const OQString& text, const OQChar* piece, int32_t mostPieces)
+// left out.
+CVisRowFault EquationsFault(const CVisRowInfo& row, const OQString& text, int32_t most)
 {
     OQStringArray parts;
     text.Split(u'|', parts);
     int32_t start = 0;
     for (int32_t i = 0; i < parts.GetCount(); ++i) {
         const bool isBlank = IsBlank(parts[i]);
-        if (!isBlank && i >= mostPieces)
-            return { OQString(u"only the first ") + OQIntToText(mostPieces) + u" " + piece
-                    + u"s are read",
+        if (!isBlank && i >= most)
+            return { u"only the first " + OQIntToText(most) + u" equations between \"|\" are read",
                 start };
         CVisRowFault fault;
         if (!isBlank)
             fault = EquationFault(row, parts[i]);
         if (!fault.reason.IsEmpty()) {
             if (parts.GetCount() > 1)
-                fault.reason = piece + (u" " + OQIntToText(i + 1)) + u": " + fault.reason;
+                fault.reason = u"in equation " + OQIntToText(i + 1) + u" of "
+                    + OQIntToText(parts.GetCount()) + u" (\"|\" stands between them): "
+                    + fault.reason;
             fault.position += start;
             return fault;
         }
@@ -299,13 +299,13 @@ CVisRowFault CheckRowText(const CVisRowInfo& row, const OQString& text, const OQ
     case CVisRowForm::Equation:
         return EquationFault(row, text);
     case CVisRowForm::EquationList:
-        return EquationPiecesFault(row, text, u"equation", text.GetLength() + 1);
+        return EquationsFault(row, text, text.GetLength() + 1);
     case CVisRowForm::ColorList:
         return ColorListFault(row, text);
     case CVisRowForm::PictureList:
         return { PictureListFault(text) };
     case CVisRowForm::EquationStages:
-        return EquationPiecesFault(row, text, u"stage", equationStages);
+        return EquationsFault(row, text, equationStages);
     }
     return {};
 }

@@ -73,8 +73,22 @@ TEST_CASE("A finding stands at the line and column of the file, and at the chara
     CHECK(findings[0].component == u"Transform");
     CHECK(findings[0].row == u"ColorEquation");
     CHECK(findings[0].position == 11); // of the decoded text
-    CHECK(Tells(CheckText("<PXV Version=\"1.0\">\n<Layer>\n</PXV>").at(0), u"not well formed"));
+    CHECK(Tells(
+        CheckText("<PXV Version=\"1.0\">\n<Layer>\n</PXV>").at(0), u"\"Layer\" is never closed"));
     CHECK(CheckText("<PXV Version=\"1.0\">\n<Layer>\n</PXV>").at(0).line == 2);
+}
+
+TEST_CASE("A file that was cut off is told as that alone, wherever the cut is")
+{
+    const std::string whole = std::string("<PXV Version=\"1.0\">\n") + flush + "\n" + transform
+        + "<Properties><Name>a</Name></Properties></Component></PXV>";
+    for (size_t length = 1; length < whole.size(); ++length) {
+        CAPTURE(whole.substr(0, length));
+        const auto findings = CheckText(whole.substr(0, length));
+        CHECK(findings.size() == 1);
+        CHECK(Tells(findings.at(0), u"cut off"));
+    }
+    CHECK(Tells(CheckText("no script").at(0), u"no script"));
 }
 
 TEST_CASE("Equations that do not compile are told with the reason, empty ones are none")
@@ -95,20 +109,20 @@ TEST_CASE(
     CHECK(IsGood("ScopeEquation", "Satellite Dish", scope));
     CHECK(IsGood("ScopeEquation", "|||| | |", scope));
     const CScriptFinding stage = CheckRow("ScopeEquation", "n=9;|x=i;y=(v|t=", scope);
-    CHECK(Tells(stage, u"stage 2: "));
+    CHECK(Tells(stage, u"in equation 2 of 3 "));
     CHECK(stage.position == 12); // the parenthesis that is never closed
     CHECK(Tells(CheckRow("ScopeEquation", "n=9;|x=i; |t=1", scope), u"after the last \";\""));
     const CScriptFinding surplus = CheckRow("ScopeEquation", "n=1|||||t=(", scope);
-    CHECK(Tells(surplus, u"only the first 5 stages"));
+    CHECK(Tells(surplus, u"only the first 5 equations"));
     CHECK(surplus.position == 8); // its "|"
-    CHECK_FALSE(Tells(CheckRow("ScopeEquation", "n=", scope), u"stage")); // there is only one
+    CHECK_FALSE(Tells(CheckRow("ScopeEquation", "n=", scope), u"equation 1")); // there is only one
 
     constexpr const char* feedback = "<Component GUID=\"DCE4B5AB-25A0-432f-B4A2-8E91B9FD1060\">";
     CHECK(IsGood("TransformEquation", "", feedback));
     CHECK(IsGood("TransformEquation", "(none)", feedback));
     CHECK(IsGood("TransformEquation", "d=d*.9||\r\n|r=r+1||||d=1", feedback));
     const CScriptFinding third = CheckRow("TransformEquation", "d=1||d=", feedback);
-    CHECK(Tells(third, u"equation 3: "));
+    CHECK(Tells(third, u"in equation 3 of 3 "));
     CHECK(third.position == 8);
 }
 
@@ -182,7 +196,7 @@ TEST_CASE("Hidden and unknown elements are told")
         u"no area"));
     CHECK(Tells(CheckText("<pxv Version=\"1.0\"/>").at(0), u"\"PXV\""));
     CHECK(Tells(CheckText("<PXV Version=\"2.0\"/>").at(0), u"\"2.0\""));
-    CHECK(Tells(CheckText("").at(0), u"Empty document"));
+    CHECK(Tells(CheckText("").at(0), u"is empty"));
     CHECK(Tells(CheckBody("").at(0), u"draws nothing"));
     CHECK(Tells(CheckBody(std::string(transform) + "</Component>").at(0), u"no component paints"));
 }

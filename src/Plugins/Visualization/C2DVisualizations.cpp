@@ -156,6 +156,7 @@ bool C2DVisualizations::SetMode(const char16_t* mode)
 {
     return GuardedFromHost(u"C2DVisualizations::SetMode", false, [&] {
         m_scriptFile.Clear();
+        m_refusedFile.Clear();
         m_nextPath = m_folder.GetModePath(mode);
         LoadWhatWaits();
         return true;
@@ -168,11 +169,23 @@ bool C2DVisualizations::SetScriptFile(const OQString& path)
 {
     OQString native = path;
     native.Replace(u'\\', u'/');
-    if (!native.IsEmpty() && !(native.StartsWith(u"/") && CVisualization::IsScript(native)))
+    if (!native.IsEmpty() && !(native.StartsWith(u"/") && CVisualization::IsScript(native))) {
+        m_refusedFile = native;
         return false;
+    }
+    m_refusedFile.Clear();
     m_scriptFile = native;
     LoadWhatWaits();
     return true;
+}
+
+OQString C2DVisualizations::GetScriptFault()
+{
+    if (!m_refusedFile.IsEmpty() || !m_scriptFile.IsEmpty())
+        return m_fault.Tell(m_refusedFile.IsEmpty() ? m_scriptFile : m_refusedFile);
+    if (m_currentScript < 0 || m_currentScript >= m_scripts.GetCount())
+        return {};
+    return m_fault.Tell(m_scripts[m_currentScript]);
 }
 
 IVisAudioData* C2DVisualizations::GetAudioData()

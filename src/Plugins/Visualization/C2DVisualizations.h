@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Plugins/Visualization/OQVisualizationBase.h"
+#include "Plugins/Visualization/VisScriptFault.h"
 #include "Plugins/Visualization/VisScriptFolder.h"
 #include "Plugins/Visualization/VisualizationSettings.h"
 #include "engine2d/CVisFlashLimiter.h"
@@ -85,6 +86,8 @@ private:
 
     OQString GetScriptFile() const override { return m_scriptFile; }
 
+    OQString GetScriptFault() override;
+
     OQString CurrentPath() const;
     void LoadMode(const OQString& path);
     void LoadScriptFile();
@@ -118,6 +121,8 @@ private:
     OQString m_nextPath; // of the mode that it chose meanwhile; else empty
     OQString m_scriptFile; // shown in place of the mode; else empty
     OQString m_loadedFile; // the same once the engine has it
+    OQString m_refusedFile; // that was to be shown, and is no script; until one is chosen
+    VisScriptFault m_fault;
     OQString m_unsavedPath; // of the current mode, where the settings don't take it; else empty
     bool m_hasData = false; // at the last draw
     int64_t m_lastNews = 0; // ns, monotonic: when there was something to show

@@ -39,6 +39,8 @@ OQString OQVisualizationBase::PropertyText(const OQString& name)
         return GetName();
     if (name.CompareNoCase(u"Script File") == 0)
         return GetScriptFile();
+    if (name.CompareNoCase(u"Script Fault") == 0)
+        return GetScriptFault();
     const bool isCurrent = name.CompareNoCase(u"Current Mode") == 0;
     if (!isCurrent && name.CompareNoCase(u"Modes") != 0)
         return {};

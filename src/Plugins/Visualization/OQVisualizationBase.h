@@ -41,6 +41,8 @@ protected:
 
     virtual OQString GetScriptFile() const { return {}; }
 
+    virtual OQString GetScriptFault() { return {}; } // of the same name
+
     // Made at the first call; null without a host.
     IOQHostConnection* GetHostConnection();
 

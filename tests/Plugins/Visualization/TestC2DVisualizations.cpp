@@ -170,12 +170,17 @@ TEST_CASE("A script file from anywhere is told and ends, and is no mode")
     CHECK(set(u"")); // nothing to end
     REQUIRE(set(mine));
     CHECK(file() == mine);
+    const auto fault = [&] { return PropertyOf(visualization, u"Script Fault"); };
+    CHECK(fault().starts_with(u"mine.pxv, line 1: the script holds no component"));
+    folder.Write("mine.pxv", "<PXV Version=\"1.0\"><Comp");
+    CHECK(fault().find(u"cut off") != std::u16string::npos);
     CHECK(PropertyOf(visualization, u"Current Mode") == u"Calm\\Cycle All");
     for (const std::u16string& refused : { with(u"other.pxv"), with(u"song.pxv"), with(u""),
              std::u16string(u"mine.pxv"), std::u16string(u"http://127.0.0.1/mine.pxv") }) {
         CHECK_FALSE(set(refused));
         CHECK(file() == mine);
     }
+    CHECK(fault() == u"mine.pxv: there is no such script");
     std::u16string windows = mine;
     std::replace(windows.begin(), windows.end(), u'/', u'\\');
     CHECK(set(windows));
