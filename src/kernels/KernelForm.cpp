@@ -1,5 +1,7 @@
 #include "kernels/KernelForm.h"
 
+#include <hwy/targets.h>
+
 #include <atomic>
 #include <cstdlib>
 #include <string_view>
@@ -8,10 +10,23 @@ namespace pxvis::kernels {
 
 namespace {
 
+// In Highway a better set has a lower bit.
+void DisableBetterThan(int64_t set)
+{
+    hwy::DisableTargets(set - 1);
+}
+
 KernelForm FormOfEnvironment()
 {
-    const char* form = std::getenv("PXVIS_KERNELS");
-    return form && std::string_view(form) == "scalar" ? KernelForm::Scalar : KernelForm::Auto;
+    const char* variable = std::getenv("PXVIS_KERNELS");
+    const std::string_view form = variable ? variable : "";
+    if (form == "sse4")
+        DisableBetterThan(HWY_SSE4);
+    else if (form == "avx2")
+        DisableBetterThan(HWY_AVX2);
+    else if (form == "avx512")
+        DisableBetterThan(HWY_AVX3);
+    return form == "scalar" ? KernelForm::Scalar : KernelForm::Auto;
 }
 
 std::atomic<KernelForm>& Chosen()
