@@ -9,5 +9,6 @@ namespace pxvis::bench {
 void BenchMaths(BenchTable& table); // a value
 void BenchEquations(BenchTable& table); // an evaluation; the floor is native code
 void BenchMaps(BenchTable& table); // a pixel
+void BenchFrames(BenchTable& table); // a frame of each shipped script, and of videos of them
 
 }

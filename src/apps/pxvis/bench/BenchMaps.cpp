@@ -56,8 +56,9 @@ void BenchMaps(BenchTable& table)
             const std::string map = std::string("map/") + name + "/" + size.name;
             if (table.Wants(map)) {
                 CTransformMap transform;
-                BenchMap(table, map, size.width, size.height,
-                    [&] { transform.Build(size.width, size.height, { .equation = &text, .center = {} }); });
+                BenchMap(table, map, size.width, size.height, [&] {
+                    transform.Build(size.width, size.height, { .equation = &text, .center = {} });
+                });
             }
             const std::string superMap = std::string("map/super-") + name + "/" + size.name;
             if (table.Wants(superMap)) {

@@ -76,15 +76,14 @@ void BenchTable::Add(const Figure& figure)
              << Column(figure.floorNs ? Ratio(figure.ns, *figure.floorNs) : "", 18) << std::endl;
 }
 
-void TimeTogether(std::initializer_list<Timed*> works, double seconds)
+void TimeTogether(std::initializer_list<Timed*> works, double seconds, int32_t fewestRounds)
 {
-    constexpr int fewestRounds = 3;
     for (Timed* work : works)
         work->ns = std::numeric_limits<double>::infinity();
     const int64_t start = os::MonotonicNanoseconds();
     const auto inTime
         = [&] { return static_cast<double>(os::MonotonicNanoseconds() - start) < seconds * 1e9; };
-    for (int round = 0; round < fewestRounds || inTime(); ++round) {
+    for (int32_t round = 0; round < fewestRounds || inTime(); ++round) {
         for (Timed* work : works) {
             const int64_t before = os::MonotonicNanoseconds();
             work->run();

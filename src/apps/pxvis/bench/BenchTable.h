@@ -48,9 +48,10 @@ struct Timed
     double ns = 0; // of a unit
 };
 
-// Runs them in turns, so that a busy machine meets all alike, for so long in all and three times at
+// Runs them in turns, so that a busy machine meets all alike, for so long in all and so often at
 // least.
-void TimeTogether(std::initializer_list<Timed*> works, double seconds = 0.4);
+void TimeTogether(
+    std::initializer_list<Timed*> works, double seconds = 0.4, int32_t fewestRounds = 3);
 
 // Runs what is given with the kernels' scalar forms.
 void WithScalarKernels(const std::function<void()>& run);
