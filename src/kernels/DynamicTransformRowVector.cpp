@@ -117,6 +117,7 @@ void Row(const DynamicTransformPass& pass, int32_t y)
     for (int32_t left = 0; left < right; left += count) {
         count = TilePixels(right - left);
         const int32_t cells = (count + cell - 1) / cell;
+        FetchAhead(pass.target + rowStart + left, count);
         line.Fill(left / cell, cells);
         for (int32_t number = 0; number < cells; ++number) {
             for (int32_t inCell = 0; inCell < cell; inCell += lanes) {

@@ -11,6 +11,7 @@
 
 #include "kernels/FetchPixels.h"
 
+#include <hwy/cache_control.h>
 #include <hwy/highway.h>
 
 #include <cstddef>
@@ -69,6 +70,18 @@ HWY_INLINE void ForEachVector(int32_t count, const Work& work)
     for (int32_t first = 0; first < last; first += VectorPixels())
         work(first);
     work(last);
+}
+
+// Asks for memory that the next tiles go through in order: processors stop fetching ahead by
+// themselves at each page.
+template <typename Item>
+HWY_INLINE void FetchAhead(const Item* items, int32_t count)
+{
+    constexpr int32_t bytesAhead = 1024;
+    constexpr int32_t lineBytes = 64;
+    const uintptr_t first = reinterpret_cast<uintptr_t>(items) + bytesAhead;
+    for (uintptr_t i = 0; i < static_cast<uintptr_t>(count) * sizeof(Item); i += lineBytes)
+        hwy::Prefetch(reinterpret_cast<const char*>(first + i));
 }
 
 // a.x * b.x + a.y * b.y of each pair, wrapped.

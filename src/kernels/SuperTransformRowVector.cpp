@@ -115,6 +115,8 @@ void Row(const SuperTransformPass& pass, const Entry* map, int32_t y)
     for (int32_t left = 1; left < right; left += count) {
         count = TilePixels(right - left);
         const Entry* entries = map + (ptrdiff_t { y } * pass.width + left) * 2;
+        FetchAhead(entries, count * 2);
+        FetchAhead(pass.target + rowStart + left, count);
         ForEachVector(count, [&](int32_t first) HWY_ATTR {
             Position at = rotation.Turn(entries + first * 2);
             if (stretches)

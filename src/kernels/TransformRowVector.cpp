@@ -164,6 +164,8 @@ void Row(const TransformPass& pass, const Entry* map, int32_t y, const RowMove& 
         count = TilePixels(pass.right - left);
 
         const Entry* entries = map + (int64_t { y } * width + left) * 2;
+        FetchAhead(entries, count * 2);
+        FetchAhead(pass.target + rowStart + left, count);
         const int32_t phase = move.phase - 1 + (left - pass.left) * move.step;
         ForEachVector(count, [&](int32_t first) HWY_ATTR {
             const NumberVector phases = hn::Add(steps, hn::Set(dn, phase + first * move.step));
