@@ -4,7 +4,14 @@
 //     bench_surfaces [FILTER]
 
 #include "foundation/OQParallelRows.h"
+#include "kernels/Blend.h"
+#include "kernels/BlendColor.h"
+#include "kernels/BlendCoverage.h"
+#include "kernels/CopyRect.h"
+#include "kernels/FillRect.h"
 #include "kernels/I420FromPixels.h"
+#include "kernels/LinearLight.h"
+#include "kernels/PixelsFromBytes.h"
 #include "kernels/Stretch.h"
 
 #include <hwy/targets.h>
@@ -134,6 +141,73 @@ void AddI420(std::vector<Case>& cases, int32_t width, int32_t height)
             } });
 }
 
+// Row by row over a picture: run(target, source, count) of each form.
+template <typename Run, typename ScalarRun>
+void AddRows(std::vector<Case>& cases, const char* name, int32_t width, int32_t height,
+    const Run& run, const ScalarRun& scalarRun)
+{
+    const int64_t count = int64_t { width } * height;
+    auto source = std::make_shared<Pixels>(Noise(count));
+    auto target = std::make_shared<Pixels>(Noise(count));
+    const auto rows = [=](const auto& form) {
+        return [=] {
+            for (int64_t y = 0; y < height; ++y)
+                form(target->data() + y * width, source->data() + y * width, width);
+        };
+    };
+    cases.push_back({ name + ("/" + Size(width, height)), count, rows(run), rows(scalarRun),
+        rows([](uint32_t* to, const uint32_t* from, int32_t pixels) {
+            for (int32_t x = 0; x < pixels; ++x)
+                to[x] ^= from[x];
+        }),
+        {} });
+}
+
+void AddBlends(std::vector<Case>& cases, int32_t width, int32_t height)
+{
+    const auto ofColor = [](auto form) {
+        return [=](uint32_t* to, const uint32_t*, int32_t count) { form(to, count, 0x0C0C0C); };
+    };
+    const auto ofCoverage = [](auto form) {
+        return [=](uint32_t* to, const uint32_t* from, int32_t count) {
+            form(to, reinterpret_cast<const uint8_t*>(from), count, 0x00C0FF80);
+        };
+    };
+    const auto add = [&](const char* name, auto run, auto scalarRun) {
+        AddRows(cases, name, width, height, run, scalarRun);
+    };
+    add("color/replace", ofColor(ReplaceColor), ofColor(ReplaceColor));
+    add("color/add", ofColor(AddColor), ofColor(scalar::AddColor));
+    add("color/subtract", ofColor(SubtractColor), ofColor(scalar::SubtractColor));
+    add("color/average", ofColor(AverageColor), ofColor(AverageColor));
+    add("cover/coverage", ofCoverage(BlendCoverage), ofCoverage(scalar::BlendCoverage));
+    add("cover/over", BlendOver, scalar::BlendOver);
+    add("cover/alpha", BlendRow, scalar::BlendRow);
+    const auto fill
+        = [](uint32_t* to, const uint32_t*, int32_t count) { FillRect(to, count, count, 1, 7); };
+    add("rect/fill", fill, fill);
+    const auto copy = [](uint32_t* to, const uint32_t* from, int32_t count) {
+        CopyRect(to, count, from, count, count, 1);
+    };
+    add("rect/copy", copy, copy);
+    const auto fromBytes = [](uint32_t* to, const uint32_t* from, int32_t count) {
+        PixelsFromBytes(to, 1, reinterpret_cast<const uint8_t*>(from), 4, count);
+    };
+    add("rect/bytes", fromBytes, fromBytes);
+
+    auto table = std::make_shared<std::vector<uint8_t>>(size_t { 256 } * 256);
+    FillMixTable(table->data(), 100);
+    const auto mix = [=](uint32_t* to, const uint32_t* from, int32_t count) {
+        MixLinearLight(to, to, from, count, table->data());
+    };
+    add("light/mix", mix, mix);
+    const auto sum = [](uint32_t*, const uint32_t* from, int32_t count) {
+        LinearLightSum sums[1];
+        SumLinearLight(sums, &count, 1, from, 2, 8);
+    };
+    add("light/sum-every-8th", sum, sum);
+}
+
 }
 
 int main(int argc, char** argv)
@@ -147,6 +221,7 @@ int main(int argc, char** argv)
     AddStretch(cases, "shrink", 1920, 1080, 1280, 720);
     AddStretch(cases, "double", 1920, 1080, 3840, 2160);
     AddI420(cases, 1920, 1080);
+    AddBlends(cases, 1920, 1080);
 
     std::printf("%-34s %8s %8s %8s %8s   %6s %6s\n", "ns an item", "run", "bands", "scalar",
         "floor", "faster", "/floor");
