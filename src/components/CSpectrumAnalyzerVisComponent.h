@@ -34,6 +34,19 @@ private:
         int64_t bottom;
     };
 
+    // A box of a bar as far as it lies in the picture.
+    struct Bar
+    {
+        int32_t first; // column
+        int32_t count; // columns
+        int32_t highest; // row
+        int32_t lowest;
+        int32_t tip; // the row where the box leaves the picture; -1: none
+        bool isUpward;
+        int64_t base; // the row of the table's first colour, maybe outside
+        int64_t rows; // from it to the tip
+    };
+
     struct Metrics // pixels
     {
         int64_t barWidth;
@@ -51,7 +64,9 @@ private:
     void CollectBoxes(const Metrics& metrics, size_t bar);
     int32_t TableSize() const;
     uint32_t TablePixel(int64_t index) const;
-    void FillBar(const CVisBufferHelper& picture, const Box& box) const;
+    void CollectBar(const CVisBufferHelper& picture, const Box& box);
+    void FillBars(const CVisBufferHelper& picture);
+    void FillBarRow(const CVisBufferHelper& picture, int32_t y) const;
     void FillPeak(const CVisBufferHelper& picture, const Box& box) const;
     void FillFromPicture(IOQImage& target, const Box& box) const;
 
@@ -85,4 +100,5 @@ private:
     bool m_isPictureDue = false; // it is to be loaded, anew or for the first time
     std::vector<Box> m_barBoxes; // of one frame; kept for their memory
     std::vector<Box> m_peakBoxes;
+    std::vector<Bar> m_bars;
 };

@@ -1,5 +1,6 @@
 #include "engine2d/CVisFlashLimiter.h"
 
+#include "foundation/OQParallelRows.h"
 #include "kernels/CopyRect.h"
 #include "kernels/LinearLight.h"
 
@@ -99,11 +100,13 @@ bool CVisFlashLimiter::Mix(const CVisPixels& picture, int32_t weight, int64_t ti
     }
     m_mixed.resize(m_shown.size());
     const auto width = static_cast<size_t>(m_width);
-    for (int32_t y = 0; y < m_height; ++y) {
-        const size_t row = static_cast<size_t>(y) * width;
-        pxvis::kernels::MixLinearLight(
-            &m_mixed[row], &m_shown[row], picture.Row(y), m_width, m_table.data());
-    }
+    OQParallelRows(0, m_height, m_width, [&](int32_t top, int32_t bottom) {
+        for (int32_t y = top; y < bottom; ++y) {
+            const size_t row = static_cast<size_t>(y) * width;
+            pxvis::kernels::MixLinearLight(
+                &m_mixed[row], &m_shown[row], picture.Row(y), m_width, m_table.data());
+        }
+    });
     m_meter.Measure(m_mixedCells, Own(m_mixed));
     return Keeps(m_mixedCells, time) || weight == 0;
 }

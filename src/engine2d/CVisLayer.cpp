@@ -1,6 +1,7 @@
 #include "engine2d/CVisLayer.h"
 
 #include "engine2d/CVisLayerPiece.h"
+#include "foundation/OQParallelRows.h"
 #include "kernels/Merge.h"
 
 #include <algorithm>
@@ -9,6 +10,8 @@
 namespace {
 
 constexpr int32_t smallestSide = 5; // pixels
+// Below, one thread's caches and memory are as fast as two threads.
+constexpr int64_t fewestPixelsForThreads = 1600 * 1200;
 
 // Only these modes merge; any other leaves the parent as it is.
 enum OutputMode : int32_t
@@ -111,12 +114,19 @@ void CVisLayer::MergeInto(IVisBuffer& parent, int32_t outputMode, uint32_t trans
         std::clamp(m_pixelRect.right, 0, target.cx) - left, source.cx - sourceColumn);
     if (columns <= 0)
         return;
-    for (int32_t y = top; y < bottom; ++y) {
-        const int64_t sourceRow = std::min<int64_t>(int64_t { y } - m_pixelRect.top, source.cy - 1);
-        MergeRun(outputMode, targetBits + int64_t { target.cy - 1 - y } * target.cx + left,
-            sourceBits + (source.cy - 1 - sourceRow) * source.cx + sourceColumn,
-            static_cast<int32_t>(columns), transparentColor);
-    }
+    const auto mergeRows = [&](int32_t first, int32_t last) {
+        for (int32_t y = first; y < last; ++y) {
+            const int64_t sourceRow
+                = std::min<int64_t>(int64_t { y } - m_pixelRect.top, source.cy - 1);
+            MergeRun(outputMode, targetBits + int64_t { target.cy - 1 - y } * target.cx + left,
+                sourceBits + (source.cy - 1 - sourceRow) * source.cx + sourceColumn,
+                static_cast<int32_t>(columns), transparentColor);
+        }
+    };
+    if (columns * (bottom - top) < fewestPixelsForThreads)
+        mergeRows(top, bottom);
+    else
+        OQParallelRows(top, bottom, static_cast<int32_t>(columns), mergeRows);
 }
 
 void CVisLayer::InsertPiece(int32_t index, std::unique_ptr<CVisLayerPiece> piece)

@@ -1,6 +1,6 @@
 #include "kernels/Blend.h"
 
-namespace pxvis::kernels {
+namespace pxvis::kernels::scalar {
 
 void BlendRow(uint32_t* target, const uint32_t* source, int32_t count)
 {

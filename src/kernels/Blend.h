@@ -8,4 +8,10 @@ namespace pxvis::kernels {
 // nearest value; the target's alpha bytes stay. The rows don't overlap.
 void BlendRow(uint32_t* target, const uint32_t* source, int32_t count);
 
+namespace scalar {
+
+void BlendRow(uint32_t* target, const uint32_t* source, int32_t count);
+
+}
+
 }

@@ -19,4 +19,11 @@ void SubtractColor(uint32_t* target, int32_t count, uint32_t pixel);
 // Each byte := (target + pixel) / 2, truncated.
 void AverageColor(uint32_t* target, int32_t count, uint32_t pixel);
 
+namespace scalar {
+
+void AddColor(uint32_t* target, int32_t count, uint32_t pixel);
+void SubtractColor(uint32_t* target, int32_t count, uint32_t pixel);
+
+}
+
 }

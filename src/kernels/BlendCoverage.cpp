@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-namespace pxvis::kernels {
+namespace pxvis::kernels::scalar {
 
 namespace {
 

@@ -13,4 +13,11 @@ void BlendCoverage(uint32_t* target, const uint8_t* coverage, int32_t count, uin
 // bytes become source + target * (255 - alpha) / 255, rounded and at most 255; alpha stays.
 void BlendOver(uint32_t* target, const uint32_t* source, int32_t count);
 
+namespace scalar {
+
+void BlendCoverage(uint32_t* target, const uint8_t* coverage, int32_t count, uint32_t pixel);
+void BlendOver(uint32_t* target, const uint32_t* source, int32_t count);
+
+}
+
 }

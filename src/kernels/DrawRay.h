@@ -13,4 +13,12 @@ int32_t DrawRay(uint32_t* first, ptrdiff_t stride, int32_t width, int32_t height
     double y, double stepX, double stepY, int32_t count, const uint32_t* pixels,
     int32_t pixelCount);
 
+namespace scalar {
+
+int32_t DrawRay(uint32_t* first, ptrdiff_t stride, int32_t width, int32_t height, double x,
+    double y, double stepX, double stepY, int32_t count, const uint32_t* pixels,
+    int32_t pixelCount);
+
+}
+
 }

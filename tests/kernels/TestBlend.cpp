@@ -1,11 +1,11 @@
 #include "kernels/Blend.h"
 
-#include <doctest/doctest.h>
+#include "KernelTesting.h"
+#include "kernels/BlendCoverage.h"
 
 #include <cmath>
-#include <vector>
 
-using pxvis::kernels::BlendRow;
+using namespace pxvis::kernels;
 
 TEST_CASE("A blend is the rounded mix by the source's alpha, and keeps the target's alpha")
 {
@@ -31,4 +31,31 @@ TEST_CASE("A blend is the rounded mix by the source's alpha, and keeps the targe
             }
         }
     }
+}
+
+TEST_CASE("Blends are the same at every instruction set, and touch nothing outside the run")
+{
+    ForEachInstructionSet([] {
+        std::mt19937 random(1);
+        for (int32_t count = 0; count <= 67; ++count) {
+            const auto size = static_cast<size_t>(count);
+            for (size_t offset = 0; offset < 17; ++offset) {
+                GuardedRow<uint32_t> source(size, random() % 17, random);
+                for (int32_t i = 0; i < count; ++i)
+                    if (random() % 3 == 0)
+                        source.Data()[i] = random() % 2 ? 0xFFFFFFFF : 0x00FF0100;
+                GuardedRow<uint32_t> target(size, offset, random);
+                GuardedRow<uint32_t> expected = target;
+                BlendRow(target.Data(), source.Data(), count);
+                scalar::BlendRow(expected.Data(), source.Data(), count);
+                BlendOver(target.Data(), source.Data(), count);
+                scalar::BlendOver(expected.Data(), source.Data(), count);
+                const auto* coverage = reinterpret_cast<const uint8_t*>(source.Data()) + offset % 4;
+                BlendCoverage(target.Data(), coverage, count, 0x12FF8003);
+                scalar::BlendCoverage(expected.Data(), coverage, count, 0x12FF8003);
+                INFO("count " << count << ", offset " << offset);
+                CHECK(target == expected);
+            }
+        }
+    });
 }

@@ -1,9 +1,6 @@
 #include "kernels/BlendColor.h"
 
-#include <doctest/doctest.h>
-
-#include <cstddef>
-#include <vector>
+#include "KernelTesting.h"
 
 using namespace pxvis::kernels;
 
@@ -49,4 +46,22 @@ TEST_CASE("After 255 turns a blend changes nothing any more, and nothing beside 
                 CHECK(target[i] == Blended(blend, 0x80808080, 0x01010101));
         }
     }
+}
+
+TEST_CASE("Colours are blended the same at every instruction set")
+{
+    ForEachInstructionSet([] {
+        std::mt19937 random(1);
+        for (int32_t count = 0; count <= 67; ++count) {
+            GuardedRow<uint32_t> target(static_cast<size_t>(count), random() % 17, random);
+            GuardedRow<uint32_t> expected = target;
+            const auto pixel = static_cast<uint32_t>(random());
+            AddColor(target.Data(), count, pixel);
+            scalar::AddColor(expected.Data(), count, pixel);
+            CHECK(target == expected);
+            SubtractColor(target.Data(), count, pixel ^ 0x80808080);
+            scalar::SubtractColor(expected.Data(), count, pixel ^ 0x80808080);
+            CHECK(target == expected);
+        }
+    });
 }

@@ -4,7 +4,9 @@
 #include <doctest/doctest.h>
 
 #include <algorithm>
+#include <cmath>
 #include <numeric>
+#include <random>
 #include <vector>
 
 using pxvis::kernels::DrawRay;
@@ -149,5 +151,29 @@ TEST_CASE("Rays in all directions write nothing outside pictures of any size")
                         inks.data(), 3);
             CHECK(picture.IsGuarded());
         }
+    }
+}
+
+TEST_CASE("Rays that are cut to the picture first paint the same as those looked at step by step")
+{
+    std::mt19937 random(1);
+    const auto inks = Inks(300);
+    for (int turn = 0; turn < 3000; ++turn) {
+        const auto width = static_cast<int32_t>(1 + random() % 200);
+        const auto height = static_cast<int32_t>(1 + random() % 200);
+        const auto x = static_cast<double>(random() % 204) - 2 + (turn % 3) * 0.25;
+        const auto y = static_cast<double>(random() % 204) - 2;
+        const double angle = turn % 4 == 0 ? turn % 16 * 0.39269908169872414 : turn;
+        const double length = turn % 5 == 0 ? 2.5 : 1;
+        const auto count = static_cast<int32_t>(random() % 300);
+        const auto colors = static_cast<int32_t>(1 + random() % 300);
+        Picture cut(width, height);
+        Picture whole(width, height);
+        const auto draw = [&](auto form, Picture& picture) {
+            return form(&picture.At(0, 0), -width, width, height, x, y, length * std::cos(angle),
+                length * std::sin(angle), count, inks.data(), colors);
+        };
+        REQUIRE(draw(DrawRay, cut) == draw(pxvis::kernels::scalar::DrawRay, whole));
+        REQUIRE(cut.words == whole.words);
     }
 }
