@@ -65,6 +65,12 @@ TEST_CASE("What is heard next is what the list says when a song ends")
     player.SetLoop(PlayerStatus::Loop::Track);
     CHECK(desk.WaitUntil([&] { return player.Library().PlayCount(a) == 2; }));
     CHECK(desk.WaitUntil([&] { return desk.IsPlaying(0) && player.Position() < 1'000'000; }));
+    player.SetLoop(PlayerStatus::Loop::None);
+    player.PlayRow(1);
+    CHECK(desk.WaitUntil([&] { return desk.IsPlaying(1) && player.Status().canSeek; }));
+    player.SeekTo(29'500'000);
+    CHECK(desk.WaitUntil([&] { return desk.IsStopped(); }));
+    CHECK(player.Library().PlayCount(b) == 0);
     player.Songs().Clear();
     CHECK(desk.IsStopped());
     CHECK(player.Status().title.isEmpty());
