@@ -164,6 +164,14 @@ enum OQSettingsScope : int32_t
     OQSettingsMachine = 1,
 };
 
+enum OQSettingsFault : int32_t
+{
+    OQSettingsWhole = 0,
+    OQSettingsDamaged
+    = 1, // what can be read is used; with the first write a copy is kept beside it
+    OQSettingsUnusable = 2, // the file is left alone, and nothing can be kept
+};
+
 class IOQSettings
 {
 public:
@@ -171,6 +179,10 @@ public:
     // `create`, null for a key that isn't there; with it, null only without memory or for a path
     // that can't be one (empty, longer than 1024 characters).
     virtual IOQSettingsKey* OpenKey(const OQChar* path, int32_t scope, bool create) = 0;
+
+    // The last fault that was found in the scope's file since the module's start, though it may
+    // have been put right meanwhile. `file` becomes its path, empty if there was none.
+    virtual int32_t GetFault(int32_t scope, IOQDllString& file) = 0;
 
 protected:
     ~IOQSettings() = default;

@@ -91,9 +91,17 @@ std::string MissingPlugin(GstMessage* message)
     if (detail && GST_VALUE_HOLDS_CAPS(detail)) {
         const GstCaps* caps = gst_value_get_caps(detail);
         if (gst_caps_get_size(caps) > 0) {
-            const char* type = gst_structure_get_name(gst_caps_get_structure(caps, 0));
+            const GstStructure* format = gst_caps_get_structure(caps, 0);
+            const char* type = gst_structure_get_name(format);
             if (!g_str_has_prefix(type, "audio/") && !g_str_has_prefix(type, "video/"))
                 return {};
+            // What GStreamer has no name for either is called as in the file.
+            constexpr const char* unnamed = "audio/x-gst-fourcc-";
+            const char* name = gst_structure_get_string(format, "codec-id");
+            if (!name && g_str_has_prefix(type, unnamed))
+                name = type + std::strlen(unnamed);
+            if (name)
+                return OneLine(name);
         }
     }
     const GstHolder<char> description(gst_missing_plugin_message_get_description(message));

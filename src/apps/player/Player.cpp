@@ -122,7 +122,7 @@ void Player::Restore()
         m_sequence.Open(place.row, PlayState::Paused, place.position);
     m_keep.start();
 
-    QStringList faults { m_library.Warning(), fault };
+    QStringList faults { m_settings.Warning(), m_library.Warning(), fault };
     faults.removeAll(QString());
     if (!faults.isEmpty())
         emit Message(faults.join(QStringLiteral("; "))); // the last one alone would be seen

@@ -4,6 +4,7 @@
 #include "foundation/OQDllString.h"
 #include "foundation/OQSiblingModules.h"
 
+#include <QCoreApplication>
 #include <QUrl>
 
 #include <algorithm>
@@ -84,6 +85,27 @@ void PlayerSettings::SetText(const char* name, const QString& value)
 void PlayerSettings::SetNumber(const char* name, int value)
 {
     WriteNumber(playerKey, QString::fromUtf8(name), value);
+}
+
+QString PlayerSettings::Warning() const
+{
+    IOQTools* tools = OQSiblingModules::Get().Tools();
+    IOQSettings* settings = tools ? tools->GetSettings(1) : nullptr;
+    OQString path;
+    OQDllString crossing(path);
+    const int fault = settings ? settings->GetFault(OQSettingsUser, crossing) : OQSettingsWhole;
+    const char* text = "";
+    if (fault == OQSettingsDamaged)
+        text = QT_TRANSLATE_NOOP("PlayerSettings",
+            "The settings were damaged. What can be read of them is used, and a copy of %1 is kept "
+            "beside it.");
+    else if (fault == OQSettingsUnusable)
+        text = QT_TRANSLATE_NOOP(
+            "PlayerSettings", "%1 can't be read as settings: what is changed will be forgotten.");
+    return fault == OQSettingsWhole
+        ? QString()
+        : QCoreApplication::translate("PlayerSettings", text)
+              .arg(QString::fromUtf16(path.GetText(), path.GetLength()));
 }
 
 int PlayerSettings::Delay(const QString& device) const

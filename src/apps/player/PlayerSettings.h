@@ -15,6 +15,9 @@ public:
     void SetText(const char* name, const QString& value);
     void SetNumber(const char* name, int value);
 
+    // What was wrong with the file, one line for the user; empty if nothing was.
+    QString Warning() const;
+
     // How much later sound comes out of that device than the system knows, in ms; "": of the one
     // that the system chooses. Kept within mostDelay to both sides.
     static constexpr int mostDelay = 5000;

@@ -2,6 +2,7 @@
 
 #include "apps/player/collection/Playlist.h"
 #include "apps/player/collection/SongLibrary.h"
+#include "os/Clock.h"
 
 #include <algorithm>
 #include <unistd.h>
@@ -11,8 +12,12 @@ namespace pxvis::player {
 namespace {
 
 constexpr qint64 beginning = 3000; // ms; so far Previous goes to the song before
-constexpr double playedShare = 0.9; // heard as far as that, a song counts as played
 constexpr int mostFailures = 100; // one after the other; then the player stops
+
+qint64 Now()
+{
+    return os::MonotonicNanoseconds() / 1'000'000;
+}
 
 }
 
@@ -41,7 +46,7 @@ void SongSequence::Open(int row, PlayState state, qint64 position)
 {
     if (row < 0 || row >= m_playlist.Count())
         return;
-    SetCurrent(row);
+    SetCurrent(row, position);
     m_isPlayWanted = state == PlayState::Playing;
     m_isOpening = true;
     m_isAtEnd = false;
@@ -100,15 +105,14 @@ void SongSequence::NoteProgress()
         return;
     TellFailures(); // there is a song that can be played
     m_direction = Direction::Forward;
-    if (duration > 0
-        && static_cast<double>(position) >= playedShare * static_cast<double>(duration))
+    if (m_meter.Note(position, duration, Now()))
         Count();
 }
 
-void SongSequence::SetCurrent(int row)
+void SongSequence::SetCurrent(int row, qint64 position)
 {
     m_info = {};
-    m_isCounted = false;
+    m_meter.Start(position, Now());
     m_isMoving = true;
     m_playlist.SetCurrent(row);
     m_isMoving = false;
@@ -122,11 +126,14 @@ void SongSequence::UpdateNext()
 
 void SongSequence::Count()
 {
-    const int row = m_playlist.Current();
-    if (m_isCounted || row < 0)
-        return;
-    m_isCounted = true;
-    m_library.NotePlayed(m_playlist.At(row).url);
+    if (const int row = m_playlist.Current(); row >= 0)
+        m_library.NotePlayed(m_playlist.At(row).url);
+}
+
+void SongSequence::CountEnd()
+{
+    if (m_meter.NoteEnd(Now()))
+        Count();
 }
 
 void SongSequence::OnSongChanged()
@@ -136,7 +143,7 @@ void SongSequence::OnSongChanged()
         return;
     }
     // The song ended and the next one follows it without a gap.
-    Count();
+    CountEnd();
     const int next = m_playlist.Next(false);
     if (next < 0) {
         m_playback.Stop();
@@ -146,7 +153,7 @@ void SongSequence::OnSongChanged()
         Open(next, PlayState::Playing, 0);
         return;
     }
-    SetCurrent(next);
+    SetCurrent(next, 0);
     UpdateNext();
     emit SongStarted();
 }
@@ -196,7 +203,7 @@ void SongSequence::OnInfo(const host::SongInfo& info)
 
 void SongSequence::OnEnded()
 {
-    Count();
+    CountEnd();
     TellFailures();
     const int next = m_playlist.Next(false);
     if (next >= 0) { // came into the list at the last moment
@@ -213,8 +220,8 @@ void SongSequence::OnFailed(const QUrl& song, const QString& reason)
     const int next = m_playlist.Current() < 0 ? -1 : m_playlist.Next(false);
     if (next >= 0 && m_playlist.At(m_playlist.Current()).url != song
         && m_playlist.At(next).url == song) { // was to follow without a gap
-        Count();
-        SetCurrent(next);
+        CountEnd();
+        SetCurrent(next, 0);
         emit SongStarted();
     }
     const int row = m_playlist.Current();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "apps/player/collection/PlayMeter.h"
 #include "apps/player/sound/Playback.h"
 
 #include <QObject>
@@ -46,9 +47,10 @@ private:
         Backward
     };
 
-    void SetCurrent(int row);
+    void SetCurrent(int row, qint64 position);
     void UpdateNext();
     void Count();
+    void CountEnd();
     void Skip();
     void TellFailures();
 
@@ -68,7 +70,7 @@ private:
     bool m_isOpening = false; // SongChanged is to come for what was opened
     bool m_isMoving = false; // it is us who change the current row
     bool m_isAtEnd = false;
-    bool m_isCounted = false;
+    PlayMeter m_meter;
 };
 
 }

@@ -1,5 +1,6 @@
 #include "siblings/tools/CSettings.h"
 
+#include "foundation/IOQDllString.h"
 #include "os/UserFolders.h"
 #include "siblings/tools/CSettingsKey.h"
 
@@ -65,6 +66,22 @@ IOQSettingsKey* CSettings::OpenKey(const OQChar* path, int32_t scope, bool creat
         return new CSettingsKey(std::move(settings), normal);
     } catch (...) {
         return nullptr;
+    }
+}
+
+int32_t CSettings::GetFault(int32_t scope, IOQDllString& file)
+{
+    file.Clear();
+    try {
+        if (scope != OQSettingsUser && scope != OQSettingsMachine)
+            return OQSettingsWhole;
+        std::string path;
+        const int32_t fault = Scope(scope)->Fault(path);
+        const OQString text = OQString::FromUtf8(path);
+        file.SetText(text.GetText(), text.GetLength());
+        return fault;
+    } catch (...) {
+        return OQSettingsWhole;
     }
 }
 

@@ -19,6 +19,7 @@ public:
     }
 
     IOQSettingsKey* OpenKey(const OQChar* path, int32_t scope, bool create) override;
+    int32_t GetFault(int32_t scope, IOQDllString& file) override;
 
     // Keys that are open go on with the files that they have.
     void Close();

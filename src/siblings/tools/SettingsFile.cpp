@@ -89,7 +89,15 @@ SettingsFile::Contents SettingsFile::Load()
     if (!reported.empty() && reported != m_reported)
         Report(complaint, m_path);
     m_reported = reported;
+    if (!reported.empty())
+        m_fault = contents.isUsable ? OQSettingsDamaged : OQSettingsUnusable;
     return contents;
+}
+
+int32_t SettingsFile::Fault()
+{
+    const std::lock_guard lock(m_lock);
+    return m_fault;
 }
 
 std::shared_ptr<const SettingsDocument> SettingsFile::Read()

@@ -51,6 +51,11 @@ public:
     // do.
     bool Change(const Edit& edit);
 
+    // The last one that was found, an OQSettingsFault.
+    int32_t Fault();
+
+    const std::string& Path() const { return m_path; }
+
     // Makes the folder; false where the system tells already that a write would fail.
     bool MakeWritable();
 
@@ -77,6 +82,7 @@ private:
     os::FileStamp m_stamp;
     bool m_isSettled = false;
     std::string m_reported; // the last complaint, which needn't be repeated
+    int32_t m_fault = 0;
 };
 
 }

@@ -1,5 +1,7 @@
 #include "siblings/tools/SettingsScope.h"
 
+#include "foundation/IOQTools.h"
+
 namespace pxvis::tools {
 
 namespace {
@@ -25,6 +27,18 @@ Outcome RemoveValue(SettingsDocument& document, const OQString& path, const OQSt
 SettingsScope::SettingsScope(std::vector<std::unique_ptr<SettingsFile>> files)
     : m_files(std::move(files))
 {
+}
+
+int32_t SettingsScope::Fault(std::string& path) const
+{
+    path.clear();
+    for (const auto& file : m_files) {
+        if (const int32_t fault = file->Fault()) {
+            path = file->Path();
+            return fault;
+        }
+    }
+    return OQSettingsWhole;
 }
 
 SettingsScope::Documents SettingsScope::Read() const

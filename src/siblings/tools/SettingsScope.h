@@ -18,6 +18,9 @@ public:
     // are read first.
     explicit SettingsScope(std::vector<std::unique_ptr<SettingsFile>> files);
 
+    // Of the first file that had one, an OQSettingsFault.
+    int32_t Fault(std::string& path) const;
+
     // All paths are normal ones, as SettingsDocument has them.
     bool HasKey(const OQString& path) const;
     bool GetValue(const OQString& path, const OQString& name, OQString& value) const;

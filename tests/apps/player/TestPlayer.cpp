@@ -65,6 +65,12 @@ TEST_CASE("What is heard next is what the list says when a song ends")
     player.SetLoop(PlayerStatus::Loop::Track);
     CHECK(desk.WaitUntil([&] { return player.Library().PlayCount(a) == 2; }));
     CHECK(desk.WaitUntil([&] { return desk.IsPlaying(0) && player.Position() < 1'000'000; }));
+    player.SetLoop(PlayerStatus::Loop::None);
+    player.PlayRow(1);
+    CHECK(desk.WaitUntil([&] { return desk.IsPlaying(1) && player.Status().canSeek; }));
+    player.SeekTo(29'500'000);
+    CHECK(desk.WaitUntil([&] { return desk.IsStopped(); }));
+    CHECK(player.Library().PlayCount(b) == 0);
     player.Songs().Clear();
     CHECK(desk.IsStopped());
     CHECK(player.Status().title.isEmpty());
@@ -150,9 +156,12 @@ TEST_CASE("All is as it was in the next run, but paused, and an unreadable list 
     desk.EndPlayer();
     std::filesystem::remove(desk.home / "data/pxvis/player/playlist.m3u8");
     std::filesystem::create_directory(desk.home / "data/pxvis/player/playlist.m3u8");
+    desk.home.Write("config/pxvis/settings.xml", "<Settings><Key Path=\"Player\">");
     desk.StartPlayer();
     desk.player->Restore();
     CHECK(desk.player->Songs().Count() == 0);
     CHECK(std::filesystem::exists(desk.home / "data/pxvis/player/playlist.m3u8.unreadable-1"));
-    CHECK(desk.messages.size() == 1);
+    REQUIRE(desk.messages.size() == 1);
+    CHECK(desk.messages[0].contains("settings were damaged"));
+    CHECK(desk.messages[0].contains("playlist.m3u8.unreadable-1"));
 }

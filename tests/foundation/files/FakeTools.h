@@ -105,6 +105,8 @@ struct FakeTools final : IOQTools, IOQTranslator, IOQTheme, IOQLog, IOQFiles, IO
         return known ? new Key(*this) : nullptr;
     }
 
+    int32_t GetFault(int32_t, IOQDllString&) override { return OQSettingsWhole; }
+
     void Initialize(const void*) override { }
 
     void Uninitialize() override { }

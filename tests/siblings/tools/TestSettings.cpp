@@ -45,6 +45,14 @@ std::string Beside(const TestTools& tools)
     return all;
 }
 
+std::string FaultOf(TestTools& tools)
+{
+    int32_t fault = -1;
+    const std::string path = TextOf(
+        [&](IOQDllString& file) { fault = tools->GetSettings(1)->GetFault(OQSettingsUser, file); });
+    return std::to_string(fault) + " " + path;
+}
+
 mode_t ModeOf(const std::string& path)
 {
     struct stat status
@@ -184,6 +192,7 @@ TEST_CASE("A damaged file loses one element and is kept as it was")
         }
         CHECK(tools.folder.Read(kUserFile + ".damaged-1") == fault.text);
         CHECK(Beside(tools) == "settings.xml settings.xml.damaged-1 ");
+        CHECK(FaultOf(tools) == "1 " + tools.folder.Path(kUserFile));
         CHECK(tools.Key(u"K", false)->GetInt(u"d", 0) == 5);
     }
 }
@@ -210,6 +219,7 @@ TEST_CASE("Copies of damaged files are few, and reading alone makes none")
     TestTools tools;
     tools.Key(u"K")->SetInt(u"a", 1);
     const std::string whole = tools.folder.Read(kUserFile);
+    CHECK(FaultOf(tools) == "0 ");
     for (int i = 0; i < 8; ++i) {
         tools.folder.Write(kUserFile, whole + "<" + std::to_string(i));
         CHECK(tools.Key(u"K", false)->GetInt(u"a", 0) == 1);
@@ -256,6 +266,7 @@ TEST_CASE("A file that can't be a settings file gives the defaults and is left a
     CHECK_FALSE(key->SetInt(u"a", 1));
     CHECK(key->DeleteValue(u"a"));
     CHECK(fs::is_directory(path));
+    CHECK(FaultOf(tools) == "2 " + path);
     CHECK(
         tools.folder.Read("state/pxvis/pxvis.log").find(path + " is no file") != std::string::npos);
 

@@ -30,7 +30,7 @@ public:
 
     int PlayCount(const QUrl& song) const;
     QDateTime LastPlayed(const QUrl& song) const;
-    void NotePlayed(const QUrl& song); // played to its end, or nearly
+    void NotePlayed(const QUrl& song); // as PlayMeter has it
     int Rating(const QUrl& song) const;
     void SetRating(const QUrl& song, int rating);
 

@@ -141,6 +141,37 @@ TEST_CASE("What can't be played is told in one line, also when it should follow 
     }
 }
 
+TEST_CASE(
+    "What has no decoder here is told by the format's name, also when it follows another song")
+{
+    const TestFolder folder;
+    const QUrl song = WriteSong(folder.Path("a.wav"), Tone(1.2));
+    const auto rename = [&](const char* file, std::string name, const std::string& to) {
+        std::string bytes = folder.Read(file);
+        bytes.replace(bytes.find(name), to.size(), to);
+        folder.Write(file, bytes);
+    };
+    const QUrl matroska = WriteSong(folder.Path("b.mka"), Tone(1), "vorbisenc ! matroskamux");
+    rename("b.mka", "A_VORBIS", "A_STRANG");
+    const QUrl mp4 = WriteSong(folder.Path("c.mp4"), Tone(1), "lamemp3enc ! mp4mux");
+    rename("c.mp4", "mp4a", "xyza");
+    folder.Write("d.wav", folder.Read("a.wav").replace(20, 2, std::string("\x75\0", 2)));
+    const QUrl wave = QUrl::fromLocalFile(QString::fromStdString(folder.Path("d.wav")));
+    for (const auto& [url, name] : { std::pair { matroska, "A_STRANG" }, std::pair { mp4, "xyza" },
+             std::pair { wave, "Voxware" } }) {
+        CAPTURE(name);
+        for (const bool follows : { false, true }) {
+            Listened listened;
+            listened.playback.Open(follows ? song : url);
+            if (follows)
+                listened.playback.SetNext(url);
+            CHECK(listened.WaitForStop());
+            CHECK(listened.events.last() == "failed " + url.fileName());
+            CHECK(listened.reason.contains(name));
+        }
+    }
+}
+
 TEST_CASE("Songs that are cut off or damaged in the middle come to an end")
 {
     const TestFolder folder;
