@@ -3,7 +3,8 @@
 #include "apps/player/sound/Playback.h"
 
 #include <QObject>
-#include <QStringList>
+#include <QString>
+#include <QTimer>
 
 namespace pxvis::player {
 
@@ -32,11 +33,15 @@ public:
 
     const host::SongInfo& Info() const { return m_info; } // of the current song, as far as known
 
+    // The last song of the list has ended: Play begins with the first.
+    bool IsAtEnd() const;
+
     void NoteProgress(); // to be called some times a second while it plays
 
 signals:
     void SongStarted(); // the current song is another one, or begins anew
     void InfoChanged();
+    void ListEnded();
     void Message(const QString& text);
 
 private:
@@ -49,6 +54,7 @@ private:
     void SetCurrent(int row);
     void UpdateNext();
     void Count();
+    void NoteFailure(int row, const QString& reason);
     void Skip();
     void TellFailures();
 
@@ -62,7 +68,9 @@ private:
     Playback& m_playback;
     SongLibrary& m_library;
     host::SongInfo m_info;
-    QStringList m_failures; // running, without a song that could be played in between
+    int m_failures = 0; // running, without a song that could be played in between
+    QString m_firstFailure; // of these, in a line
+    QTimer m_skip;
     Direction m_direction = Direction::Forward; // to go on in, should a song fail
     bool m_isPlayWanted = false;
     bool m_isOpening = false; // SongChanged is to come for what was opened
