@@ -70,6 +70,7 @@ MainWindow::MainWindow(Player& player)
 
 MainWindow::~MainWindow()
 {
+    m_list->disconnect(this); // it tells that it goes when all of this is gone
     m_area->SetFullScreen(false);
 }
 
@@ -131,9 +132,10 @@ void MainWindow::ConnectPlayer()
     connect(&m_player, &Player::OutputLost, this, &MainWindow::ShowOutput);
     connect(&m_player, &Player::RaiseAsked, this, [this] {
         show();
-        setWindowState(windowState() & ~Qt::WindowMinimized);
-        raise();
-        activateWindow();
+        QWidget* shown = m_area->PictureWindow();
+        shown->setWindowState(shown->windowState() & ~Qt::WindowMinimized);
+        shown->raise();
+        shown->activateWindow();
     });
     connect(&m_player, &Player::QuitAsked, this, &MainWindow::close);
     connect(&m_player, &Player::FullScreenAsked, m_area, &DisplayArea::SetFullScreen);
