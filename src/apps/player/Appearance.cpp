@@ -1,6 +1,7 @@
 #include "apps/player/Appearance.h"
 
 #include <QApplication>
+#include <QLabel>
 #include <QPalette>
 #include <QStyle>
 #include <QStyleFactory>
@@ -89,6 +90,18 @@ void Appearance::ApplyTo(QApplication& application)
     for (const char* control : { "QCheckBox", "QAbstractSpinBox", "QLineEdit" })
         QApplication::setPalette(palette, control);
     application.setStyleSheet(QString::fromLatin1(styleSheet));
+}
+
+QLabel* Appearance::MakeHeading(const QString& text)
+{
+    auto* label = new QLabel(text);
+    QFont font = label->font();
+    font.setWeight(QFont::DemiBold);
+    label->setFont(font);
+    QPalette palette = label->palette();
+    palette.setColor(QPalette::WindowText, Accent());
+    label->setPalette(palette);
+    return label;
 }
 
 QColor Appearance::Accent()

@@ -3,6 +3,8 @@
 #include <QColor>
 
 class QApplication;
+class QLabel;
+class QString;
 
 namespace pxvis::player {
 
@@ -10,6 +12,8 @@ namespace pxvis::player {
 struct Appearance
 {
     static void ApplyTo(QApplication& application);
+
+    static QLabel* MakeHeading(const QString& text); // of a dialog's part
 
     static QColor Accent(); // what is on, chosen or played
     static QColor Dimmed(); // beside the text that matters

@@ -20,7 +20,6 @@
 #include <QMenuBar>
 #include <QScreen>
 #include <QStackedWidget>
-#include <QVBoxLayout>
 #include <QWindow>
 
 #include <cmath>
@@ -31,6 +30,7 @@ namespace {
 
 constexpr char geometrySetting[] = "Window";
 constexpr char stateSetting[] = "Window Parts";
+constexpr int stateVersion = 1; // of the parts that there are
 constexpr char statusSetting[] = "Status Bar";
 constexpr char levelsSetting[] = "Levels";
 constexpr int messageTime = 6000; // ms, over the picture
@@ -70,6 +70,7 @@ MainWindow::MainWindow(Player& player)
 
 MainWindow::~MainWindow()
 {
+    m_list->disconnect(this); // it tells that it goes when all of this is gone
     m_area->SetFullScreen(false);
 }
 
@@ -82,14 +83,9 @@ void MainWindow::MakeParts()
     m_area->setMinimumSize(240, 135);
     m_area->setFocusPolicy(Qt::ClickFocus);
     m_area->setAccessibleName(tr("Picture"));
-    m_transport = new TransportBar(m_player, m_show, m_actions);
-    auto* middle = new QWidget;
-    auto* column = new QVBoxLayout(middle);
-    column->setContentsMargins(0, 0, 0, 0);
-    column->setSpacing(0);
-    column->addWidget(m_pages, 1);
-    column->addWidget(m_transport);
-    setCentralWidget(middle);
+    m_area->SetControls([this] { return new TransportBar(m_player, m_show, m_actions); });
+    setCentralWidget(m_pages);
+    AddTransport();
 
     m_list = new QDockWidget(tr("Playlist"));
     m_list->setObjectName(QStringLiteral("playlist"));
@@ -104,6 +100,18 @@ void MainWindow::MakeParts()
     MainMenus { m_player, m_actions, m_show, *m_area }.AddTo(*menuBar());
     for (const PlayerActions::Entry& entry : m_actions.All())
         addAction(entry.action); // so that its keys hold while no menu shows it
+}
+
+// Below all else: it needs the width that the playlist would take from it.
+void MainWindow::AddTransport()
+{
+    auto* dock = new QDockWidget;
+    dock->setObjectName(QStringLiteral("transport"));
+    dock->setTitleBarWidget(new QWidget);
+    dock->setFeatures(QDockWidget::NoDockWidgetFeatures);
+    dock->setWidget(new TransportBar(m_player, m_show, m_actions));
+    dock->toggleViewAction()->setVisible(false);
+    addDockWidget(Qt::BottomDockWidgetArea, dock);
 }
 
 void MainWindow::ConnectPlayer()
@@ -121,17 +129,13 @@ void MainWindow::ConnectPlayer()
         ShowSongText();
     });
     connect(&m_player, &Player::Message, this, &MainWindow::Say);
-    connect(&m_player, &Player::OutputLost, this, [this](const QString& reason) {
-        m_status->SetNotice(reason.isEmpty() ? QString() : tr("No sound device: playing silently"));
-        m_status->setToolTip(ToolTipOf(reason));
-        if (!reason.isEmpty() && !m_status->isVisible())
-            Say(tr("No sound device: playing silently"));
-    });
+    connect(&m_player, &Player::OutputLost, this, &MainWindow::ShowOutput);
     connect(&m_player, &Player::RaiseAsked, this, [this] {
         show();
-        setWindowState(windowState() & ~Qt::WindowMinimized);
-        raise();
-        activateWindow();
+        QWidget* shown = m_area->PictureWindow();
+        shown->setWindowState(shown->windowState() & ~Qt::WindowMinimized);
+        shown->raise();
+        shown->activateWindow();
     });
     connect(&m_player, &Player::QuitAsked, this, &MainWindow::close);
     connect(&m_player, &Player::FullScreenAsked, m_area, &DisplayArea::SetFullScreen);
@@ -154,6 +158,7 @@ void MainWindow::ConnectPlayer()
     connect(&m_show, &ScriptShow::Changed, this, &MainWindow::UpdateRating);
     connect(&m_show, &ScriptShow::RotatingChanged, this, &MainWindow::UpdateRating);
     connect(&m_show, &ScriptShow::Shown, this, [this] { m_area->ShowText(m_show.Name()); });
+    connect(&m_show, &ScriptShow::FaultChanged, this, &MainWindow::ShowFault);
 }
 
 void MainWindow::ConnectFileActions()
@@ -222,7 +227,7 @@ void MainWindow::ConnectVisualActions()
     connect(m_actions.previousScript, &QAction::triggered, &m_show, &ScriptShow::Back);
     connect(m_actions.rotation, &QAction::triggered, this, [this](bool on) {
         m_show.SetRotating(on);
-        m_area->ShowText(on ? tr("Player's rotation is on") : tr("Player's rotation is off"));
+        m_area->ShowText(on ? tr("Scripts change by rating") : tr("This script stays"));
     });
     const auto rate = [this](int rating) {
         const QString name = m_show.Name(); // another may follow one that is never to be shown
@@ -265,8 +270,7 @@ void MainWindow::Start(const QString& script)
         Say(fault);
     } else {
         m_hasScript = !script.isEmpty();
-        if (!m_show.Start(script))
-            Say(tr("%1 can't be shown; a mended file is shown at once").arg(script));
+        m_show.Start(script);
     }
     UpdatePage();
 }
@@ -291,7 +295,12 @@ void MainWindow::UpdateStatus()
 {
     const PlayerStatus status = m_player.Status();
     const bool isPlaying = status.state == PlayerStatus::State::Playing;
-    m_actions.ShowPlaying(isPlaying);
+    const bool isAtEnd = m_player.IsAtEnd();
+    m_actions.ShowPlaying(isPlaying, isAtEnd);
+    m_area->SetHint(!isAtEnd
+            ? QString()
+            : tr("The end · %1 plays again")
+                  .arg(m_actions.play->shortcut().toString(QKeySequence::NativeText)));
     m_actions.play->setEnabled(status.canPlay);
     m_actions.stop->setEnabled(
         status.state != PlayerStatus::State::Stopped || m_player.IsListening());
@@ -365,6 +374,23 @@ void MainWindow::NoteSilence()
         m_area->ShowText(tr("Nothing is to be heard"), messageTime);
 }
 
+// Over the picture, too, where an author looks, or where there is no line for it.
+void MainWindow::ShowFault()
+{
+    const QString fault = m_show.Fault();
+    m_status->SetNotice(StatusLine::Notice::Script, fault);
+    const bool isLineSeen = m_status->isVisible() || m_area->IsFullScreen();
+    if (m_show.IsFile() || (!isLineSeen && !fault.isEmpty()))
+        m_area->ShowText(fault.isEmpty() ? m_show.Name() : fault, messageTime);
+}
+
+void MainWindow::ShowOutput(const QString& fault)
+{
+    m_status->SetNotice(StatusLine::Notice::Sound, fault);
+    if (!fault.isEmpty() && !m_status->isVisible())
+        m_area->ShowText(fault, messageTime);
+}
+
 void MainWindow::ShowSongText()
 {
     const PlayerStatus status = m_player.Status();
@@ -389,7 +415,7 @@ void MainWindow::RestoreLayout()
         return QByteArray::fromBase64(settings.Text(name).toLatin1());
     };
     restoreGeometry(bytes(geometrySetting));
-    restoreState(bytes(stateSetting));
+    restoreState(bytes(stateSetting), stateVersion);
     m_actions.statusBar->setChecked(settings.Number(statusSetting, 1) != 0);
     m_status->setVisible(m_actions.statusBar->isChecked());
     m_actions.levels->setChecked(settings.Number(levelsSetting, 0) != 0);
@@ -400,7 +426,7 @@ void MainWindow::KeepLayout()
 {
     PlayerSettings& settings = m_player.Settings();
     settings.SetText(geometrySetting, QString::fromLatin1(saveGeometry().toBase64()));
-    settings.SetText(stateSetting, QString::fromLatin1(saveState().toBase64()));
+    settings.SetText(stateSetting, QString::fromLatin1(saveState(stateVersion).toBase64()));
     settings.SetNumber(statusSetting, m_actions.statusBar->isChecked());
     settings.SetNumber(levelsSetting, m_actions.levels->isChecked());
 }

@@ -17,7 +17,6 @@ class InvitationPage;
 class Player;
 class SettingsDialog;
 class StatusLine;
-class TransportBar;
 
 // The player's window: the picture, the controls below it, the playlist beside it.
 class MainWindow : public QMainWindow
@@ -43,6 +42,7 @@ protected:
 
 private:
     void MakeParts();
+    void AddTransport();
     void ConnectPlayer();
     void ConnectFileActions();
     void ConnectSoundActions();
@@ -56,6 +56,8 @@ private:
     void UpdatePage();
     void UpdateSeen();
     void NoteSilence();
+    void ShowFault();
+    void ShowOutput(const QString& fault);
     void ShowSongText();
     void ShowInFullScreen(const QString& text); // where no control shows it
 
@@ -68,7 +70,6 @@ private:
     ScriptShow m_show;
     QStackedWidget* m_pages;
     InvitationPage* m_invitation;
-    TransportBar* m_transport;
     QDockWidget* m_list;
     StatusLine* m_status;
     SettingsDialog* m_settings = nullptr; // made when it is asked for

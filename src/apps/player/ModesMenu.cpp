@@ -47,8 +47,12 @@ void ModesMenu::Fill()
             = menu->addAction(Shown(names.last()), this, [this, mode] { m_show.Choose(mode); });
         action->setCheckable(true);
         action->setChecked(mode == current);
-        if (m_area.IsCycle(mode))
-            menu->addSeparator();
+        if (!m_area.IsCycle(mode))
+            continue;
+        action->setStatusTip(path.isEmpty()
+                ? tr("All scripts in turns, whatever their ratings")
+                : tr("All scripts of this folder in turns, whatever their ratings"));
+        menu->addSeparator();
     }
     if (isEmpty())
         addAction(tr("There are no scripts"))->setEnabled(false);

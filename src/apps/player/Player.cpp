@@ -94,6 +94,7 @@ void Player::Connect()
         emit PositionChanged();
     });
     connect(&m_sequence, &SongSequence::InfoChanged, this, &Player::TellTrack);
+    connect(&m_sequence, &SongSequence::ListEnded, this, &Player::StatusChanged);
     connect(&m_sequence, &SongSequence::Message, this, &Player::Message);
 
     connect(&m_listening, &Listening::Failed, this, &Player::Message);
@@ -398,6 +399,11 @@ void Player::StopListening()
 bool Player::IsListening() const
 {
     return m_listening.IsOn();
+}
+
+bool Player::IsAtEnd() const
+{
+    return !IsListening() && m_sequence.IsAtEnd();
 }
 
 QString Player::ListeningDevice() const

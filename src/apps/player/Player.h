@@ -79,6 +79,7 @@ public:
     void SetListeningDevice(const QString& device); // from now on, or the next time
     void StopListening();
     bool IsListening() const;
+    bool IsAtEnd() const; // of the list, where Play begins with the first song
     QString ListeningDevice() const; // that is heard, or was the last time
     QString ListeningName() const; // of what is heard, for people
 

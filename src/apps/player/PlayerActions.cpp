@@ -62,8 +62,10 @@ void PlayerActions::AddVisuals()
     const QString visuals = tr("Visuals");
     nextScript = Add(visuals, tr("&Next Script"), { Qt::Key_S });
     previousScript = Add(visuals, tr("Previous &Script"), { Qt::Key_B });
-    rotation = Add(visuals, tr("Player's &Rotation"), { Qt::Key_R });
+    rotation = Add(visuals, tr("Change by &Rating"), { Qt::Key_R });
     rotation->setCheckable(true);
+    rotation->setStatusTip(tr("Another script follows by itself, one with more stars more often; "
+                              "the settings tell after how long"));
     constexpr Qt::Key keys[] = { Qt::Key_0, Qt::Key_1, Qt::Key_2, Qt::Key_3, Qt::Key_4, Qt::Key_5 };
     for (int i = 1; i < 6; ++i)
         rate[i] = Add(visuals, tr("Rate %1").arg(QString(i, QChar(0x2605))), { keys[i] });
@@ -84,15 +86,15 @@ void PlayerActions::AddIcons()
     shuffle->setIcon(MakeIcon(IconShape::Shuffle));
     playlist->setIcon(MakeIcon(IconShape::List));
     fullScreen->setIcon(MakeIcon(IconShape::FullScreen));
-    ShowPlaying(false);
+    ShowPlaying(false, false);
     ShowRepeat(RepeatMode::None);
     for (const Entry& entry : m_all)
         entry.action->setIconVisibleInMenu(false);
 }
 
-void PlayerActions::ShowPlaying(bool isPlaying)
+void PlayerActions::ShowPlaying(bool isPlaying, bool isAtEnd)
 {
-    play->setText(isPlaying ? tr("&Pause") : tr("&Play"));
+    play->setText(isPlaying ? tr("&Pause") : isAtEnd ? tr("&Play Again") : tr("&Play"));
     play->setIcon(MakeIcon(isPlaying ? IconShape::Pause : IconShape::Play));
 }
 

@@ -56,7 +56,7 @@ public:
     QAction* about;
 
     // How it stands with what has more than two ways.
-    void ShowPlaying(bool isPlaying);
+    void ShowPlaying(bool isPlaying, bool isAtEnd);
     void ShowRepeat(RepeatMode mode);
 
     // In the order of the menus; each with the heading that it stands under.

@@ -3,11 +3,11 @@
 #include "apps/player/Appearance.h"
 #include "apps/player/Player.h"
 #include "apps/player/PlayerActions.h"
+#include "apps/player/TextLabel.h"
 #include "apps/player/TransportBar.h"
 
 #include <QHBoxLayout>
 #include <QHeaderView>
-#include <QLabel>
 #include <QMenu>
 #include <QStyledItemDelegate>
 #include <QTableView>
@@ -18,6 +18,7 @@ namespace pxvis::player {
 namespace {
 
 constexpr int widthForAlbums = 560;
+constexpr int sumDelay = 200; // ms
 
 // The current song stands out; songs that are missing stand back.
 class SongDelegate : public QStyledItemDelegate
@@ -57,7 +58,7 @@ PlaylistView::PlaylistView(Player& player, PlayerActions& actions, QWidget* pare
     : QWidget(parent)
     , m_player(player)
     , m_table(new QTableView)
-    , m_sum(new QLabel)
+    , m_sum(new TextLabel)
 {
     Playlist& playlist = player.Songs();
     m_table->setModel(&playlist);
@@ -85,7 +86,6 @@ PlaylistView::PlaylistView(Player& player, PlayerActions& actions, QWidget* pare
     header->resizeSection(
         Playlist::ColumnDuration, fontMetrics().horizontalAdvance(QStringLiteral("Length 88")));
 
-    m_sum->setTextFormat(Qt::PlainText);
     QPalette dimmed = m_sum->palette();
     dimmed.setColor(QPalette::WindowText, Appearance::Dimmed());
     m_sum->setPalette(dimmed);
@@ -121,10 +121,17 @@ PlaylistView::PlaylistView(Player& player, PlayerActions& actions, QWidget* pare
 
     const auto show = [this] { m_table->viewport()->update(); };
     connect(&playlist, &Playlist::CurrentChanged, this, show);
+    m_sumTimer.setSingleShot(true);
+    m_sumTimer.setInterval(sumDelay);
+    connect(&m_sumTimer, &QTimer::timeout, this, &PlaylistView::UpdateSum);
+    const auto change = [this] {
+        if (!m_sumTimer.isActive())
+            m_sumTimer.start();
+    };
     for (const auto signal : { &Playlist::rowsInserted, &Playlist::rowsRemoved })
-        connect(&playlist, signal, this, &PlaylistView::UpdateSum);
-    connect(&playlist, &Playlist::modelReset, this, &PlaylistView::UpdateSum);
-    connect(&playlist, &Playlist::dataChanged, this, &PlaylistView::UpdateSum);
+        connect(&playlist, signal, this, change);
+    connect(&playlist, &Playlist::modelReset, this, change);
+    connect(&playlist, &Playlist::dataChanged, this, change);
     connect(&player, &Player::SongStarted, this, [this] {
         const int row = m_player.Songs().Current();
         if (row >= 0)
@@ -137,6 +144,11 @@ PlaylistView::PlaylistView(Player& player, PlayerActions& actions, QWidget* pare
 QSize PlaylistView::sizeHint() const
 {
     return { 340, 400 };
+}
+
+QSize PlaylistView::minimumSizeHint() const
+{
+    return { 180, 100 };
 }
 
 void PlaylistView::resizeEvent(QResizeEvent* event)
@@ -158,7 +170,7 @@ void PlaylistView::UpdateSum()
         duration += std::max<qint64>(playlist.At(row).duration, 0);
     const QString songs
         = playlist.Count() == 1 ? tr("1 song") : tr("%1 songs").arg(playlist.Count());
-    m_sum->setText(duration > 0 ? songs + QStringLiteral(" · ") + TimeText(duration) : songs);
+    m_sum->SetText(duration > 0 ? songs + QStringLiteral(" · ") + TimeText(duration) : songs);
 }
 
 QList<int> PlaylistView::SelectedRows() const

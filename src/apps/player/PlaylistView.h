@@ -1,14 +1,15 @@
 #pragma once
 
+#include <QTimer>
 #include <QWidget>
 
-class QLabel;
 class QTableView;
 
 namespace pxvis::player {
 
 class Player;
 class PlayerActions;
+class TextLabel;
 
 // The playlist as a table, with what can be done to it. Songs can be dropped into it and moved.
 class PlaylistView : public QWidget
@@ -20,6 +21,7 @@ public:
     PlaylistView(Player& player, PlayerActions& actions, QWidget* parent = nullptr);
 
     QSize sizeHint() const override;
+    QSize minimumSizeHint() const override; // its table scrolls
 
 private:
     void AskWhatToDo(const QPoint& point);
@@ -33,7 +35,8 @@ private:
 
     Player& m_player;
     QTableView* m_table;
-    QLabel* m_sum;
+    TextLabel* m_sum;
+    QTimer m_sumTimer; // long lists change in many places at once
 };
 
 }

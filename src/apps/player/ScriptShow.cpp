@@ -16,6 +16,7 @@ namespace {
 constexpr char rotationSetting[] = "Rotation";
 constexpr char intervalSetting[] = "Rotation Interval";
 constexpr int usualInterval = 30; // s
+constexpr int lookInterval = 1000; // ms
 constexpr QLatin1Char separator('\\'); // of folder and name, in modes
 
 }
@@ -36,9 +37,12 @@ ScriptShow::ScriptShow(DisplayArea& area, SongLibrary& library, PlayerSettings& 
         m_area.SetMode(script);
         m_isRotationsChoice = false;
     });
+    m_look.setInterval(lookInterval);
+    connect(&m_look, &QTimer::timeout, this, &ScriptShow::LookForFault);
+    connect(this, &ScriptShow::Shown, this, &ScriptShow::LookForFault);
 }
 
-bool ScriptShow::Start(const QString& file)
+void ScriptShow::Start(const QString& file)
 {
     QStringList scripts = m_area.Modes();
     scripts.removeIf([this](const QString& mode) { return m_area.IsCycle(mode); });
@@ -61,7 +65,8 @@ bool ScriptShow::Start(const QString& file)
     if (isShown || file.isEmpty())
         emit Shown();
     emit RotatingChanged();
-    return isShown || file.isEmpty();
+    LookForFault();
+    m_look.start();
 }
 
 void ScriptShow::Choose(const QString& mode)
@@ -130,6 +135,15 @@ void ScriptShow::SetInterval(int seconds)
 {
     m_settings.SetNumber(intervalSetting, seconds);
     m_rotation.SetInterval(Interval() * 1000);
+}
+
+void ScriptShow::LookForFault()
+{
+    const QString fault = m_area.ScriptFault();
+    if (fault == m_fault)
+        return;
+    m_fault = fault;
+    emit FaultChanged();
 }
 
 void ScriptShow::OnModeChanged()

@@ -4,6 +4,7 @@
 
 #include <QObject>
 #include <QString>
+#include <QTimer>
 
 namespace pxvis::player {
 
@@ -25,8 +26,8 @@ public:
     ScriptShow(DisplayArea& area, SongLibrary& library, PlayerSettings& settings);
 
     // Once the area has its visualization. `file`: a script that is shown in place of the mode
-    // and the rotation that were remembered, "" for none; false if it can't be yet.
-    bool Start(const QString& file);
+    // and the rotation that were remembered, once it can be; "" for none.
+    void Start(const QString& file);
 
     void Choose(const QString& mode);
     void Next();
@@ -36,6 +37,10 @@ public:
 
     QString Name() const; // of what is shown, for people
     QString Folder() const; // the same; "" if it lies in none
+
+    bool IsFile() const { return !m_file.isEmpty(); } // no mode
+
+    QString Fault() const { return m_fault; } // what is wrong with it, in a line; "": nothing
 
     // Only a script on its own can be rated.
     bool CanRate() const;
@@ -54,9 +59,11 @@ signals:
     void Changed(); // another script, or its rating
     void Shown(); // another script
     void RotatingChanged();
+    void FaultChanged();
 
 private:
     void OnModeChanged();
+    void LookForFault();
 
     DisplayArea& m_area;
     SongLibrary& m_library;
@@ -65,6 +72,8 @@ private:
     bool m_isStarting = false;
     QString m_file; // that is shown in place of a mode, once it can be read
     bool m_isRotationsChoice = false;
+    QTimer m_look; // since files change
+    QString m_fault;
 };
 
 }

@@ -25,19 +25,6 @@ constexpr char cycleSetting[] = "Script Cycle MS";
 constexpr char flashSetting[] = "Flash Limit";
 constexpr int usualCycle = 10'000; // ms
 
-QLabel* MakeHeading(const QString& text)
-{
-    auto* label = new QLabel(text);
-    QFont font = label->font();
-    font.setWeight(QFont::DemiBold);
-    label->setFont(font);
-    QPalette palette = label->palette();
-    palette.setColor(QPalette::WindowText, Appearance::Accent());
-    label->setPalette(palette);
-    label->setContentsMargins(0, 10, 0, 0);
-    return label;
-}
-
 QLabel* MakeNote(const QString& text)
 {
     auto* label = new QLabel(text);
@@ -77,11 +64,14 @@ SettingsDialog::SettingsDialog(Player& player, ScriptShow& show, DisplayArea& ar
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     auto* rows = new QVBoxLayout(this);
     rows->setContentsMargins(22, 10, 22, 14);
-    rows->addWidget(MakeHeading(tr("Picture")));
+    rows->addSpacing(10);
+    rows->addWidget(Appearance::MakeHeading(tr("Picture")));
     rows->addLayout(MakePicture());
-    rows->addWidget(MakeHeading(tr("Scripts")));
+    rows->addSpacing(10);
+    rows->addWidget(Appearance::MakeHeading(tr("Scripts")));
     rows->addLayout(MakeScripts());
-    rows->addWidget(MakeHeading(tr("Sound")));
+    rows->addSpacing(10);
+    rows->addWidget(Appearance::MakeHeading(tr("Sound")));
     rows->addLayout(MakeSound());
     rows->addSpacing(12);
     rows->addStretch();
@@ -116,8 +106,10 @@ QLayout* SettingsDialog::MakeScripts()
     connect(m_cycle, &QSpinBox::editingFinished, this, &SettingsDialog::ApplyToVisuals);
     m_cycle->setKeyboardTracking(false);
     auto* form = new QFormLayout;
-    form->addRow(tr("Player's &rotation shows each for:"), m_rotation);
-    form->addRow(tr("“C&ycle All” shows each for:"), m_cycle);
+    form->addRow(tr("&Changed by rating after:"), m_rotation);
+    form->addRow(tr("“C&ycle All” changes after:"), m_cycle);
+    form->addRow(MakeNote(tr("Visuals > Change by Rating shows scripts with more stars more often. "
+                             "“Cycle All”, among the scripts, takes all of them alike.")));
     return form;
 }
 

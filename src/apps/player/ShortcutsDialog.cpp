@@ -29,18 +29,6 @@ QString KeysOf(const QAction& action)
     return keys.join(QStringLiteral(", "));
 }
 
-QLabel* MakeHeading(const QString& text)
-{
-    auto* label = new QLabel(text);
-    QFont font = label->font();
-    font.setWeight(QFont::DemiBold);
-    label->setFont(font);
-    QPalette palette = label->palette();
-    palette.setColor(QPalette::WindowText, Appearance::Accent());
-    label->setPalette(palette);
-    return label;
-}
-
 }
 
 ShortcutsDialog::ShortcutsDialog(const PlayerActions& actions, QWidget* parent)
@@ -62,7 +50,7 @@ ShortcutsDialog::ShortcutsDialog(const PlayerActions& actions, QWidget* parent)
             column = lengths[0] <= lengths[1] ? 0 : 1;
             if (lengths[column] > 0)
                 columns[column]->addSpacing(12);
-            columns[column]->addWidget(MakeHeading(group));
+            columns[column]->addWidget(Appearance::MakeHeading(group));
             grid = new QGridLayout;
             grid->setHorizontalSpacing(24);
             grid->setVerticalSpacing(4);

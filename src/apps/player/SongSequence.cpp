@@ -4,15 +4,27 @@
 #include "apps/player/collection/SongLibrary.h"
 #include "os/Clock.h"
 
+#include <QElapsedTimer>
+
 #include <algorithm>
 #include <unistd.h>
+#include <utility>
 
 namespace pxvis::player {
 
 namespace {
 
 constexpr qint64 beginning = 3000; // ms; so far Previous goes to the song before
-constexpr int mostFailures = 100; // one after the other; then the player stops
+// A list may be long and all of it missing. The window is to stay as quick as ever meanwhile.
+constexpr int fewFailures = 20; // that are passed over at once
+constexpr int skipPause = 30; // ms, between two others
+constexpr int skipTime = 8; // ms, for missing files in a row
+
+bool IsMissing(const QUrl& song)
+{
+    const std::string path = PathOf(song);
+    return !path.empty() && access(path.c_str(), F_OK) != 0;
+}
 
 qint64 Now()
 {
@@ -33,6 +45,8 @@ SongSequence::SongSequence(Playlist& playlist, Playback& playback, SongLibrary& 
     connect(&playback, &Playback::InfoChanged, this, &SongSequence::OnInfo);
     connect(&playback, &Playback::Ended, this, &SongSequence::OnEnded);
     connect(&playback, &Playback::Failed, this, &SongSequence::OnFailed);
+    m_skip.setSingleShot(true);
+    connect(&m_skip, &QTimer::timeout, this, &SongSequence::Skip);
 }
 
 void SongSequence::Play(int row)
@@ -212,6 +226,12 @@ void SongSequence::OnEnded()
     }
     m_isAtEnd = true;
     m_isPlayWanted = false;
+    emit ListEnded();
+}
+
+bool SongSequence::IsAtEnd() const
+{
+    return m_isAtEnd && m_playlist.Current() >= 0 && m_playlist.Next(true) < 0;
 }
 
 void SongSequence::OnFailed(const QUrl& song, const QString& reason)
@@ -228,37 +248,57 @@ void SongSequence::OnFailed(const QUrl& song, const QString& reason)
     if (row < 0 || m_playlist.At(row).url != song)
         return;
 
-    Song failed = m_playlist.At(row);
-    m_failures.append(tr("%1 can't be played: %2").arg(TitleOf(failed), reason));
-    const std::string path = PathOf(song);
-    failed.isMissing = !path.empty() && access(path.c_str(), F_OK) != 0;
-    m_playlist.Update(failed);
+    NoteFailure(row, reason);
     // Later, since opening a song may be what fails.
-    QMetaObject::invokeMethod(this, &SongSequence::Skip, Qt::QueuedConnection);
+    m_skip.start(m_failures <= fewFailures ? 0 : skipPause);
 }
 
+void SongSequence::NoteFailure(int row, const QString& reason)
+{
+    Song failed = m_playlist.At(row);
+    if (m_failures++ == 0)
+        m_firstFailure = tr("%1 can't be played: %2").arg(TitleOf(failed), reason);
+    failed.isMissing = IsMissing(failed.url);
+    m_playlist.Update(failed);
+}
+
+// To the next song that is worth a try.
 void SongSequence::Skip()
 {
-    if (m_failures.isEmpty()) // something else was opened meanwhile
-        return;
-    const int row = m_playlist.Current();
-    const int next
-        = m_direction == Direction::Forward ? m_playlist.Next(true) : m_playlist.Previous();
-    if (!m_isPlayWanted || row < 0 || next < 0 || next == row
-        || m_failures.size() >= std::min(m_playlist.Count(), mostFailures))
-        TellFailures();
-    else
-        Open(next, PlayState::Playing, 0);
+    QElapsedTimer time;
+    time.start();
+    while (m_failures > 0) { // else something was opened meanwhile
+        const int row = m_playlist.Current();
+        const int next
+            = m_direction == Direction::Forward ? m_playlist.Next(true) : m_playlist.Previous();
+        if (!m_isPlayWanted || row < 0 || next < 0 || next == row
+            || m_failures >= m_playlist.Count()) {
+            TellFailures();
+        } else if (!IsMissing(m_playlist.At(next).url)) {
+            Open(next, PlayState::Playing, 0);
+            return;
+        } else if (time.elapsed() >= skipTime) {
+            m_skip.start(skipPause);
+            return;
+        } else {
+            SetCurrent(next);
+            NoteFailure(next, {});
+        }
+    }
 }
 
 void SongSequence::TellFailures()
 {
-    if (m_failures.isEmpty())
+    m_skip.stop();
+    const int count = std::exchange(m_failures, 0);
+    if (count == 0)
         return;
-    const int others = static_cast<int>(m_failures.size()) - 1;
-    const QString first = m_failures.first();
-    m_failures.clear();
-    emit Message(others == 0 ? first : tr("%1 (and %2 more songs)").arg(first).arg(others));
+    if (count == 1)
+        emit Message(m_firstFailure);
+    else if (count >= m_playlist.Count())
+        emit Message(tr("None of the %1 songs can be played. %2").arg(count).arg(m_firstFailure));
+    else
+        emit Message(tr("%1 (and %2 more songs)").arg(m_firstFailure).arg(count - 1));
 }
 
 }

@@ -4,7 +4,8 @@
 #include "apps/player/sound/Playback.h"
 
 #include <QObject>
-#include <QStringList>
+#include <QString>
+#include <QTimer>
 
 namespace pxvis::player {
 
@@ -33,11 +34,15 @@ public:
 
     const host::SongInfo& Info() const { return m_info; } // of the current song, as far as known
 
+    // The last song of the list has ended: Play begins with the first.
+    bool IsAtEnd() const;
+
     void NoteProgress(); // to be called some times a second while it plays
 
 signals:
     void SongStarted(); // the current song is another one, or begins anew
     void InfoChanged();
+    void ListEnded();
     void Message(const QString& text);
 
 private:
@@ -51,6 +56,7 @@ private:
     void UpdateNext();
     void Count();
     void CountEnd();
+    void NoteFailure(int row, const QString& reason);
     void Skip();
     void TellFailures();
 
@@ -64,7 +70,9 @@ private:
     Playback& m_playback;
     SongLibrary& m_library;
     host::SongInfo m_info;
-    QStringList m_failures; // running, without a song that could be played in between
+    int m_failures = 0; // running, without a song that could be played in between
+    QString m_firstFailure; // of these, in a line
+    QTimer m_skip;
     Direction m_direction = Direction::Forward; // to go on in, should a song fail
     bool m_isPlayWanted = false;
     bool m_isOpening = false; // SongChanged is to come for what was opened

@@ -2,6 +2,7 @@
 
 #include "apps/player/LevelMeter.h"
 #include "apps/player/Player.h"
+#include "apps/player/TextLabel.h"
 
 #include <QLabel>
 
@@ -18,18 +19,16 @@ constexpr int messageTime = 8000; // ms
 StatusLine::StatusLine(Player& player, QWidget* parent)
     : QStatusBar(parent)
     , m_player(player)
-    , m_notice(new QLabel)
+    , m_notice(new TextLabel)
     , m_meter(new LevelMeter)
 {
     setSizeGripEnabled(false);
     QPalette warning = m_notice->palette();
     warning.setColor(QPalette::WindowText, QColor(0xFF, 0xB4, 0x54));
     m_notice->setPalette(warning);
-    m_notice->setTextFormat(Qt::PlainText);
     m_notice->setContentsMargins(8, 0, 8, 0);
-    m_notice->hide();
     m_meter->hide();
-    addPermanentWidget(m_notice);
+    addWidget(m_notice, 1); // a message has its place for as long as it is shown
     addPermanentWidget(m_meter);
     connect(&m_timer, &QTimer::timeout, this, [this] {
         const bool hasBeat = m_player.Host().TakeBeat();
@@ -44,10 +43,12 @@ void StatusLine::Say(const QString& text)
     showMessage(text, messageTime);
 }
 
-void StatusLine::SetNotice(const QString& text)
+void StatusLine::SetNotice(Notice about, const QString& text)
 {
-    m_notice->setText(text);
-    m_notice->setVisible(!text.isEmpty());
+    m_notices.at(static_cast<size_t>(about)) = text;
+    QStringList texts(m_notices.begin(), m_notices.end());
+    texts.removeAll(QString());
+    m_notice->SetText(texts.join(QStringLiteral(" · ")));
 }
 
 void StatusLine::SetLevelsShown(bool shown)

@@ -21,6 +21,7 @@ namespace pxvis::player {
 namespace {
 
 constexpr int fullVolume = 100;
+constexpr int widthForRating = 720;
 
 void Dim(QWidget& widget)
 {
@@ -188,7 +189,6 @@ QBoxLayout* TransportBar::MakeVolume()
     m_volume->setToolTip(tr("Volume (Up, Down)"));
     m_volume->setRange(0, fullVolume);
     m_volume->setPageStep(10);
-    m_volume->setFixedWidth(96);
     connect(m_volume, &JumpSlider::valueChanged, this, [this](int value) {
         m_player.SetMuted(false);
         m_player.SetVolume(value / double(fullVolume));
@@ -220,6 +220,15 @@ QToolButton* TransportBar::MakeButton(QAction* action, int side)
     connect(action, &QAction::changed, button, name);
     name();
     return button;
+}
+
+// The titles need the room more.
+void TransportBar::resizeEvent(QResizeEvent* event)
+{
+    QWidget::resizeEvent(event);
+    for (QWidget* part : { static_cast<QWidget*>(m_rating), static_cast<QWidget*>(m_folder) })
+        part->setVisible(width() >= widthForRating);
+    m_volume->setFixedWidth(width() >= widthForRating ? 96 : 56);
 }
 
 void TransportBar::UpdatePlace()

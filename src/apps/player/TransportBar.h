@@ -30,6 +30,9 @@ public:
     TransportBar(
         Player& player, ScriptShow& show, PlayerActions& actions, QWidget* parent = nullptr);
 
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+
 private:
     QBoxLayout* MakePlace();
     QBoxLayout* MakeSong();

@@ -131,6 +131,8 @@ int RunPlay(const PlayOptions& options, std::ostream& errors)
         arguments.emplace_back("--play");
     else if (!script.empty())
         arguments.emplace_back("--listen");
+    else
+        arguments.emplace_back("--new"); // else it would be one that is open
     if (!FindSongs(options.songs, arguments, error))
         return PrintError(errors, error);
     const std::string program = PlayerProcess::Find();

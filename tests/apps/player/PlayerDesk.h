@@ -91,7 +91,7 @@ public:
         player->Songs().Insert(songs);
     }
 
-    static bool WaitUntil(const std::function<bool()>& isSo, int milliseconds = 15000)
+    static bool WaitUntil(const std::function<bool()>& isSo, int milliseconds = 60000)
     {
         QElapsedTimer timer;
         timer.start();

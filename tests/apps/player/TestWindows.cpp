@@ -7,6 +7,7 @@
 #include "apps/player/TransportBar.h"
 
 #include <QDialog>
+#include <QDockWidget>
 #include <QLabel>
 #include <QMouseEvent>
 #include <QSet>
@@ -50,6 +51,10 @@ TEST_CASE("The window invites to start, names its controls, and follows the play
     REQUIRE(place);
     CHECK_FALSE(place->isEnabled());
     CHECK(window.windowTitle() == "pxvis");
+    window.findChild<QDockWidget*>("playlist")->show();
+    const QSize least = window.minimumSizeHint();
+    CHECK(least.width() <= 640);
+    CHECK(least.height() <= 400);
 
     desk.player->Open({ desk.AddSong("a song.wav", 60) });
     CHECK(desk.WaitUntil([&] { return desk.IsPlaying(0) && place->isEnabled(); }));

@@ -45,6 +45,8 @@ struct DisplayArea::Display
     QString cycleWord; // in the library's language; "": not yet known
     QString text;
     QTimer textTimer;
+    QString hint;
+    MakeControls makeControls;
 };
 
 DisplayArea::DisplayArea(VisualHost& host, QWidget* parent)
@@ -178,6 +180,12 @@ bool DisplayArea::TryScriptFile()
     return true;
 }
 
+QString DisplayArea::ScriptFault() const
+{
+    return m_display->visualization ? VisualProperty(*m_display->visualization, u"Script Fault")
+                                    : QString();
+}
+
 void DisplayArea::AddTo(QMenu& menu)
 {
     if (!m_display->visualization)
@@ -207,11 +215,26 @@ void DisplayArea::ShowText(const QString& text, int milliseconds)
 {
     Display& display = *m_display;
     display.text = text;
-    display.frame->SetText(text);
+    display.frame->SetText(text.isEmpty() ? display.hint : text);
     if (text.isEmpty())
         display.textTimer.stop();
     else
         display.textTimer.start(milliseconds);
+}
+
+void DisplayArea::SetHint(const QString& text)
+{
+    Display& display = *m_display;
+    if (text == display.hint)
+        return;
+    display.hint = text;
+    if (display.text.isEmpty())
+        display.frame->SetText(text);
+}
+
+void DisplayArea::SetControls(MakeControls make)
+{
+    m_display->makeControls = std::move(make);
 }
 
 bool DisplayArea::IsFullScreen() const
@@ -245,6 +268,8 @@ void DisplayArea::EnterFullScreen()
     full->setWindowTitle(window()->windowTitle());
     full->setWindowIcon(window()->windowIcon());
     full->addActions(actions());
+    if (m_display->makeControls)
+        full->SetControls(m_display->makeControls());
     connect(full, &FullScreenWindow::LeaveAsked, this, [this] { SetFullScreen(false); });
     connect(full, &FullScreenWindow::MinimisedChanged, this, &DisplayArea::UpdateSeen);
     connect(new UrlDrops(*full), &UrlDrops::Dropped, this, &DisplayArea::Dropped);

@@ -5,6 +5,7 @@
 #include <QUrl>
 #include <QWidget>
 
+#include <functional>
 #include <memory>
 
 class QMenu;
@@ -40,11 +41,21 @@ public:
     // chosen. False if it can't be read; then it is asked for again until it can.
     bool ShowScriptFile(const QString& path);
 
+    // What is wrong with the script that is shown, or is to be, in a line; "" if nothing is.
+    QString ScriptFault() const;
+
     // Adds what the visualization offers.
     void AddTo(QMenu& menu);
 
     // A text over the picture at its lower edge for so long; an empty one takes it away.
     void ShowText(const QString& text, int milliseconds = 4000);
+
+    // A text there for as long as no other is.
+    void SetHint(const QString& text);
+
+    // What each full screen has at its lower edge while the pointer moves.
+    using MakeControls = std::function<QWidget*()>;
+    void SetControls(MakeControls make);
 
     // Without a picture there is none, though FullScreenChanged comes.
     void SetFullScreen(bool fullScreen);

@@ -7,8 +7,8 @@ namespace pxvis::player {
 
 class PictureFrame;
 
-// A black window over a whole screen, which holds the picture's frame for a time. The pointer is
-// hidden while it rests.
+// A black window over a whole screen, which holds the picture's frame for a time. While the pointer
+// rests, it and the controls are hidden.
 class FullScreenWindow : public QWidget
 {
     Q_OBJECT
@@ -17,6 +17,9 @@ public:
     // Takes the frame from its parent, who gets it back (setParent) before this goes.
     FullScreenWindow(QScreen& screen, PictureFrame& frame);
     ~FullScreenWindow() override;
+
+    // Shown at the lower edge, over the picture; owned from now on.
+    void SetControls(QWidget* controls);
 
 signals:
     // By Esc, a double click, or the window manager; the window stays until its owner takes it
@@ -31,9 +34,14 @@ protected:
     void changeEvent(QEvent* event) override;
 
 private:
-    void ShowPointer();
+    void NotePointer();
+    void ShowControls(bool shown);
+    void PlaceControls();
+    void Rest();
 
     PictureFrame& m_frame;
+    QWidget* m_controls = nullptr;
+    QPoint m_pointer; // where it was last
     QTimer m_pointerTimer;
 };
 

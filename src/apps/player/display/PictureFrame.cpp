@@ -56,6 +56,12 @@ void PictureFrame::SetText(const QString& text)
     m_strip->raise();
 }
 
+void PictureFrame::SetTextMargin(int height)
+{
+    m_textMargin = height;
+    PlaceText();
+}
+
 void PictureFrame::RaiseText()
 {
     if (m_strip)
@@ -70,8 +76,8 @@ void PictureFrame::PlaceText()
     m_strip->setText(
         m_strip->fontMetrics().elidedText(m_text, Qt::ElideRight, most - 2 * stripPadding));
     const QSize size = m_strip->sizeHint().boundedTo({ most, height() });
-    m_strip->setGeometry(
-        stripPadding, height() - size.height() - stripPadding, size.width(), size.height());
+    const int bottom = height() - m_textMargin - stripPadding;
+    m_strip->setGeometry(stripPadding, bottom - size.height(), size.width(), size.height());
 }
 
 void PictureFrame::resizeEvent(QResizeEvent*)

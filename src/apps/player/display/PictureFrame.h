@@ -15,6 +15,7 @@ public:
     explicit PictureFrame(QWidget* parent);
 
     void SetText(const QString& text); // cut to one line of this width; "" for none
+    void SetTextMargin(int height); // of the frame's lower part that the text is to stay above
     // To be called when the visualization has put its window in, which is above all others then.
     void RaiseText();
 
@@ -34,6 +35,7 @@ private:
     void PlaceText();
 
     QString m_text;
+    int m_textMargin = 0;
     QLabel* m_strip = nullptr; // made for the first text
 };
 

@@ -2,6 +2,7 @@
 #include "apps/player/MainWindow.h"
 #include "apps/player/Player.h"
 #include "apps/player/PlayerIcons.h"
+#include "apps/player/RunningPlayer.h"
 #include "apps/player/ShortcutGuard.h"
 #include "apps/player/desktop/DisplayPlatform.h"
 #include "apps/player/desktop/MprisService.h"
@@ -10,10 +11,11 @@
 #include <CLI/CLI.hpp>
 
 #include <QApplication>
-#include <QDir>
+#include <QFile>
 #include <QUrl>
 
 #include <exception>
+#include <filesystem>
 #include <iostream>
 
 namespace {
@@ -25,6 +27,7 @@ struct Options
     std::string script;
     bool play = false;
     bool listen = false;
+    bool isNew = false;
     std::vector<std::string> files;
 };
 
@@ -41,6 +44,7 @@ bool Read(int argc, char** argv, Options& options, int& status)
     app.add_flag(
            "--listen", options.listen, "Listen to what the computer plays, or what was listened to")
         ->excludes(play);
+    app.add_flag("--new", options.isNew, "A player of its own, also where one is open");
     app.add_option("FILES", options.files, "Songs, folders and playlists; the first is played");
     try {
         app.parse(argc, argv);
@@ -54,17 +58,17 @@ bool Read(int argc, char** argv, Options& options, int& status)
     return false;
 }
 
-QString PathOf(const std::string& name)
+std::string PathOf(const std::string& name)
 {
-    return name.empty() ? QString()
-                        : QDir::current().absoluteFilePath(QFile::decodeName(name.c_str()));
+    std::error_code fault;
+    return name.empty() ? name : std::filesystem::absolute(name, fault).lexically_normal().string();
 }
 
 // Desktops hand files over as addresses.
 QUrl UrlOf(const std::string& name)
 {
-    return name.starts_with("file://") ? QUrl(QString::fromStdString(name))
-                                       : QUrl::fromLocalFile(PathOf(name));
+    return name.starts_with("file://") ? QUrl::fromEncoded(QByteArray::fromStdString(name))
+                                       : pxvis::player::UrlOf(PathOf(name));
 }
 
 QIcon WindowIcon()
@@ -99,17 +103,29 @@ int Run(int argc, char** argv)
     ShortcutGuard guard;
     application.installEventFilter(&guard);
 
+    QList<QUrl> files;
+    for (const std::string& file : options.files)
+        files.append(UrlOf(file));
+    RunningPlayer running;
+    const bool isOnItsOwn
+        = options.isNew || options.play || options.listen || !options.script.empty();
+    if (!isOnItsOwn && running.HandOver(files))
+        return 0;
+
     Player player;
     MainWindow window(player);
     const EndSignals endSignals([&window] { window.close(); });
     const MprisService mpris(player);
     player.Restore();
     window.show();
-    window.Start(PathOf(options.script));
+    window.Start(QFile::decodeName(PathOf(options.script).c_str()));
+    QObject::connect(
+        &running, &RunningPlayer::Opened, &player, [&player](const QList<QUrl>& opened) {
+            player.Raise();
+            if (!opened.isEmpty())
+                player.Open(opened);
+        });
 
-    QList<QUrl> files;
-    for (const std::string& file : options.files)
-        files.append(UrlOf(file));
     if (!files.isEmpty())
         player.Open(files);
     else if (options.play)

@@ -58,7 +58,7 @@ public:
                 + color + "</Color></Properties></Component></PXV>");
     }
 
-    static bool RunUntil(const std::function<bool()>& isSo, int milliseconds = 10000)
+    static bool RunUntil(const std::function<bool()>& isSo, int milliseconds = 30000)
     {
         QElapsedTimer time;
         for (time.start(); !isSo(); QThread::msleep(3)) {

@@ -5,8 +5,10 @@
 
 #include <QAction>
 #include <QDropEvent>
+#include <QLabel>
 #include <QMenu>
 #include <QMimeData>
+#include <QPointer>
 
 using namespace pxvis::player;
 
@@ -124,16 +126,38 @@ TEST_CASE("Full screen takes the picture over and gives it back, however it is l
             CHECK(QApplication::topLevelWidgets().size() == 1);
         }
         CHECK(changes == 9);
+    });
+}
+
+TEST_CASE("In full screen the pointer and the controls come with the hand and go by themselves")
+{
+    InProcessOfItsOwn([] {
+        DisplayDesk desk(true);
+        DisplayArea& area = desk.area;
+        REQUIRE(desk.Open());
+        QPointer<QWidget> bar;
+        area.SetControls([&] { return bar = new QLabel("controls"); });
         area.SetFullScreen(true);
-        REQUIRE(desk.RunUntil(isFull));
-        // The pointer goes by itself, and comes with the hand.
+        REQUIRE(bar);
+        CHECK(desk.RunUntil([&] { return desk.IsShown(red); })); // which nobody moved the hand for
         QWidget* const frame = area.PictureWindow()->childAt(5, 5);
         REQUIRE(frame);
-        const auto isHidden = [&] { return frame->cursor().shape() == Qt::BlankCursor; };
+        const auto areShown = [&](bool shown) {
+            const ScreenPixels pixels = desk.Pixels(*area.PictureWindow());
+            return (pixels.At(1000, 1020) != red) == shown && bar->isVisible() == shown
+                && (frame->cursor().shape() != Qt::BlankCursor) == shown;
+        };
         desk.Do({ "mousemove", "300", "300" });
-        CHECK(desk.RunUntil(isHidden));
+        CHECK(desk.RunUntil([&] { return areShown(true); }));
+        CHECK(desk.RunUntil([&] { return areShown(false); }));
+        desk.Do({ "mousemove", "400", "1020" });
+        CHECK(desk.RunUntil([&] { return areShown(true); }));
+        desk.Run(4500);
+        CHECK(areShown(true)); // in use
         desk.Do({ "mousemove", "400", "300" });
-        CHECK(desk.RunUntil([&] { return !isHidden(); }, 1000));
+        CHECK(desk.RunUntil([&] { return areShown(false); }));
+        area.SetFullScreen(false);
+        CHECK(desk.RunUntil([&] { return !bar; }));
     });
 }
 
@@ -147,10 +171,10 @@ TEST_CASE("What is shown goes on through full screen, also one script of a cycle
         area.SetMode("Test\\" + area.Modes().value(0));
         desk.Run(500);
         const uint32_t color = desk.IsShown(red) ? red : blue;
-        for (int turn = 0; turn < 6; ++turn) {
+        for (int turn = 0; turn < 4; ++turn) {
             desk.Do({ "mousemove", "300", "300", "click", "--repeat", "2", "--delay", "60", "1" });
             CHECK(desk.RunUntil([&] { return area.IsFullScreen() == (turn % 2 == 0); }));
-            CHECK(desk.RunUntil([&] { return desk.IsShown(color); }, 4000));
+            CHECK(desk.RunUntil([&] { return desk.IsShown(color); }));
             desk.Run(500); // else it were one double click more
         }
     });

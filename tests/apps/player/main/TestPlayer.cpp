@@ -78,7 +78,7 @@ TEST_CASE("Scripts are chosen in the menu, and the picture fills the screen and 
     CHECK(player.Quit() == 0);
 }
 
-TEST_CASE("Files that are dropped on the window are played")
+TEST_CASE("Files are played that are dropped on the window or opened with the player again")
 {
     PlayerProgram player;
     const std::string first = player.AddSong("a song.wav", 300);
@@ -94,6 +94,9 @@ TEST_CASE("Files that are dropped on the window are played")
     CHECK(player.WaitUntil([&] { return player.IsPlaying() && player.Title() == "a song"; }));
     CHECK(drop(folder + "missing.wav\r\n" + folder + "another.wav\r\n"));
     CHECK(player.WaitUntil([&] { return player.IsPlaying() && player.Title() == "another"; }));
+    ChildProcess second({ PXVIS_BINARY_DIR "/bin/pxvis-player", first });
+    CHECK(second.Wait(60) == 0);
+    CHECK(player.WaitUntil([&] { return player.IsPlaying() && player.Title() == "a song"; }));
     CHECK(player.Quit() == 0);
 }
 

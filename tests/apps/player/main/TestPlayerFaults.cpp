@@ -31,16 +31,14 @@ TEST_CASE("Songs that are missing or end too early are passed over")
     CHECK(player.Quit() == 0);
 }
 
-TEST_CASE("A playlist of which nothing is there any more keeps nobody waiting")
+TEST_CASE("A song behind hundreds of missing ones is reached")
 {
     PlayerProgram player;
     std::string list;
     for (int i = 0; i < 300; ++i)
         list += "gone" + std::to_string(i) + ".mp3\n";
-    REQUIRE(player.Start({ player.AddFile("list.m3u8", list) }));
-    player.Tell("Play");
-    CHECK(player.WaitUntil([&] { return player.Ask("PlaybackStatus") == "Stopped"; }));
-    player.Tell("OpenUri", { QString::fromStdString("file://" + player.AddSong("song.wav", 300)) });
+    player.AddSong("song.wav", 300);
+    REQUIRE(player.Start({ player.AddFile("list.m3u8", list + "song.wav\n") }));
     CHECK(player.WaitUntil([&] { return player.IsPlaying() && player.Title() == "song"; }));
     CHECK(player.Quit() == 0);
 }
