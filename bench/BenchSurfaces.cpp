@@ -25,8 +25,10 @@
 #include <cmath>
 #include <cstdio>
 #include <functional>
+#include <memory>
 #include <random>
 #include <string>
+#include <utility>
 #include <vector>
 
 using namespace pxvis::kernels;
@@ -291,6 +293,25 @@ void AddStars(std::vector<Case>& cases, int32_t width, int32_t height, int32_t c
         [=] { *stars = *born; }, {} });
 }
 
+// A run up and down at each column, as a filled oscilloscope across the middle has them.
+void AddWaveRuns(std::vector<Case>& cases, int32_t width, int32_t height, int32_t swing)
+{
+    auto picture = std::make_shared<Pixels>(Noise(int64_t { width } * height));
+    auto colors = std::make_shared<Pixels>(Noise(2 * swing + 1));
+    const auto draw = [=] {
+        for (int32_t x = 0; x < width; ++x)
+            DrawWaveRun(picture->data() + int64_t { width } * (height - 1), -width, width, height,
+                { x, height / 2, 0, 1 }, -swing, 2 * swing + 1, colors->data());
+    };
+    const auto floor = [=] {
+        for (int64_t y = height / 2 - swing; y <= height / 2 + swing; ++y)
+            for (int32_t x = 0; x < width; ++x)
+                (*picture)[static_cast<size_t>(y * width + x)] ^= 1;
+    };
+    cases.push_back({ "wave/upright/" + Size(width, height), int64_t { width } * (2 * swing + 1),
+        draw, draw, floor, {} });
+}
+
 }
 
 int main(int argc, char** argv)
@@ -308,6 +329,7 @@ int main(int argc, char** argv)
     AddRays(cases, 1600, 1200, 336);
     AddRays(cases, 1920, 1080, 500);
     AddStars(cases, 1600, 1200, 20000);
+    AddWaveRuns(cases, 1920, 1080, 162);
     for (const auto& [width, height] :
         { std::pair { 640, 480 }, std::pair { 1600, 1200 }, std::pair { 3840, 2160 } }) {
         AddMerge(cases, "replace", width, height, MergeReplace, scalar::MergeReplace);
