@@ -38,42 +38,6 @@ bool IsSilent(const VisAudioBlock& block)
 
 }
 
-// Hands the song on to the analysis, which hears ahead, and the part that is asked for to the sink
-// as well.
-class SongPlayback::SoundTap final : public host::SampleSource
-{
-public:
-    SoundTap(host::SampleSource& song, int64_t from, int64_t to)
-        : m_song(song)
-        , m_from(from)
-        , m_to(to)
-    {
-    }
-
-    size_t Read(float* interleaved, size_t frames) override
-    {
-        const size_t got = m_song.Read(interleaved, frames);
-        const int64_t count = static_cast<int64_t>(got);
-        const int64_t first = std::clamp<int64_t>(m_from - m_position, 0, count);
-        const int64_t last = std::clamp<int64_t>(m_to - m_position, 0, count);
-        m_position += count;
-        if (m_sink && first < last)
-            m_sink(interleaved + first * 2, static_cast<size_t>(last - first));
-        return got;
-    }
-
-    std::string Error() const override { return m_song.Error(); }
-
-    void SetSink(SoundSink sink) { m_sink = std::move(sink); }
-
-private:
-    host::SampleSource& m_song;
-    int64_t m_from; // samples
-    int64_t m_to;
-    int64_t m_position = 0;
-    SoundSink m_sink;
-};
-
 SongPlayback::~SongPlayback() = default;
 
 std::unique_ptr<SongPlayback> SongPlayback::Open(
@@ -118,13 +82,12 @@ std::unique_ptr<SongPlayback> SongPlayback::Open(
     playback->m_session->SetSong(playback->m_info, playback->m_cover->Path());
     if (options.to >= 0)
         playback->m_end = SamplesIn(options.to);
-    playback->m_tap
-        = std::make_unique<SoundTap>(*playback->m_song, SamplesIn(options.from), playback->m_end);
     host::AnalysisOptions analysis;
     analysis.stepNumerator = options.stepRate.numerator;
     analysis.stepDenominator = options.stepRate.denominator;
     analysis.from = options.from;
-    playback->m_analyzer.emplace(*playback->m_tap, analysis);
+    playback->m_analysis.emplace(
+        *playback->m_song, analysis, SamplesIn(options.from), playback->m_end);
     return playback;
 }
 
@@ -146,7 +109,7 @@ bool SongPlayback::OpenSong(const std::string& path, std::string& error)
 
 void SongPlayback::SetSoundSink(SoundSink sink)
 {
-    m_tap->SetSink(std::move(sink));
+    m_sink = std::move(sink);
 }
 
 bool SongPlayback::LoadScriptFor(double seconds)
@@ -180,23 +143,27 @@ bool SongPlayback::NextStep()
 {
     if (!LoadScriptFor(static_cast<double>(StepCount()) / m_stepRate.PerSecond()))
         return false;
-    host::AudioRecord record;
-    if (!m_analyzer->Next(record)) {
-        if (StepCount() == 0)
+    const AnalysisAhead::Step& step = m_analysis->Next();
+    if (m_sink && !step.sound.empty())
+        m_sink(step.sound.data(), step.sound.size() / 2);
+    if (step.isEnd) {
+        if (step.isOutOfMemory)
+            m_error = "no memory to analyse the song";
+        else if (StepCount() == 0)
             m_error = m_song->Error();
         else if (m_decoder)
             m_loss = m_decoder->Loss();
         return false;
     }
-    if (m_analyzer->SamplePosition() >= m_end)
+    if (step.samplePosition >= m_end)
         return false;
-    m_session->SetElapsed(static_cast<double>(m_analyzer->SamplePosition()) / host::SampleRate);
-    if (!m_session->Step(record)) {
+    m_session->SetElapsed(static_cast<double>(step.samplePosition) / host::SampleRate);
+    if (!m_session->Step(step.record)) {
         m_error = "no memory for a picture of this size";
         return false;
     }
     m_hasDrawn = m_hasDrawn || !IsBlack(Picture());
-    m_heardSteps += IsSilent(record.block) ? 0 : 1;
+    m_heardSteps += IsSilent(step.record.block) ? 0 : 1;
     return true;
 }
 

@@ -1,12 +1,12 @@
 #pragma once
 
+#include "apps/pxvis/AnalysisAhead.h"
 #include "apps/pxvis/ScriptSet.h"
 #include "apps/pxvis/VisualSession.h"
 #include "engine2d/CScriptCheck.h"
 #include "foundation/OQStringArray.h"
 #include "host/CoverFile.h"
 #include "host/SongDecoder.h"
-#include "host/analysis/SongAnalyzer.h"
 
 #include <functional>
 #include <memory>
@@ -19,8 +19,8 @@ namespace pxvis {
 
 struct RenderOptions;
 
-// A song and the pictures that go with it, step by step: decoding, analysis, the engine, and the
-// change from script to script. One thread at a time.
+// A song and the pictures that go with it, step by step: decoding and analysis, which run ahead on
+// threads of their own, the engine, and the change from script to script. One thread at a time.
 class SongPlayback
 {
 public:
@@ -57,8 +57,6 @@ public:
     const std::string& CoverFile() const { return m_cover->Path(); }
 
 private:
-    class SoundTap;
-
     SongPlayback() = default;
 
     bool OpenSong(const std::string& path, std::string& error);
@@ -75,8 +73,8 @@ private:
     const host::SongDecoder* m_decoder = nullptr; // m_song, if that is one
     host::SongInfo m_info;
     std::optional<host::CoverFile> m_cover;
-    std::unique_ptr<SoundTap> m_tap;
-    std::optional<host::SongAnalyzer> m_analyzer;
+    std::optional<AnalysisAhead> m_analysis; // ends before m_song
+    SoundSink m_sink;
     std::unique_ptr<VisualSession> m_session;
     std::string m_error;
     std::string m_loss; // of the song's end

@@ -386,9 +386,12 @@ int Run(int argc, char** argv)
         return usageStatus;
     }
 
-    if (!kernel.empty())
+    if (!kernel.empty()) {
         pxvis::kernels::ChooseKernels(kernel == "scalar" ? pxvis::kernels::KernelForm::Scalar
                                                          : pxvis::kernels::KernelForm::Auto);
+        // The sibling modules have kernels of their own, which look at the environment.
+        setenv("PXVIS_KERNELS", kernel.c_str(), 1);
+    }
     // A reader that goes away ends the commands that write for it, in silence; a render and the
     // player go on.
     std::signal(
