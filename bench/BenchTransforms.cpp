@@ -5,9 +5,7 @@
 //
 //     bench_transforms [FILTER] [--avx2]     FILTER is part of a name; --avx2: no better than that
 
-#include "foundation/OQEngineContext.h"
 #include "foundation/OQParallelRows.h"
-#include "foundation/OQThreadParallelizer.h"
 #include "kernels/DynamicTransformRow.h"
 #include "kernels/KernelForm.h"
 #include "kernels/SuperTransformRow.h"
