@@ -1,11 +1,11 @@
 // The pixel passes of the three transforms: the form over vectors beside the scalar one and beside
-// a plain loop over the same bytes ("floor"). Times are the smallest of many passes, in ns a pixel.
+// a plain loop over the same bytes ("floor"). Times are in ns a pixel: the sum over bands of rows
+// of each band's shortest of many passes. What two threads bring is told by whole passes and needs
+// a machine with nothing else to do.
 //
 //     bench_transforms [FILTER] [--avx2]     FILTER is part of a name; --avx2: no better than that
 
-#include "foundation/OQEngineContext.h"
 #include "foundation/OQParallelRows.h"
-#include "foundation/OQThreadParallelizer.h"
 #include "kernels/DynamicTransformRow.h"
 #include "kernels/KernelForm.h"
 #include "kernels/SuperTransformRow.h"

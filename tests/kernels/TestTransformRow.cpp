@@ -221,7 +221,7 @@ struct RandomPicture
         pass.scrollY = OneOf(moves, random);
         pass.zoomX = random() % 4 ? OneOf(moves, random) : pass.scrollX;
         pass.zoomStepX = OneOf({ 0, 1, -1, 100, -77, 1023, 1024, 1025, 1500, -5000, 1 << 20,
-                                   1 << 27, INT32_MAX, INT32_MIN },
+                                   1 << 27, -2'000'000'000, INT32_MAX, INT32_MIN },
             random);
         start.offsetY = random() % 4 ? OneOf(moves, random) : pass.scrollY;
         start.phaseX
