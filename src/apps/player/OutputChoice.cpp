@@ -64,12 +64,12 @@ QString OutputChoice::NameInUse() const
 
 int OutputChoice::Delay() const
 {
-    return std::clamp(m_settings.Delay(KeyOfDelay(InUse())), -mostDelay, mostDelay);
+    return std::clamp(m_settings.Delay(KeyOfDelay(InUse())), leastDelay, mostDelay);
 }
 
 void OutputChoice::SetDelay(int delay)
 {
-    m_settings.SetDelay(KeyOfDelay(InUse()), std::clamp(delay, -mostDelay, mostDelay));
+    m_settings.SetDelay(KeyOfDelay(InUse()), std::clamp(delay, leastDelay, mostDelay));
     Apply();
 }
 

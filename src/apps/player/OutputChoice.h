@@ -18,7 +18,8 @@ class OutputChoice : public QObject
     Q_OBJECT
 
 public:
-    static constexpr int mostDelay = 5000; // ms, either way
+    static constexpr int mostDelay = 5000; // ms
+    static constexpr int leastDelay = -500; // half of what is decoded ahead
 
     // All outlive it.
     OutputChoice(

@@ -115,7 +115,7 @@ QLayout* SettingsDialog::MakeScripts()
 
 QLayout* SettingsDialog::MakeSound()
 {
-    m_delay->setRange(-OutputChoice::mostDelay, OutputChoice::mostDelay);
+    m_delay->setRange(OutputChoice::leastDelay, OutputChoice::mostDelay);
     m_delay->setSingleStep(10);
     m_delay->setSuffix(tr(" ms"));
     m_delay->setToolTip(tr("For this output alone; Bluetooth loudspeakers are often late."));

@@ -19,7 +19,7 @@ class SongAnalyzer;
 class LiveAnalysis
 {
 public:
-    static constexpr int KeptSeconds = 4;
+    static constexpr int KeptSeconds = 8; // the longest delay, and what is decoded ahead
     static constexpr int RestSeconds = 5; // of silence, until the pictures may rest
 
     // How far the detectors hear ahead of what is heard, in samples: they make mistakes less often,

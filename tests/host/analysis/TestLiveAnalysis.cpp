@@ -69,7 +69,7 @@ int64_t TimeOfStep(int64_t step)
 
 }
 
-TEST_CASE("Taken step by step, the records are those of the song")
+TEST_CASE("Taken step by step, the records are those of the song, also five seconds late")
 {
     for (const size_t lookAhead : { size_t { 6615 }, size_t { 0 } }) {
         Synthesizer song(6);
@@ -82,7 +82,7 @@ TEST_CASE("Taken step by step, the records are those of the song")
         int different = 0;
         for (int step = 0; step < 300; ++step) {
             const int64_t now = 70 * Second + TimeOfStep(step);
-            stream.PushUntil(now + 400 * Millisecond);
+            stream.PushUntil(now + (lookAhead > 0 ? 6400 : 400) * Millisecond);
             AudioRecord expected, record;
             analyzer.Next(expected);
             CHECK(live.Take(now, record));

@@ -37,7 +37,9 @@ GstHolder<GstElement> MakeSource(const std::string& device, CapturePace pace)
             return source;
         gst_element_set_state(source.get(), GST_STATE_NULL);
     }
-    GstHolder<GstElement> source = Make("pipewiresrc");
+    // It would hear an output in place of the microphone that was chosen.
+    const bool isMonitor = device.starts_with('@') || device.ends_with(".monitor");
+    GstHolder<GstElement> source = isMonitor ? Make("pipewiresrc") : nullptr;
     if (!source)
         return nullptr;
     GstStructure* properties = gst_structure_new("properties", "stream.capture.sink", G_TYPE_STRING,
