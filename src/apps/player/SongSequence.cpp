@@ -281,7 +281,7 @@ void SongSequence::Skip()
             m_skip.start(skipPause);
             return;
         } else {
-            SetCurrent(next);
+            SetCurrent(next, 0);
             NoteFailure(next, {});
         }
     }
