@@ -92,10 +92,16 @@ HWY_INLINE FloatVector Angle(FloatVector x, FloatVector y, FloatVector distance)
     return hn::IfThenZeroElse(atCenter, turned);
 }
 
-// Positions along a row, which are whole numbers a float holds.
-HWY_INLINE FloatVector Along(float x, float stepX, int32_t i)
+// Positions along a row, which are whole numbers that a float holds, from lane i on. `first` are
+// those of lane 0: a new sequence would go lane by lane through memory.
+HWY_INLINE FloatVector Along(FloatVector first, float stepX, int32_t i)
 {
-    return hn::Add(Set(x), hn::Mul(hn::Iota(Floats(), static_cast<float>(i)), Set(stepX)));
+    return hn::Add(first, Set(static_cast<float>(i) * stepX));
+}
+
+HWY_INLINE FloatVector AlongFrom(float x, float stepX)
+{
+    return hn::Add(Set(x), hn::Mul(hn::Iota(Floats(), 0.0f), Set(stepX)));
 }
 
 struct Place // pairs of whole numbers
@@ -129,9 +135,10 @@ HWY_INLINE Place TransformPlace(
 
 void PolarPoints(float* distances, float* angles, float x, float stepX, float y, int32_t count)
 {
+    const FloatVector first = AlongFrom(x, stepX);
     int32_t i = 0;
     for (; i + lanes <= count; i += lanes) {
-        const FloatVector along = Along(x, stepX, i);
+        const FloatVector along = Along(first, stepX, i);
         const FloatVector distance = hn::Sqrt(hn::Add(hn::Mul(along, along), Set(y * y)));
         hn::StoreU(distance, Floats(), distances + i);
         hn::StoreU(Angle(along, Set(y), distance), Floats(), angles + i);
@@ -153,8 +160,9 @@ void TransformPoints(double* d, double* r, double* x, double* y, const Transform
         const FloatVector radius = Set(center.radius);
         const FloatVector upward = Set(static_cast<float>(up));
         const DoubleVector upPart = Widened(hn::Div(upward, radius));
+        const IntVector start = hn::Iota(Ints(), static_cast<int32_t>(right));
         for (; i + lanes <= count; i += lanes) {
-            const IntVector along = hn::Iota(Ints(), static_cast<int32_t>(right) + i);
+            const IntVector along = hn::Add(start, hn::Set(Ints(), i));
             const FloatVector alongFloat = hn::ConvertTo(Floats(), along);
             const IntVector sum = hn::Add(hn::Mul(along, along), upSquared);
             const FloatVector distance = hn::Sqrt(hn::ConvertTo(Floats(), sum));
@@ -201,6 +209,7 @@ void CircleEntries(int32_t* entries, const double* d, const double* r, int32_t c
 {
     const FloatVector radius = Set(circle.radius);
     const FloatVector unit = Set(32.0f);
+    const FloatVector first = AlongFrom(x, stepX);
     int32_t i = 0;
     for (; i + lanes <= count; i += lanes) {
         const IntVector step = hn::And(
@@ -217,7 +226,8 @@ void CircleEntries(int32_t* entries, const double* d, const double* r, int32_t c
         const FloatVector distance = LoadNarrowed(d + i);
         const FloatVector right = hn::Mul(distance, hn::Mul(hn::LoadU(Floats(), cosines), radius));
         const FloatVector up = hn::Mul(distance, hn::Mul(hn::LoadU(Floats(), sines), radius));
-        const FloatVector moveX = hn::Sub(hn::Add(right, Set(circle.centerX)), Along(x, stepX, i));
+        const FloatVector moveX
+            = hn::Sub(hn::Add(right, Set(circle.centerX)), Along(first, stepX, i));
         const FloatVector moveY = hn::Sub(hn::Sub(Set(circle.centerY), up), Set(y));
         hn::StoreInterleaved2(Truncated(hn::Mul(moveX, unit)), Truncated(hn::Mul(moveY, unit)),
             Ints(), entries + 2 * i);

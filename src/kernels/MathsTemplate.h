@@ -10,7 +10,9 @@
 namespace pxvis::maths {
 
 #define PXVIS_LANES
+#define PXVIS_LANE_FUNCTION
 #include "kernels/MathsTemplate.inl"
+#undef PXVIS_LANE_FUNCTION
 #undef PXVIS_LANES
 
 }

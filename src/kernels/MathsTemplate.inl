@@ -1,5 +1,6 @@
 // The body of MathsTemplate, which stands in a namespace for each instruction set: MathsTemplate.h
-// includes it for one lane, MathsVector.inl for vectors. PXVIS_LANES is what a lambda needs there.
+// includes it for one lane, MathsVector.inl for vectors. PXVIS_LANES is what a lambda needs there,
+// PXVIS_LANE_FUNCTION what a function does.
 
 // The functions of Maths.h over a lane type L (see OneLane): the same steps in every lane, so that
 // a lane's result depends on nothing but its own argument.
@@ -17,14 +18,14 @@ public:
     using U = typename L::U;
     using M = typename L::M;
 
-    static F Sin(F x)
+    PXVIS_LANE_FUNCTION static F Sin(F x)
     {
         const Angle angle = Reduce(Abs(x));
         const Pair sum = SineOf(angle);
         return Finish(x, sum.hi + sum.lo, Signs(x) ^ QuadrantSign(angle.quadrant));
     }
 
-    static F Cos(F x)
+    PXVIS_LANE_FUNCTION static F Cos(F x)
     {
         // cos x = sin(x + pi/2)
         Angle angle = Reduce(Abs(x));
@@ -34,7 +35,7 @@ public:
     }
 
     // Sin(x) and Cos(x), for less than both cost.
-    static void SinCos(F x, F& sine, F& cosine)
+    PXVIS_LANE_FUNCTION static void SinCos(F x, F& sine, F& cosine)
     {
         const Angle angle = Reduce(Abs(x));
         const U next = angle.quadrant + L::SetBits(1);
@@ -50,7 +51,7 @@ public:
         cosine = Finish(x, L::Select(even, ofCosine, ofSine), QuadrantSign(next));
     }
 
-    static F Tan(F x)
+    PXVIS_LANE_FUNCTION static F Tan(F x)
     {
         const Angle angle = Reduce(Abs(x));
         const Pair sine = SineOrCosine(angle.hi, angle.lo, [](F s, F) PXVIS_LANES { return s; });
@@ -66,7 +67,7 @@ public:
         return Finish(x, quotient.hi + quotient.lo, Signs(x) ^ oddSign);
     }
 
-    static F Atan(F x)
+    PXVIS_LANE_FUNCTION static F Atan(F x)
     {
         // atan x = pi/4 + atan((x - 1) / (x + 1)) = pi/2 + atan(-1 / x)
         const F zero = L::Set(0.0);
@@ -91,7 +92,7 @@ public:
         return OrNaN(x, L::FromBits(L::Bits(result) | Signs(x)));
     }
 
-    static F Acos(F x)
+    PXVIS_LANE_FUNCTION static F Acos(F x)
     {
         const F one = L::Set(1.0);
         const F half = L::Set(0.5);
@@ -120,7 +121,7 @@ public:
         return L::Select(L::LessEqual(magnitude, one), L::Select(inner, nearZero, outer), NaN());
     }
 
-    static F Log(F x)
+    PXVIS_LANE_FUNCTION static F Log(F x)
     {
         // With x = 2^k (1 + f) and s = f / (2 + f):
         // log(1 + f) = f - (f^2/2 - s (f^2/2 + z p(z))), z = s^2.
@@ -148,7 +149,7 @@ public:
         return result;
     }
 
-    static F Exp(F x)
+    PXVIS_LANE_FUNCTION static F Exp(F x)
     {
         // Beyond these the result is infinity or 0 all the same.
         const F low = L::Set(-746.0);
@@ -157,7 +158,7 @@ public:
         return OrNaN(x, ExpOfSum({ clamped, L::Set(0.0) }));
     }
 
-    static F Pow(F x, F y)
+    PXVIS_LANE_FUNCTION static F Pow(F x, F y)
     {
         const F zero = L::Set(0.0);
         const F magnitude = Abs(x);
@@ -213,23 +214,26 @@ private:
     static constexpr double rounder = 0x1.8p52;
     static constexpr uint64_t rounderBits = 0x4338000000000000;
 
-    static F NaN() { return L::Set(std::numeric_limits<double>::quiet_NaN()); }
+    PXVIS_LANE_FUNCTION static F NaN() { return L::Set(std::numeric_limits<double>::quiet_NaN()); }
 
-    static F Infinity() { return L::Set(std::numeric_limits<double>::infinity()); }
+    PXVIS_LANE_FUNCTION static F Infinity()
+    {
+        return L::Set(std::numeric_limits<double>::infinity());
+    }
 
-    static F Abs(F x) { return L::FromBits(L::Bits(x) & L::SetBits(~signBit)); }
+    PXVIS_LANE_FUNCTION static F Abs(F x) { return L::FromBits(L::Bits(x) & L::SetBits(~signBit)); }
 
-    static U Signs(F x) { return L::Bits(x) & L::SetBits(signBit); }
+    PXVIS_LANE_FUNCTION static U Signs(F x) { return L::Bits(x) & L::SetBits(signBit); }
 
     // x cut to its highest bits, so that products with another such number are exact.
     template <int count>
-    static F Head(F x)
+    PXVIS_LANE_FUNCTION static F Head(F x)
     {
         return L::FromBits(L::Bits(x) & L::SetBits(~uint64_t { 0 } << (53 - count)));
     }
 
     // The rounded sum and its error, exact when |a| >= |b| or a = 0.
-    static Pair FastSum(F a, F b)
+    PXVIS_LANE_FUNCTION static Pair FastSum(F a, F b)
     {
         const F sum = a + b;
         return { sum, (a - sum) + b };
@@ -237,7 +241,7 @@ private:
 
     // coefficient(0) + coefficient(1) x + ..., the even and the odd powers in two chains.
     template <size_t count, typename Coefficient>
-    static F PolynomialOf(F x, Coefficient coefficient)
+    PXVIS_LANE_FUNCTION static F PolynomialOf(F x, Coefficient coefficient)
     {
         const F square = x * x;
         F last = coefficient(count - 1);
@@ -253,17 +257,20 @@ private:
     }
 
     template <size_t count>
-    static F Polynomial(F x, const double (&coefficients)[count])
+    PXVIS_LANE_FUNCTION static F Polynomial(F x, const double (&coefficients)[count])
     {
         return PolynomialOf<count>(
             x, [&](size_t i) PXVIS_LANES { return L::Set(coefficients[i]); });
     }
 
-    static F OrNaN(F x, F result) { return L::Select(L::Equal(x, x), result, NaN()); }
+    PXVIS_LANE_FUNCTION static F OrNaN(F x, F result)
+    {
+        return L::Select(L::Equal(x, x), result, NaN());
+    }
 
     // Angle of x >= 0, in three steps after W. J. Cody and W. Waite, "Software Manual for the
     // Elementary Functions", 1980, with what the second step rounds away put back in the third.
-    static Angle Reduce(F x)
+    PXVIS_LANE_FUNCTION static Angle Reduce(F x)
     {
         const F shifted = x * L::Set(twoOverPi) + L::Set(rounder);
         const F count = shifted - L::Set(rounder);
@@ -289,7 +296,7 @@ private:
     // - r + c0 h^3 + (c0 d (r^2 + r h + h^2) + r z^2 p(z) + lo (1 - z/2))
     // - 1 - h^2/2 + (-d (r + h) / 2 + z^2 q(z) - lo r)
     template <typename Pick>
-    static Pair SineOrCosine(F r, F lo, Pick pick)
+    PXVIS_LANE_FUNCTION static Pair SineOrCosine(F r, F lo, Pick pick)
     {
         const F one = L::Set(1.0);
         const F half = L::Set(0.5);
@@ -310,7 +317,7 @@ private:
     }
 
     // The sine with the quadrant's choice between sine and cosine, but without its sign.
-    static Pair SineOf(const Angle& angle)
+    PXVIS_LANE_FUNCTION static Pair SineOf(const Angle& angle)
     {
         const M even = L::IsZero(angle.quadrant & L::SetBits(1));
         return SineOrCosine(
@@ -318,19 +325,19 @@ private:
     }
 
     // Negative in quadrants 2 and 3.
-    static U QuadrantSign(U quadrant)
+    PXVIS_LANE_FUNCTION static U QuadrantSign(U quadrant)
     {
         return L::template ShiftLeft<62>(quadrant) & L::SetBits(signBit);
     }
 
-    static F Finish(F x, F result, U signs)
+    PXVIS_LANE_FUNCTION static F Finish(F x, F result, U signs)
     {
         const M finite = L::Less(Abs(x), Infinity());
         return L::Select(finite, L::FromBits(L::Bits(result) ^ signs), NaN());
     }
 
     // Not normalised: lo may be a few ulp of hi.
-    static Pair Quotient(const Pair& numerator, const Pair& denominator)
+    PXVIS_LANE_FUNCTION static Pair Quotient(const Pair& numerator, const Pair& denominator)
     {
         const F reciprocal = L::Set(1.0) / denominator.hi;
         const F q = numerator.hi * reciprocal;
@@ -344,7 +351,7 @@ private:
     }
 
     // x > 0 with 1 + fraction from sqrt(1/2) to sqrt(2). Other x give something finite.
-    static Binary Split(F x)
+    PXVIS_LANE_FUNCTION static Binary Split(F x)
     {
         constexpr uint64_t sqrtHalfBits = 0x3fe6a09e667f3bcd;
         constexpr uint64_t oneBits = 0x3ff0000000000000;
@@ -361,7 +368,7 @@ private:
     }
 
     // log x for finite x > 0, correct to about 2^-68 of the result.
-    static Pair LogAsSum(F x)
+    PXVIS_LANE_FUNCTION static Pair LogAsSum(F x)
     {
         const F two = L::Set(2.0);
         const F three = L::Set(3.0);
@@ -403,7 +410,7 @@ private:
     }
 
     // exp(x.hi + x.lo) for |x.hi| <= 1000 and a much smaller x.lo.
-    static F ExpOfSum(const Pair& x)
+    PXVIS_LANE_FUNCTION static F ExpOfSum(const Pair& x)
     {
         const F shifted = x.hi * L::Set(oneOverLn2) + L::Set(rounder);
         const F count = shifted - L::Set(rounder);
@@ -424,7 +431,7 @@ private:
     }
 
     // The results of pow that power, |x|^y where that is an ordinary number, does not give.
-    static F PowSpecial(F x, F y, F power)
+    PXVIS_LANE_FUNCTION static F PowSpecial(F x, F y, F power)
     {
         const F zero = L::Set(0.0);
         const F one = L::Set(1.0);
