@@ -11,6 +11,8 @@ int RunBench(const BenchOptions& options, std::ostream& output, std::ostream& er
     bench::BenchMaths(table);
     bench::BenchEquations(table);
     bench::BenchMaps(table);
+    bench::BenchTransforms(table);
+    bench::BenchSurfaces(table);
     bench::BenchFrames(table);
     if (table.Count() > 0)
         return 0;

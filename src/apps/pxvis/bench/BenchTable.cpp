@@ -1,6 +1,7 @@
 #include "apps/pxvis/bench/BenchTable.h"
 
 #include "apps/pxvis/JsonText.h"
+#include "foundation/OQEngineContext.h"
 #include "kernels/KernelForm.h"
 #include "os/Clock.h"
 
@@ -91,6 +92,29 @@ void TimeTogether(std::initializer_list<Timed*> works, double seconds, int32_t f
             work->ns = std::min(work->ns, taken / work->units);
         }
     }
+}
+
+void TimePass(BenchTable& table, const PassCase& pass)
+{
+    OQEngineContext context { .virtualClock = true, .mostThreads = 2 };
+    const OQEngineContextScope scope(&context);
+    const std::function<void()> nothing = [] {};
+    const auto timed = [&](const std::function<void()>& form) {
+        return Timed { form ? form : nothing, static_cast<double>(pass.units) };
+    };
+    Timed run = timed(pass.run);
+    Timed banded = timed(pass.banded);
+    Timed scalar = timed(pass.scalar);
+    Timed floor = timed(pass.floor);
+    TimeTogether({ &run, &banded, &scalar, &floor }, 0.7);
+    const auto ifThere = [](const std::function<void()>& form, const Timed& time) {
+        return form ? std::optional(time.ns) : std::nullopt;
+    };
+    const auto scalarNs = ifThere(pass.scalar, scalar);
+    const auto floorNs = ifThere(pass.floor, floor);
+    table.Add({ pass.name, pass.unit, 1, run.ns, scalarNs, floorNs });
+    if (pass.banded)
+        table.Add({ pass.name, pass.unit, 2, banded.ns, scalarNs, floorNs });
 }
 
 void WithScalarKernels(const std::function<void()>& run)

@@ -53,6 +53,21 @@ struct Timed
 void TimeTogether(
     std::initializer_list<Timed*> works, double seconds = 0.4, int32_t fewestRounds = 3);
 
+// A pass over a picture in its forms; those that it doesn't have are empty.
+struct PassCase
+{
+    std::string name;
+    int64_t units = 0; // of a run
+    std::function<void()> run; // on one thread
+    std::function<void()> scalar;
+    std::function<void()> floor;
+    std::function<void()> banded; // in row bands
+    const char* unit = "pixel";
+};
+
+// Adds a line for one thread and, if it has bands, one for two.
+void TimePass(BenchTable& table, const PassCase& pass);
+
 // Runs what is given with the kernels' scalar forms.
 void WithScalarKernels(const std::function<void()>& run);
 

@@ -1,32 +1,17 @@
-// The pixel passes of the three transforms: the form over vectors beside the scalar one and beside
-// a plain loop over the same bytes ("floor"). Times are in ns a pixel: the sum over bands of rows
-// of each band's shortest of many passes. What two threads bring is told by whole passes and needs
-// a machine with nothing else to do.
-//
-//     bench_transforms [FILTER] [--avx2]     FILTER is part of a name; --avx2: no better than that
-
+#include "apps/pxvis/bench/BenchAreas.h"
 #include "foundation/OQParallelRows.h"
 #include "kernels/DynamicTransformRow.h"
-#include "kernels/KernelForm.h"
 #include "kernels/SuperTransformRow.h"
 #include "kernels/TransformRow.h"
 
-#include <hwy/targets.h>
-
-#include <algorithm>
-#include <chrono>
-#include <cmath>
-#include <cstdio>
-#include <functional>
-#include <limits>
 #include <memory>
-#include <numeric>
 #include <random>
-#include <string>
-#include <string_view>
+#include <tuple>
 #include <vector>
 
-using namespace pxvis::kernels;
+namespace pxvis::bench {
+
+using namespace kernels;
 
 namespace {
 
@@ -265,111 +250,23 @@ Case DynamicCase(const std::string& name, Size size, double factor, bool clips)
         } };
 }
 
-double SecondsOf(const std::function<void()>& work)
+void Time(BenchTable& table, const Case& subject)
 {
-    const auto start = std::chrono::steady_clock::now();
-    work();
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-}
-
-struct Times // ns a pixel
-{
-    double vector = 0;
-    double twoThreads = 0;
-    double scalar = 0;
-    double floor = 0;
-};
-
-// The shortest time of each band of rows, over all passes: what else the machine does seldom meets
-// a band in every one of them.
-class BandTimes
-{
-public:
-    explicit BandTimes(Size size)
-        : m_size(size)
-        , m_rowsPerBand(std::max(1, bandPixels / size.width))
-        , m_best(static_cast<size_t>((size.height - 3) / m_rowsPerBand + 1),
-              std::numeric_limits<double>::max())
-    {
-    }
-
-    void TakePass(const std::function<void(int32_t first, int32_t end)>& draw)
-    {
-        int32_t first = 1;
-        for (double& best : m_best) {
-            const int32_t end = std::min(first + m_rowsPerBand, m_size.height - 1);
-            best = std::min(best, SecondsOf([&] { draw(first, end); }));
-            first = end;
-        }
-    }
-
-    double PerPixel() const
-    {
-        return std::accumulate(m_best.begin(), m_best.end(), 0.0) * 1e9
-            / static_cast<double>(Pictures::Count(m_size));
-    }
-
-private:
-    static constexpr int32_t bandPixels = 50'000;
-
-    Size m_size;
-    int32_t m_rowsPerBand;
-    std::vector<double> m_best;
-};
-
-Times Measure(const Case& subject)
-{
-    const double pixels = static_cast<double>(Pictures::Count(subject.size));
-    BandTimes vector(subject.size);
-    BandTimes scalar(subject.size);
-    BandTimes floor(subject.size);
-    double whole = std::numeric_limits<double>::max();
-    double parallel = whole;
-    // In turns, so that what else the machine does meets all alike.
-    const int32_t turns = std::clamp(static_cast<int32_t>(1e8 / pixels), 12, 200);
-    for (int32_t i = 0; i < turns; ++i) {
-        vector.TakePass(subject.draw);
-        whole = std::min(whole, SecondsOf([&] { subject.draw(1, subject.size.height - 1); }));
-        parallel = std::min(parallel, SecondsOf([&] {
-            OQParallelRows(1, subject.size.height - 1, subject.size.width, subject.draw);
-        }));
-        floor.TakePass(subject.floor);
-        if (i % 4 == 0) {
-            ChooseKernels(KernelForm::Scalar);
-            scalar.TakePass(subject.draw);
-            ChooseKernels(KernelForm::Auto);
-        }
-    }
-    const double vectorTime = vector.PerPixel();
-    return { vectorTime, vectorTime * parallel / whole, scalar.PerPixel(), floor.PerPixel() };
-}
-
-void Report(const Case& subject)
-{
-    const Times times = Measure(subject);
-    std::printf("%-34s %7.3f %7.3f %7.3f %7.3f %8.2f %8.2f %8.2f\n", subject.name.c_str(),
-        times.vector, times.twoThreads, times.scalar, times.floor, times.scalar / times.vector,
-        times.vector / times.floor, times.vector / times.twoThreads);
-    std::fflush(stdout);
+    const int32_t end = subject.size.height - 1;
+    const auto draw = [&] { subject.draw(1, end); };
+    TimePass(table,
+        { subject.name, static_cast<int64_t>(Pictures::Count(subject.size)), draw,
+            [&] { WithScalarKernels(draw); }, [&] { subject.floor(1, end); },
+            [&] { OQParallelRows(1, end, subject.size.width, subject.draw); } });
 }
 
 }
 
-int main(int argc, char** argv)
+void BenchTransforms(BenchTable& table)
 {
-    std::string_view filter;
-    for (int i = 1; i < argc; ++i) {
-        if (std::string_view(argv[i]) == "--avx2")
-            hwy::SetSupportedTargetsForTest(HWY_AVX2 | HWY_SSE4 | HWY_SSSE3);
-        else
-            filter = argv[i];
-    }
-
-    std::printf("%-34s %7s %7s %7s %7s %8s %8s %8s\n", "pass/case/size, ns a pixel", "vector",
-        "2 thr.", "scalar", "floor", "x scalar", "/ floor", "x 1 thr.");
-    const auto run = [filter](const std::string& name, const auto& make) {
-        if (name.find(filter) != std::string::npos)
-            Report(make(name));
+    const auto run = [&table](const std::string& name, const auto& make) {
+        if (table.Wants(name))
+            Time(table, make(name));
     };
     for (const Size size :
         { Size { 640, 480 }, Size { 1600, 1200 }, Size { 1920, 1080 }, Size { 3840, 2160 } }) {
@@ -397,4 +294,6 @@ int main(int argc, char** argv)
                 [&, factor = factor, clips = clips](
                     const std::string& full) { return DynamicCase(full, size, factor, clips); });
     }
+}
+
 }
