@@ -4,74 +4,53 @@
 
 #include <doctest/doctest.h>
 
-#include <algorithm>
 #include <atomic>
-#include <cstddef>
-#include <cstdlib>
+#include <cstdint>
 #include <new>
 
 namespace {
 
 std::atomic<int64_t> g_allocations { 0 };
 
-void* Allocate(size_t size, size_t alignment)
+void* Counted(void* memory)
 {
     g_allocations.fetch_add(1, std::memory_order_relaxed);
-    const size_t rounded = (std::max<size_t>(size, 1) + alignment - 1) / alignment * alignment;
-    if (void* memory = std::aligned_alloc(alignment, rounded))
-        return memory;
-    throw std::bad_alloc();
+    return memory;
 }
 
 }
 
-// The linker leads the engine's own calls of malloc and realloc here (--wrap).
+// The linker leads the engine's own calls here (--wrap): malloc, realloc and the forms of operator
+// new, under their names in the library.
+// NOLINTBEGIN(bugprone-reserved-identifier)
 extern "C" {
-void* __real_malloc(size_t size); // NOLINT(bugprone-reserved-identifier)
-void* __real_realloc(void* memory, size_t size); // NOLINT(bugprone-reserved-identifier)
+void* __real_malloc(size_t size);
+void* __real_realloc(void* memory, size_t size);
+void* __real__Znwm(size_t size);
+void* __real__ZnwmSt11align_val_t(size_t size, std::align_val_t alignment);
 
-void* __wrap_malloc(size_t size) // NOLINT(bugprone-reserved-identifier)
+void* __wrap_malloc(size_t size)
 {
-    g_allocations.fetch_add(1, std::memory_order_relaxed);
-    return __real_malloc(size);
-}
-
-void* __wrap_realloc(void* memory, size_t size) // NOLINT(bugprone-reserved-identifier)
-{
-    g_allocations.fetch_add(1, std::memory_order_relaxed);
-    return __real_realloc(memory, size);
-}
+    return Counted(__real_malloc(size));
 }
 
-void* operator new(size_t size)
+void* __wrap_realloc(void* memory, size_t size)
 {
-    return Allocate(size, alignof(std::max_align_t));
+    return Counted(__real_realloc(memory, size));
 }
 
-void* operator new(size_t size, std::align_val_t alignment)
+void* __wrap__Znwm(size_t size)
 {
-    return Allocate(size, static_cast<size_t>(alignment));
+    return Counted(__real__Znwm(size));
 }
 
-void operator delete(void* memory) noexcept
+void* __wrap__ZnwmSt11align_val_t(size_t size, std::align_val_t alignment)
 {
-    std::free(memory);
+    return Counted(__real__ZnwmSt11align_val_t(size, alignment));
+}
 }
 
-void operator delete(void* memory, size_t) noexcept
-{
-    std::free(memory);
-}
-
-void operator delete(void* memory, std::align_val_t) noexcept
-{
-    std::free(memory);
-}
-
-void operator delete(void* memory, size_t, std::align_val_t) noexcept
-{
-    std::free(memory);
-}
+// NOLINTEND(bugprone-reserved-identifier)
 
 TEST_CASE("A frame of a shipped script allocates nothing once it runs")
 {
