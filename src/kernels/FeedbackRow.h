@@ -75,8 +75,8 @@ private:
     using Unsigned = hn::RebindToUnsigned<D>;
     using Floats = hn::RebindToFloat<D>;
 
-    // Of pixel numbers below 2^30 in the picture. The quotient is off by one at most: three
-    // roundings to 24 bits make less than 192 / count.
+    // Of pixel numbers below 2^30 in the picture. The quotient is off by one at most: four
+    // roundings to 24 bits, that of the count among them, make less than 256 / count.
     HWY_INLINE Vector Remainder(Vector number) const
     {
         const D d;

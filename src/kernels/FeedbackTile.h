@@ -42,7 +42,8 @@ constexpr int32_t largestVectorSide = 8192;
 struct FeedbackTile
 {
     static constexpr int32_t pixels = 128;
-    static constexpr int32_t capacity = pixels + HWY_MAX_BYTES / 4; // the last of a row takes more
+    // The last tile of a row takes up to a vector more, and a Dynamic Transform whole cells of 8.
+    static constexpr int32_t capacity = pixels + HWY_MAX_BYTES / 4 + 8;
 
     HWY_ALIGN int32_t indexes[capacity]; // of the samples in the source
     HWY_ALIGN uint32_t inside[capacity]; // all bits set, or none where the sample is to be black

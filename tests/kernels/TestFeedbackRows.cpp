@@ -423,7 +423,8 @@ TEST_CASE("The passes are the same at every instruction set, and leave the frame
     ForEachInstructionSet([&compare] {
         for (int32_t width = 3; width <= 67; ++width)
             compare(width, 3 + width % 24, 5); // some below the vectors' fewest pixels
-        for (const int32_t width : { 129, 143, 145, 151, 300, 2047, 8192, 8193 })
+        for (const int32_t width :
+            { 129, 130, 131, 132, 143, 145, 151, 258, 259, 300, 2047, 8192, 8193 })
             compare(width, 9, 3);
         compare(20, 8193, 1);
     });
