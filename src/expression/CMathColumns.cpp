@@ -4,6 +4,9 @@
 #include "foundation/OQEngineContext.h"
 
 #include <algorithm>
+#include <array>
+#include <atomic>
+#include <bit>
 
 using pxvis::kernels::ColumnFunction;
 using pxvis::kernels::ColumnOperation;
@@ -98,133 +101,201 @@ ColumnOperation OperationOf(CMathOp operation)
 
 }
 
+// Turns a program into a plan. kMostColumns of 2 KiB are what fits into a second-level cache; a
+// program of more values, or of more steps than anybody would write, runs point by point.
+class CMathColumns::Compiler
+{
+public:
+    static constexpr size_t kMostColumns = 192;
+    static constexpr size_t kMostSteps = 16384;
+
+    Compiler(Plan& plan, const CMathProgram& program)
+        : m_plan(plan)
+        , m_program(program)
+    {
+    }
+
+    void AddVariable(double* variable, bool given)
+    {
+        m_plan.variables.push_back({ variable, given, false });
+        m_plan.values.push_back(variable);
+    }
+
+    bool Compile()
+    {
+        if (m_program.Steps().size() > kMostSteps || !AddVariables())
+            return false;
+        m_known.resize(m_plan.variables.size());
+        for (size_t i = 0; i < m_known.size(); ++i)
+            m_known[i] = m_plan.variables[i].given || !m_plan.variables[i].written;
+        return std::all_of(m_program.Steps().begin(), m_program.Steps().end(),
+            [this](const CMathStep& step) { return AddStep(step); });
+    }
+
+private:
+    // The program's further variables come behind the caller's, so that all are the first columns.
+    bool AddVariables()
+    {
+        for (const CMathStep& step : m_program.Steps()) {
+            for (const double* value : ValuesOf(step)) {
+                if (!value || m_program.IsNumber(value) || m_program.IsTemporary(value))
+                    continue;
+                int32_t column = Find(value);
+                if (column < 0) {
+                    if (m_plan.values.size() == kMostColumns)
+                        return false;
+                    column = static_cast<int32_t>(m_plan.values.size());
+                    AddVariable(const_cast<double*>(value), false);
+                }
+                if (value == step.result)
+                    m_plan.variables[static_cast<size_t>(column)].written = true;
+            }
+        }
+        return true;
+    }
+
+    bool AddStep(const CMathStep& step)
+    {
+        int32_t columns[4] {};
+        for (size_t i = 0; const double* value : ValuesOf(step)) {
+            // An operand that isn't there counts as the first one.
+            columns[i] = value ? ColumnOf(value) : columns[1];
+            if (columns[i] < 0 || (i > 0 && IsCarried(columns[i])))
+                return false;
+            ++i;
+        }
+        if (static_cast<size_t>(columns[0]) < m_known.size())
+            m_known[static_cast<size_t>(columns[0])] = true;
+        Step added { .operation = OperationOf(step.operation),
+            .result = static_cast<uint16_t>(columns[0]),
+            .a = static_cast<uint16_t>(columns[1]),
+            .b = static_cast<uint16_t>(columns[2]),
+            .c = static_cast<uint16_t>(columns[3]) };
+        if (step.operation == CMathOp::Rand || step.operation == CMathOp::RandN) {
+            // Of a number it draws, or it would have been worked out; of anything else it may or
+            // not.
+            if (!m_program.IsNumber(step.a))
+                return false;
+            added.draw = static_cast<int32_t>(m_plan.draws.size());
+            m_plan.draws.push_back({ MathRandom::StepsOf(step.operation, *step.a),
+                step.operation == CMathOp::RandN, *step.a });
+        }
+        m_plan.steps.push_back(added);
+        return true;
+    }
+
+    // -1 for one too many.
+    int32_t ColumnOf(const double* value)
+    {
+        const int32_t known = m_program.IsNumber(value) ? FindNumber(*value) : Find(value);
+        if (known >= 0 || m_plan.values.size() == kMostColumns)
+            return known;
+        const auto column = static_cast<uint16_t>(m_plan.values.size());
+        m_plan.values.push_back(value);
+        if (m_program.IsNumber(value))
+            m_plan.numbers.push_back({ column, *value });
+        return column;
+    }
+
+    int32_t Find(const double* value) const
+    {
+        const auto found = std::find(m_plan.values.begin(), m_plan.values.end(), value);
+        return found == m_plan.values.end() ? -1
+                                            : static_cast<int32_t>(found - m_plan.values.begin());
+    }
+
+    int32_t FindNumber(double value) const
+    {
+        for (const Number& number : m_plan.numbers) {
+            if (std::bit_cast<uint64_t>(number.value) == std::bit_cast<uint64_t>(value))
+                return number.column;
+        }
+        return -1;
+    }
+
+    // A variable that is read before it is written holds what the point before left in it.
+    bool IsCarried(int32_t column) const
+    {
+        return static_cast<size_t>(column) < m_known.size()
+            && !m_known[static_cast<size_t>(column)];
+    }
+
+    Plan& m_plan;
+    const CMathProgram& m_program;
+    std::vector<bool> m_known; // of the variables, where the program stands
+};
+
+// A thread's columns, with the numbers of the plan that had them last.
+struct CMathColumns::Scratch
+{
+    std::vector<Block> blocks;
+    uint64_t plan = 0;
+};
+
 CMathColumns::CMathColumns(CMathEvaluator& equation, std::initializer_list<double*> inputs,
     std::initializer_list<double*> outputs)
     : m_equation(&equation)
 {
+    static std::atomic<uint64_t> plans { 0 };
+    const auto plan = std::make_shared<Plan>();
+    plan->number = ++plans;
+    Compiler compiler(*plan, equation.GetProgram());
     for (double* variable : inputs)
-        AddVariable(variable, true);
+        compiler.AddVariable(variable, true);
     for (double* variable : outputs)
-        AddVariable(variable, false);
-    const size_t ofCaller = m_values.size();
-    m_runsInColumns = Compile(equation.GetProgram());
-    if (!m_runsInColumns) {
-        m_variables.resize(ofCaller);
-        m_values.resize(ofCaller);
-        m_steps.clear();
-        m_draws.clear();
+        compiler.AddVariable(variable, false);
+    const size_t ofCaller = plan->values.size();
+    plan->runsInColumns = compiler.Compile();
+    if (!plan->runsInColumns) {
+        plan->variables.resize(ofCaller);
+        plan->values.resize(ofCaller);
+        plan->numbers = {};
+        plan->steps = {};
+        plan->draws = {};
     }
-    m_columns.resize(m_values.size());
-    for (size_t i = 0; i < m_values.size(); ++i) {
-        if (equation.GetProgram().IsNumber(m_values[i]))
-            std::fill_n(m_columns[i].lanes, kLanes, *m_values[i]);
+    m_plan = plan;
+}
+
+CMathColumns::Scratch& CMathColumns::ThreadScratch()
+{
+    static thread_local Scratch scratch;
+    return scratch;
+}
+
+// Those of the thread, with this plan's numbers in them.
+CMathColumns::Block* CMathColumns::Blocks() const
+{
+    Scratch& scratch = ThreadScratch();
+    if (scratch.plan != m_plan->number) {
+        if (scratch.blocks.size() < m_plan->values.size())
+            scratch.blocks.resize(m_plan->values.size());
+        for (const Number& number : m_plan->numbers)
+            std::fill_n(scratch.blocks[number.column].lanes, kLanes, number.value);
+        scratch.plan = m_plan->number;
     }
+    return scratch.blocks.data();
 }
 
-void CMathColumns::AddVariable(double* variable, bool given)
+double* CMathColumns::Column(const double* variable)
 {
-    m_variables.push_back({ variable, given, false });
-    m_values.push_back(variable);
+    const auto& values = m_plan->values;
+    return Blocks()[std::find(values.begin(), values.end(), variable) - values.begin()].lanes;
 }
 
-bool CMathColumns::Compile(const CMathProgram& program)
+std::optional<CMathColumns> CMathColumns::Detached() const
 {
-    // The program's further variables come behind the caller's, so that all are the first columns.
-    for (const CMathStep& step : program.Steps()) {
-        for (const double* value : ValuesOf(step)) {
-            if (!value || program.IsNumber(value) || program.IsTemporary(value))
-                continue;
-            const int32_t known = Find(value);
-            if (known < 0 && m_values.size() == kMostColumns)
-                return false;
-            if (known < 0)
-                AddVariable(const_cast<double*>(value), false);
-            if (value == step.result)
-                m_variables[static_cast<size_t>(Find(value))].written = true;
-        }
-    }
-
-    std::vector<bool> known(m_variables.size());
-    for (size_t i = 0; i < m_variables.size(); ++i)
-        known[i] = m_variables[i].given || !m_variables[i].written;
-    for (const CMathStep& step : program.Steps()) {
-        const std::array<int32_t, 4> columns = ColumnsOf(step);
-        for (const int32_t column : columns) {
-            if (column < 0)
-                return false;
-        }
-        const auto carried = [&](int32_t column) {
-            return static_cast<size_t>(column) < known.size()
-                && !known[static_cast<size_t>(column)];
-        };
-        if (carried(columns[1]) || carried(columns[2]) || carried(columns[3]))
-            return false;
-        if (static_cast<size_t>(columns[0]) < known.size())
-            known[static_cast<size_t>(columns[0])] = true;
-        if (!AddStep(step, columns, program))
-            return false;
-    }
-    return true;
-}
-
-// Adds those of numbers and temporaries. -1 for one too many; operands that aren't there count as
-// the first one.
-std::array<int32_t, 4> CMathColumns::ColumnsOf(const CMathStep& step)
-{
-    std::array<int32_t, 4> columns {};
-    for (size_t i = 0; const double* value : ValuesOf(step)) {
-        columns[i] = value ? Find(value) : columns[1];
-        if (columns[i] < 0 && m_values.size() < kMostColumns) {
-            columns[i] = static_cast<int32_t>(m_values.size());
-            m_values.push_back(value);
-        }
-        ++i;
-    }
-    return columns;
-}
-
-bool CMathColumns::AddStep(
-    const CMathStep& step, const std::array<int32_t, 4>& columns, const CMathProgram& program)
-{
-    Step added { .operation = OperationOf(step.operation),
-        .result = static_cast<uint16_t>(columns[0]),
-        .a = static_cast<uint16_t>(columns[1]),
-        .b = static_cast<uint16_t>(columns[2]),
-        .c = static_cast<uint16_t>(columns[3]) };
-    if (step.operation == CMathOp::Rand || step.operation == CMathOp::RandN) {
-        // Of a number it draws, or it would have been worked out; of anything else it may or not.
-        if (!program.IsNumber(step.a))
-            return false;
-        added.draw = static_cast<int32_t>(m_draws.size());
-        m_draws.push_back({ MathRandom::StepsOf(step.operation, *step.a),
-            step.operation == CMathOp::RandN, *step.a });
-    }
-    m_steps.push_back(added);
-    return true;
-}
-
-int32_t CMathColumns::Find(const double* value) const
-{
-    const auto found = std::find(m_values.begin(), m_values.end(), value);
-    return found == m_values.end() ? -1 : static_cast<int32_t>(found - m_values.begin());
-}
-
-bool CMathColumns::IsPure() const
-{
-    return m_runsInColumns && m_draws.empty() && pxvis::kernels::ColumnFunctions();
-}
-
-CMathColumns CMathColumns::Detached() const
-{
+    const ColumnFunction* functions = pxvis::kernels::ColumnFunctions();
+    if (!m_plan->runsInColumns || !m_plan->draws.empty() || !functions)
+        return std::nullopt;
     CMathColumns copy = *this;
-    copy.m_functions = pxvis::kernels::ColumnFunctions();
+    copy.m_functions = functions;
     return copy;
 }
 
 void CMathColumns::Run(int32_t count)
 {
     const ColumnFunction* functions = m_functions;
-    if (!functions && m_runsInColumns)
+    if (!functions && m_plan->runsInColumns)
         functions = pxvis::kernels::ColumnFunctions();
     if (count <= 0 || !m_equation->IsCompiled())
         RunNothing(count);
@@ -237,36 +308,44 @@ void CMathColumns::Run(int32_t count)
 // An equation that isn't compiled changes nothing.
 void CMathColumns::RunNothing(int32_t count)
 {
-    for (size_t i = 0; i < m_variables.size() && count > 0; ++i) {
-        if (m_variables[i].given)
-            *m_variables[i].variable = m_columns[i].lanes[count - 1];
-        else
-            std::fill_n(m_columns[i].lanes, count, *m_variables[i].variable);
+    Block* columns = Blocks();
+    for (size_t i = 0; i < m_plan->variables.size() && count > 0; ++i) {
+        const Variable& variable = m_plan->variables[i];
+        if (!variable.given)
+            std::fill_n(columns[i].lanes, count, *variable.variable);
+        else if (!m_functions)
+            *variable.variable = columns[i].lanes[count - 1];
     }
 }
 
 void CMathColumns::RunPoints(int32_t count)
 {
+    Block* columns = Blocks();
+    const std::vector<Variable>& variables = m_plan->variables;
     for (int32_t lane = 0; lane < count; ++lane) {
-        for (size_t i = 0; i < m_variables.size(); ++i) {
-            if (m_variables[i].given)
-                *m_variables[i].variable = m_columns[i].lanes[lane];
+        for (size_t i = 0; i < variables.size(); ++i) {
+            if (variables[i].given)
+                *variables[i].variable = columns[i].lanes[lane];
         }
         m_equation->Evaluate();
-        for (size_t i = 0; i < m_variables.size(); ++i)
-            m_columns[i].lanes[lane] = *m_variables[i].variable;
+        for (size_t i = 0; i < variables.size(); ++i)
+            columns[i].lanes[lane] = *variables[i].variable;
     }
 }
 
 void CMathColumns::RunColumns(int32_t count, const ColumnFunction* functions)
 {
-    for (size_t i = 0; i < m_variables.size(); ++i) {
-        if (!m_variables[i].given && !m_variables[i].written)
-            std::fill_n(m_columns[i].lanes, kLanes, *m_variables[i].variable);
+    constexpr int32_t padding = pxvis::kernels::columnPadding;
+    Block* columns = Blocks();
+    const std::vector<Variable>& variables = m_plan->variables;
+    for (size_t i = 0; i < variables.size(); ++i) {
+        if (!variables[i].given && !variables[i].written)
+            std::fill_n(columns[i].lanes, (count + padding - 1) / padding * padding,
+                *variables[i].variable);
     }
 
     uint32_t state = 0;
-    const uint32_t stepsOfPoint = stepsOfDraw * static_cast<uint32_t>(m_draws.size());
+    const uint32_t stepsOfPoint = stepsOfDraw * static_cast<uint32_t>(m_plan->draws.size());
     if (stepsOfPoint > 0) {
         OQSeedRandForEquations();
         uint32_t& generator = OQCurrentEngineContext().randomState;
@@ -274,27 +353,26 @@ void CMathColumns::RunColumns(int32_t count, const ColumnFunction* functions)
         generator
             = randomGenerator.Steps(stepsOfPoint * static_cast<uint32_t>(count)).Next(generator);
     }
-    const auto lanes = [this](uint16_t column) { return m_columns[column].lanes; };
-    for (const Step& step : m_steps) {
+    for (const Step& step : m_plan->steps) {
         if (step.draw >= 0) {
             RunDraw(step, state, stepsOfPoint, count);
             state = randomGenerator.Steps(stepsOfDraw).Next(state);
         } else
-            functions[static_cast<size_t>(step.operation)](
-                lanes(step.result), lanes(step.a), lanes(step.b), lanes(step.c), count);
+            functions[static_cast<size_t>(step.operation)](columns[step.result].lanes,
+                columns[step.a].lanes, columns[step.b].lanes, columns[step.c].lanes, count);
     }
 
-    for (size_t i = 0; i < m_variables.size() && !m_functions; ++i) {
-        if (m_variables[i].given || m_variables[i].written)
-            *m_variables[i].variable = m_columns[i].lanes[count - 1];
+    for (size_t i = 0; i < variables.size() && !m_functions; ++i) {
+        if (variables[i].given || variables[i].written)
+            *variables[i].variable = columns[i].lanes[count - 1];
     }
 }
 
 // `state` is the generator's before the first point's number.
 void CMathColumns::RunDraw(const Step& step, uint32_t state, uint32_t stepsOfPoint, int32_t count)
 {
-    const Draw& draw = m_draws[static_cast<size_t>(step.draw)];
-    double* result = m_columns[step.result].lanes;
+    const Draw& draw = m_plan->draws[static_cast<size_t>(step.draw)];
+    double* result = Blocks()[step.result].lanes;
     pxvis::kernels::RandomColumn(
         result, state, randomGenerator.Steps(stepsOfPoint), draw.steps, count);
     if (draw.isSymmetric) {

@@ -3,9 +3,10 @@
 #include "expression/CMathEvaluator.h"
 #include "kernels/ColumnOperations.h"
 
-#include <array>
 #include <cstdint>
 #include <initializer_list>
+#include <memory>
+#include <optional>
 #include <vector>
 
 // Runs a compiled equation for many points, a block of them at a time: each step works on columns,
@@ -15,6 +16,8 @@
 // random numbers below a limit that isn't fixed, runs point by point all the same.
 //
 // The equation outlives it and isn't compiled anew meanwhile. Used by one thread at a time.
+//
+// It keeps next to nothing: the columns are shared by all of a thread.
 class CMathColumns
 {
 public:
@@ -25,26 +28,21 @@ public:
     CMathColumns(CMathEvaluator& equation, std::initializer_list<double*> inputs,
         std::initializer_list<double*> outputs = {});
 
-    // kLanes values of an input or output: filled before Run with what each point has, and holding
-    // afterwards what it came to. All other inputs' columns have to be filled, too.
-    double* Column(const double* variable)
-    {
-        return m_columns[static_cast<size_t>(Find(variable))].lanes;
-    }
+    // kLanes values of an input, to be filled before Run, or of an output. The columns are the
+    // thread's: they hold until another object's are asked for on it.
+    double* Column(const double* variable);
 
-    // Runs the program for `count` points, at most kLanes. Afterwards each variable has the value
-    // of the last one.
+    // Runs the program for `count` points, at most kLanes. Afterwards the columns of inputs and
+    // outputs hold what each point came to, and each variable has the value of the last one.
     void Run(int32_t count);
 
     // Whether the program runs in columns; else Run does the same point by point.
-    bool RunsInColumns() const { return m_runsInColumns; }
+    bool RunsInColumns() const { return m_plan->runsInColumns; }
 
-    // Whether it runs in columns now and a point's results depend on nothing but its inputs: then
-    // the points of a picture may be shared out among threads, each with a detached copy.
-    bool IsPure() const;
-
-    // A copy whose runs leave the variables as they are. Only of what IsPure.
-    CMathColumns Detached() const;
+    // A copy for another thread, whose runs leave the variables as they are; it runs as long as the
+    // equation isn't compiled anew. None if a point's results depend on more than its inputs, or if
+    // it doesn't run in columns now.
+    std::optional<CMathColumns> Detached() const;
 
 private:
     struct alignas(64) Block
@@ -63,7 +61,7 @@ private:
     struct Step
     {
         pxvis::kernels::ColumnOperation operation;
-        int32_t draw = -1; // of m_draws: draws random numbers instead
+        int32_t draw = -1; // of the draws: draws random numbers instead
         uint16_t result = 0; // columns
         uint16_t a = 0;
         uint16_t b = 0;
@@ -78,26 +76,35 @@ private:
         double limit;
     };
 
-    static constexpr size_t kMostColumns
-        = 192; // all columns of a program fit into the second cache
+    struct Number
+    {
+        uint16_t column;
+        double value;
+    };
 
-    void AddVariable(double* variable, bool given);
-    bool Compile(const CMathProgram& program);
-    std::array<int32_t, 4> ColumnsOf(const CMathStep& step);
-    bool AddStep(
-        const CMathStep& step, const std::array<int32_t, 4>& columns, const CMathProgram& program);
-    int32_t Find(const double* value) const;
+    // What never changes; copies share it.
+    struct Plan
+    {
+        uint64_t number = 0; // no other plan's
+        bool runsInColumns = false;
+        std::vector<Variable> variables; // in the first columns
+        std::vector<const double*> values; // what each column stands for
+        std::vector<Number> numbers;
+        std::vector<Step> steps;
+        std::vector<Draw> draws;
+    };
+
+    class Compiler;
+    struct Scratch;
+
+    static Scratch& ThreadScratch();
+    Block* Blocks() const;
     void RunNothing(int32_t count);
     void RunPoints(int32_t count);
     void RunColumns(int32_t count, const pxvis::kernels::ColumnFunction* functions);
     void RunDraw(const Step& step, uint32_t state, uint32_t stepsOfPoint, int32_t count);
 
     CMathEvaluator* m_equation;
-    bool m_runsInColumns = false;
+    std::shared_ptr<const Plan> m_plan;
     const pxvis::kernels::ColumnFunction* m_functions = nullptr; // of a detached copy
-    std::vector<Variable> m_variables; // in the first columns
-    std::vector<const double*> m_values; // what each column stands for
-    std::vector<Block> m_columns;
-    std::vector<Step> m_steps;
-    std::vector<Draw> m_draws;
 };
