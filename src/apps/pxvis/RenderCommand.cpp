@@ -5,6 +5,7 @@
 #include "apps/pxvis/NumberedName.h"
 #include "apps/pxvis/OutputPicture.h"
 #include "apps/pxvis/SongPlayback.h"
+#include "foundation/OQEngineContext.h"
 #include "host/ProgressLine.h"
 #include "host/VideoWriter.h"
 #include "os/File.h"
@@ -331,6 +332,9 @@ int RunRender(const RenderOptions& options, std::ostream& errors)
     if (!error.empty())
         return PrintUsageError(errors, error);
 
+    // For what the render itself does to pictures; the engine brings its own.
+    OQEngineContext context { .mostThreads = options.threads };
+    const OQEngineContextScope scope(&context);
     const auto playback = SongPlayback::Open(options, error, errors);
     if (!playback)
         return PrintError(errors, error);

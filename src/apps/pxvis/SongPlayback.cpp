@@ -82,12 +82,10 @@ std::unique_ptr<SongPlayback> SongPlayback::Open(
     playback->m_session->SetSong(playback->m_info, playback->m_cover->Path());
     if (options.to >= 0)
         playback->m_end = SamplesIn(options.to);
-    host::AnalysisOptions analysis;
-    analysis.stepNumerator = options.stepRate.numerator;
-    analysis.stepDenominator = options.stepRate.denominator;
-    analysis.from = options.from;
-    playback->m_analysis.emplace(
-        *playback->m_song, analysis, SamplesIn(options.from), playback->m_end);
+    playback->m_start = SamplesIn(options.from);
+    playback->m_analysisOptions.stepNumerator = options.stepRate.numerator;
+    playback->m_analysisOptions.stepDenominator = options.stepRate.denominator;
+    playback->m_analysisOptions.from = options.from;
     return playback;
 }
 
@@ -143,7 +141,9 @@ bool SongPlayback::NextStep()
 {
     if (!LoadScriptFor(static_cast<double>(StepCount()) / m_stepRate.PerSecond()))
         return false;
-    const AnalysisAhead::Step& step = m_analysis->Next();
+    if (!m_analysis)
+        m_analysis.emplace(*m_song, m_analysisOptions, m_start, m_sink ? m_end : m_start);
+    const host::AnalysisAhead::Step& step = m_analysis->Next();
     if (m_sink && !step.sound.empty())
         m_sink(step.sound.data(), step.sound.size() / 2);
     if (step.isEnd) {

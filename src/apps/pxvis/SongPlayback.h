@@ -1,12 +1,12 @@
 #pragma once
 
-#include "apps/pxvis/AnalysisAhead.h"
 #include "apps/pxvis/ScriptSet.h"
 #include "apps/pxvis/VisualSession.h"
 #include "engine2d/CScriptCheck.h"
 #include "foundation/OQStringArray.h"
 #include "host/CoverFile.h"
 #include "host/SongDecoder.h"
+#include "host/analysis/AnalysisAhead.h"
 
 #include <functional>
 #include <memory>
@@ -29,12 +29,13 @@ public:
     using SoundSink = std::function<void(const float* interleaved, size_t frames)>;
 
     // Null, and one line, if the song or every script fails. Without a song's name there is a
-    // ClickTrack. `warnings` gets a line for each script
-    // of several that does not parse and is left out.
+    // ClickTrack. `warnings` gets a line for each script of several that does not parse and is left
+    // out.
     static std::unique_ptr<SongPlayback> Open(
         const RenderOptions& options, std::string& error, std::ostream& warnings);
     ~SongPlayback();
 
+    // Before the first step.
     void SetSoundSink(SoundSink sink);
 
     // Draws the next step. False at the end of the song, or on a fault: then Error() tells.
@@ -73,7 +74,9 @@ private:
     const host::SongDecoder* m_decoder = nullptr; // m_song, if that is one
     host::SongInfo m_info;
     std::optional<host::CoverFile> m_cover;
-    std::optional<AnalysisAhead> m_analysis; // ends before m_song
+    host::AnalysisOptions m_analysisOptions;
+    int64_t m_start = 0; // samples of the song
+    std::optional<host::AnalysisAhead> m_analysis; // from the first step on; ends before m_song
     SoundSink m_sink;
     std::unique_ptr<VisualSession> m_session;
     std::string m_error;

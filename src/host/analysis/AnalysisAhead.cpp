@@ -1,15 +1,15 @@
-#include "apps/pxvis/AnalysisAhead.h"
+#include "host/analysis/AnalysisAhead.h"
 
 #include <algorithm>
 #include <new>
 
-namespace pxvis {
+namespace pxvis::host {
 
 // Hands the song on to the analysis, which hears ahead, and keeps the part that is asked for.
-class AnalysisAhead::SoundTap final : public host::SampleSource
+class AnalysisAhead::SoundTap final : public SampleSource
 {
 public:
-    SoundTap(host::SampleSource& song, int64_t from, int64_t to)
+    SoundTap(SampleSource& song, int64_t from, int64_t to)
         : m_song(song)
         , m_from(from)
         , m_to(to)
@@ -33,7 +33,7 @@ public:
     void KeepIn(std::vector<float>& sound) { m_kept = &sound; }
 
 private:
-    host::SampleSource& m_song;
+    SampleSource& m_song;
     int64_t m_from; // samples
     int64_t m_to;
     int64_t m_position = 0;
@@ -41,9 +41,11 @@ private:
 };
 
 AnalysisAhead::AnalysisAhead(
-    host::SampleSource& song, const host::AnalysisOptions& options, int64_t from, int64_t to)
+    SampleSource& song, const AnalysisOptions& options, int64_t from, int64_t to)
     : m_song(song)
     , m_options(options)
+    , m_mostAhead(std::clamp<size_t>(options.stepNumerator / options.stepDenominator / 4, 1,
+          mostSteps)) // a quarter of a second
     , m_from(from)
     , m_to(to)
 {
@@ -62,19 +64,19 @@ AnalysisAhead::~AnalysisAhead()
 const AnalysisAhead::Step& AnalysisAhead::Next()
 {
     if (!m_isStarted) {
-        m_isStarted = true;
         m_tap = std::make_unique<SoundTap>(m_song, m_from, m_to);
         m_analyzer.emplace(*m_tap, m_options);
         if (m_thread.Start([](void* self) { static_cast<AnalysisAhead*>(self)->Run(); }, this) != 0)
             throw std::bad_alloc(); // the system has no thread left
-    } else if (!m_steps[m_taken % mostAhead].isEnd) {
+        m_isStarted = true;
+    } else if (!m_steps[m_taken % mostSteps].isEnd) {
         const std::lock_guard lock(m_mutex);
         ++m_taken;
     }
     m_changed.notify_all();
     std::unique_lock lock(m_mutex);
     m_changed.wait(lock, [this] { return m_produced > m_taken; });
-    return m_steps[m_taken % mostAhead];
+    return m_steps[m_taken % mostSteps];
 }
 
 void AnalysisAhead::Run() noexcept
@@ -82,11 +84,11 @@ void AnalysisAhead::Run() noexcept
     for (bool goesOn = true; goesOn;) {
         {
             std::unique_lock lock(m_mutex);
-            m_changed.wait(lock, [this] { return m_stop || m_produced < m_taken + mostAhead; });
+            m_changed.wait(lock, [this] { return m_stop || m_produced < m_taken + m_mostAhead; });
             if (m_stop)
                 return;
         }
-        goesOn = Produce(m_steps[m_produced % mostAhead]);
+        goesOn = Produce(m_steps[m_produced % mostSteps]);
         {
             const std::lock_guard lock(m_mutex);
             ++m_produced;

@@ -11,7 +11,7 @@
 #include <optional>
 #include <vector>
 
-namespace pxvis {
+namespace pxvis::host {
 
 // Analyses a song on a thread of its own, some steps ahead of the one that draws them: decoding,
 // analysis, drawing and encoding are then under way at the same time. Next is for one thread.
@@ -20,17 +20,16 @@ class AnalysisAhead
 public:
     struct Step
     {
-        host::AudioRecord record;
+        AudioRecord record;
         int64_t samplePosition = 0;
         std::vector<float> sound; // interleaved pairs that were read for it and are asked for
         bool isEnd = false; // no step any more, but the last of the sound
         bool isOutOfMemory = false; // an end before the song's
     };
 
-    // Sound is asked for from sample `from` up to `to`. The song must outlive it; nobody else may
-    // touch the song until Next has given the end.
-    AnalysisAhead(
-        host::SampleSource& song, const host::AnalysisOptions& options, int64_t from, int64_t to);
+    // Sound is asked for from sample `from` up to `to`; nowhere, if they are equal. The song must
+    // outlive it; nobody else may touch the song until Next has given the end.
+    AnalysisAhead(SampleSource& song, const AnalysisOptions& options, int64_t from, int64_t to);
     ~AnalysisAhead(); // waits for a read of the song that is under way
     AnalysisAhead(const AnalysisAhead&) = delete;
     AnalysisAhead& operator=(const AnalysisAhead&) = delete;
@@ -41,13 +40,14 @@ public:
 private:
     class SoundTap;
 
-    static constexpr size_t mostAhead = 16; // steps
+    static constexpr size_t mostSteps = 16;
 
     void Run() noexcept;
     bool Produce(Step& step) noexcept;
 
-    host::SampleSource& m_song;
-    host::AnalysisOptions m_options;
+    SampleSource& m_song;
+    AnalysisOptions m_options;
+    size_t m_mostAhead; // steps; fewer where each is long
     int64_t m_from;
     int64_t m_to;
 
@@ -57,9 +57,9 @@ private:
     size_t m_taken = 0; // those before the one that the drawing side has
     bool m_stop = false;
 
-    std::array<Step, mostAhead> m_steps; // by their number; those produced and not taken are Next's
+    std::array<Step, mostSteps> m_steps; // by their number; those produced and not taken are Next's
     std::unique_ptr<SoundTap> m_tap;
-    std::optional<host::SongAnalyzer> m_analyzer; // the thread's
+    std::optional<SongAnalyzer> m_analyzer; // the thread's
     os::Thread m_thread;
     bool m_isStarted = false;
 };

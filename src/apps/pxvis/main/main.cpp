@@ -7,7 +7,6 @@
 #include "apps/pxvis/PlayCommand.h"
 #include "apps/pxvis/RenderCommand.h"
 #include "apps/pxvis/bench/BenchCommand.h"
-#include "kernels/KernelForm.h"
 
 #include <CLI/CLI.hpp>
 
@@ -386,12 +385,9 @@ int Run(int argc, char** argv)
         return usageStatus;
     }
 
-    if (!kernel.empty()) {
-        pxvis::kernels::ChooseKernels(kernel == "scalar" ? pxvis::kernels::KernelForm::Scalar
-                                                         : pxvis::kernels::KernelForm::Auto);
-        // The sibling modules have kernels of their own, which look at the environment.
+    // Read when the first kernel runs, here and in the sibling modules, which have their own.
+    if (!kernel.empty())
         setenv("PXVIS_KERNELS", kernel.c_str(), 1);
-    }
     // A reader that goes away ends the commands that write for it, in silence; a render and the
     // player go on.
     std::signal(
