@@ -101,7 +101,8 @@ TEST_CASE("The same records give the same pictures, and the clock's start gives 
     CHECK(first.output != Frames(script.Path(), 64, 36, records, 1'000'001).output);
 }
 
-TEST_CASE("Each shipped script's pictures are the same on any number of threads and instruction set")
+TEST_CASE(
+    "Each shipped script's pictures are the same on any number of threads and instruction set")
 {
     using namespace pxvis::kernels;
     const std::string records = Records(3, 120);
@@ -130,6 +131,21 @@ TEST_CASE("Each shipped script's pictures are the same on any number of threads 
         hwy::SetSupportedTargetsForTest(0);
     }
     CHECK(scripts > 20);
+}
+
+TEST_CASE("A map's equation leaves to others what its last point sets, in whatever form it runs")
+{
+    const TestFile script("shared.pxv",
+        "<PXV Version=\"1.0\"><Component GUID=\"B21F9002-EF2E-4d5b-9D40-F61B8F3B34D8\"/>"
+        "<Component GUID=\"DCE4B5AB-25A0-432f-B4A2-8E91B9FD1060\"><Properties><TransformEquation>"
+        "beat=1;d=d*.98|beat=d;d=d*.97</TransformEquation><ScrollEquation>x=beat*.1</"
+        "ScrollEquation>"
+        "<TransformChangeEquation>c=1</TransformChangeEquation></Properties></Component></PXV>");
+    using namespace pxvis::kernels;
+    ChooseKernels(KernelForm::Scalar);
+    const std::string expected = Frames(script.Path(), 287, 179, Records(6, 255)).output;
+    ChooseKernels(KernelForm::Auto);
+    CHECK(Frames(script.Path(), 287, 179, Records(6, 255)).output == expected);
 }
 
 TEST_CASE("A truncated record stream gives the whole frames, one line and a failure")

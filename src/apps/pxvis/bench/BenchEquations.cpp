@@ -74,6 +74,11 @@ void ForPoints(PointColumns& values, double& d, double& r, const Run& run)
     }
 }
 
+std::string NameOf(const char* area, const EquationCase& item)
+{
+    return std::string(area) + "/" + item.name + "/" + std::to_string(points);
+}
+
 void BenchEquation(BenchTable& table, const EquationCase& item)
 {
     PointColumns values;
@@ -106,11 +111,10 @@ void BenchEquation(BenchTable& table, const EquationCase& item)
                   },
         points };
     TimeTogether({ &inColumns, &single, &plain, &native });
-    const std::string size = "/" + std::to_string(points);
-    table.Add({ std::string("columns/") + item.name + size, "eval", 1, inColumns.ns, plain.ns,
-        native.ns });
-    table.Add(
-        { std::string("evaluate/") + item.name + size, "eval", 1, single.ns, plain.ns, native.ns });
+    if (table.Wants(NameOf("columns", item)))
+        table.Add({ NameOf("columns", item), "eval", 1, inColumns.ns, plain.ns, native.ns });
+    if (table.Wants(NameOf("evaluate", item)))
+        table.Add({ NameOf("evaluate", item), "eval", 1, single.ns, plain.ns, native.ns });
 }
 
 struct FunctionCase
@@ -128,8 +132,7 @@ struct FunctionCase
 void BenchEquations(BenchTable& table)
 {
     for (const EquationCase& item : equationCases) {
-        if (table.Wants(std::string("columns/") + item.name)
-            || table.Wants(std::string("evaluate/") + item.name))
+        if (table.Wants(NameOf("columns", item)) || table.Wants(NameOf("evaluate", item)))
             BenchEquation(table, item);
     }
 }

@@ -119,12 +119,16 @@ void BenchRender(BenchTable& table, const std::string& name, const std::string& 
     options.to = options.from + renderedSeconds;
     options.replace = true;
     std::ostringstream messages;
-    Timed render { [&] { RunRender(options, messages); },
+    int status = 0;
+    Timed render { [&] { status = RunRender(options, messages); },
         renderedSeconds * options.frameRate.PerSecond() };
     TimeTogether({ &render }, 0, 1);
     std::error_code ignored;
     std::filesystem::remove_all(folder, ignored);
-    table.Add({ name, "frame", OQMostThreads(), render.ns, {}, {} });
+    if (status != 0)
+        table.Fail(name + ": " + messages.str());
+    else
+        table.Add({ name, "frame", OQMostThreads(), render.ns, {}, {} });
 }
 
 }

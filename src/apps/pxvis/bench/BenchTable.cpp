@@ -43,8 +43,10 @@ std::string Ratio(const std::optional<double>& a, double b)
 
 }
 
-BenchTable::BenchTable(std::ostream& output, const std::string& filter, bool json)
+BenchTable::BenchTable(
+    std::ostream& output, std::ostream& errors, const std::string& filter, bool json)
     : m_output(output)
+    , m_errors(errors)
     , m_filter(filter)
     , m_json(json)
 {
@@ -75,6 +77,12 @@ void BenchTable::Add(const Figure& figure)
              << Column(Number(figure.ns, figure.ns < 1000 ? 3 : 0), 13) << "  "
              << Column(figure.unit, 5) << Column(Ratio(figure.scalarNs, figure.ns), 26)
              << Column(figure.floorNs ? Ratio(figure.ns, *figure.floorNs) : "", 18) << std::endl;
+}
+
+void BenchTable::Fail(const std::string& reason)
+{
+    m_hasFailed = true;
+    m_errors << "pxvis: bench: " << reason;
 }
 
 void TimeTogether(std::initializer_list<Timed*> works, double seconds, int32_t fewestRounds)

@@ -25,19 +25,26 @@ class BenchTable
 {
 public:
     // `filter`: part of the names that are wanted.
-    BenchTable(std::ostream& output, const std::string& filter, bool json);
+    BenchTable(std::ostream& output, std::ostream& errors, const std::string& filter, bool json);
 
     bool Wants(const std::string& name) const;
 
     void Add(const Figure& figure);
 
+    // For what could not be measured: a line about it, with its end, to the errors.
+    void Fail(const std::string& reason);
+
     int32_t Count() const { return m_count; }
+
+    bool HasFailed() const { return m_hasFailed; }
 
 private:
     std::ostream& m_output;
+    std::ostream& m_errors;
     std::string m_filter;
     bool m_json;
     int32_t m_count = 0;
+    bool m_hasFailed = false;
 };
 
 // Work of which a run handles so many units; what one costs is found by TimeTogether.
