@@ -33,9 +33,9 @@ public:
     virtual bool OnMenuCommand(const VisMenuCommand* command) = 0;
 
     // A text from SysAllocString that the caller frees. Names, without regard to case: "Version",
-    // "Display Name", "Modes" (joined by "|"), "Current Mode", "Script File", "Script Fault" (a line
-    // in English on what is wrong with the script that is shown, or with the "Script File" that was
-    // refused last); empty for others. Null only without memory.
+    // "Display Name", "Modes" (joined by "|"), "Current Mode", "Script File", "Script Fault" (a
+    // line in English on what is wrong with the script that is shown, or with the "Script File"
+    // that was refused last); empty for others. Null only without memory.
     virtual char16_t* GetProperty(const char16_t* name) = 0;
     // True if the property was taken: "Current Mode", the name of a mode; "Script File", the
     // absolute path of a script that is shown in place of the mode from now on, until a mode is

@@ -45,7 +45,8 @@ void TextLabel::paintEvent(QPaintEvent*)
 {
     QPainter painter(this);
     painter.setPen(palette().color(foregroundRole()));
-    const QString shown = QFontMetrics(font()).elidedText(m_text, Qt::ElideRight, contentsRect().width());
+    const QString shown
+        = QFontMetrics(font()).elidedText(m_text, Qt::ElideRight, contentsRect().width());
     painter.drawText(contentsRect(), static_cast<int>(m_alignment) | Qt::TextSingleLine, shown);
 }
 
