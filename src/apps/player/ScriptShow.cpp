@@ -39,7 +39,8 @@ ScriptShow::ScriptShow(DisplayArea& area, SongLibrary& library, PlayerSettings& 
     });
     m_look.setInterval(lookInterval);
     connect(&m_look, &QTimer::timeout, this, &ScriptShow::LookForFault);
-    connect(this, &ScriptShow::Shown, this, &ScriptShow::LookForFault);
+    // Behind whoever writes the script's name over the picture, where a fault stands in its place.
+    connect(this, &ScriptShow::Shown, this, &ScriptShow::LookForFault, Qt::QueuedConnection);
 }
 
 void ScriptShow::Start(const QString& file)

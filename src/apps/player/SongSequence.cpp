@@ -79,7 +79,7 @@ void SongSequence::Play()
     if (m_playback.State() == PlayState::Playing)
         return;
     const int row = m_playlist.Current();
-    Play(row < 0 || m_isAtEnd ? std::max(m_playlist.Next(true), 0) : row);
+    Play(row < 0 || m_isAtEnd ? m_playlist.First() : row);
 }
 
 void SongSequence::Pause()
@@ -224,6 +224,11 @@ void SongSequence::OnEnded()
         Open(next, PlayState::Playing, 0);
         return;
     }
+    End();
+}
+
+void SongSequence::End()
+{
     m_isAtEnd = true;
     m_isPlayWanted = false;
     emit ListEnded();
@@ -273,7 +278,11 @@ void SongSequence::Skip()
             = m_direction == Direction::Forward ? m_playlist.Next(true) : m_playlist.Previous();
         if (!m_isPlayWanted || row < 0 || next < 0 || next == row
             || m_failures >= m_playlist.Count()) {
+            const bool isEnd = m_isPlayWanted && row >= 0 && next < 0
+                && m_direction == Direction::Forward && m_failures < m_playlist.Count();
             TellFailures();
+            if (isEnd)
+                End();
         } else if (!IsMissing(m_playlist.At(next).url)) {
             Open(next, PlayState::Playing, 0);
             return;
@@ -296,9 +305,10 @@ void SongSequence::TellFailures()
     if (count == 1)
         emit Message(m_firstFailure);
     else if (count >= m_playlist.Count())
-        emit Message(tr("None of the %1 songs can be played. %2").arg(count).arg(m_firstFailure));
+        emit Message(tr("None of the %1 songs can be played. %2")
+                         .arg(QString::number(count), m_firstFailure));
     else
-        emit Message(tr("%1 (and %2 more songs)").arg(m_firstFailure).arg(count - 1));
+        emit Message(tr("%1 (and %2 more)").arg(m_firstFailure, QString::number(count - 1)));
 }
 
 }

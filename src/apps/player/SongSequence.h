@@ -57,6 +57,7 @@ private:
     void Count();
     void CountEnd();
     void NoteFailure(int row, const QString& reason);
+    void End();
     void Skip();
     void TellFailures();
 

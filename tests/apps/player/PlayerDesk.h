@@ -74,10 +74,7 @@ public:
         return UrlOf(name);
     }
 
-    QUrl UrlOf(const std::string& name) const
-    {
-        return QUrl::fromLocalFile(QString::fromStdString(home.Path(name)));
-    }
+    QUrl UrlOf(const std::string& name) const { return pxvis::player::UrlOf(home.Path(name)); }
 
     void Fill(const QList<QUrl>& urls) const
     {

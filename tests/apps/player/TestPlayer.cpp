@@ -1,31 +1,34 @@
 #include "apps/player/PlayerDesk.h"
 
+#include <filesystem>
+
 using namespace pxvis::player;
 
 TEST_CASE("Songs that can't be played are passed over with one message, and never without end")
 {
     PlayerDesk desk;
     Player& player = *desk.player;
-    const QUrl first = desk.AddSong("first.wav", 0.6);
+    desk.AddSong("first.wav", 0.6);
+    std::filesystem::rename(desk.home.Path("first.wav"), desk.home.Path("f\xEFrst.wav"));
+    const QUrl first = desk.UrlOf("f\xEFrst.wav"); // as names on old disks are
     const QUrl last = desk.AddSong("last.wav", 0.6);
     desk.home.Write("broken.wav", "no song");
-    desk.Fill(
-        { desk.UrlOf("gone.wav"), first, desk.UrlOf("broken.wav"), desk.UrlOf("away.wav"), last });
+    desk.Fill({ desk.UrlOf("gone.wav"), first, desk.UrlOf("broken.wav"), desk.UrlOf("away.wav"),
+        last, desk.UrlOf("lost.wav") });
     player.PlayRow(0);
     CHECK(desk.WaitUntil([&] { return desk.IsPlaying(1); }));
     CHECK(player.Songs().At(0).isMissing);
     CHECK(desk.WaitUntil([&] { return desk.IsPlaying(4); }));
     CHECK_FALSE(player.Songs().At(2).isMissing);
     CHECK(player.Songs().At(3).isMissing);
-    CHECK(desk.WaitUntil([&] { return desk.IsStopped(); }));
-    CHECK(player.IsAtEnd());
+    CHECK(desk.WaitUntil([&] { return desk.IsStopped() && player.IsAtEnd(); }));
     player.Play();
     CHECK_FALSE(player.IsAtEnd());
     player.Stop();
-    REQUIRE(desk.messages.size() == 2);
+    REQUIRE(desk.messages.size() == 3);
     CHECK(desk.messages[0].startsWith("gone can't be played: "));
     CHECK(desk.messages[1].startsWith("broken can't be played: "));
-    CHECK(desk.messages[1].endsWith(" (and 1 more songs)"));
+    CHECK(desk.messages[1].endsWith(" (and 1 more)"));
     CHECK(player.Library().PlayCount(first) == 1);
     CHECK(player.Library().PlayCount(last) == 1);
 
@@ -37,7 +40,7 @@ TEST_CASE("Songs that can't be played are passed over with one message, and neve
     CHECK(desk.WaitUntil([&] { return !desk.messages.isEmpty(); }));
     CHECK(desk.IsStopped());
     CHECK(desk.messages.size() == 1);
-    CHECK(desk.messages[0].startsWith("None of the 3 songs can be played. "));
+    CHECK(desk.messages[0].startsWith("None of the 4 songs can be played. "));
 }
 
 TEST_CASE("What is heard next is what the list says when a song ends")

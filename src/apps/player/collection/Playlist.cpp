@@ -284,6 +284,13 @@ int Playlist::Next(bool byUser) const
     return wraps && Count() > 0 ? 0 : -1;
 }
 
+int Playlist::First() const
+{
+    if (m_isShuffled)
+        return m_shuffle.Next(m_current, true);
+    return Count() > 0 ? 0 : -1;
+}
+
 int Playlist::Previous() const
 {
     if (m_isShuffled)

@@ -65,6 +65,7 @@ public:
     // held by RepeatMode::One; -1: none. The same until the list, the modes or the current song
     // change.
     int Next(bool byUser) const;
+    int First() const; // of a new round; -1: none
     int Previous() const;
 
     int rowCount(const QModelIndex& parent = {}) const override;

@@ -280,6 +280,7 @@ void DisplayArea::EnterFullScreen()
 void DisplayArea::LeaveFullScreen()
 {
     FullScreenWindow* const full = std::exchange(m_display->fullScreen, nullptr);
+    full->Release();
     m_display->frame->setParent(this);
     m_display->frame->setGeometry(rect());
     full->hide();

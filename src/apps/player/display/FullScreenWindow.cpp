@@ -5,6 +5,7 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QCursor>
+#include <QDialog>
 #include <QKeyEvent>
 #include <QScreen>
 
@@ -35,10 +36,17 @@ FullScreenWindow::FullScreenWindow(QScreen& screen, PictureFrame& frame)
     m_frame.setParent(this);
 }
 
-FullScreenWindow::~FullScreenWindow()
+void FullScreenWindow::Release()
 {
+    m_pointerTimer.stop();
+    m_frame.disconnect(this);
     m_frame.unsetCursor();
     m_frame.SetTextMargin(0);
+    // A dialog lies on the stack of whoever asked, who is still in it.
+    for (QDialog* dialog : findChildren<QDialog*>(Qt::FindDirectChildrenOnly)) {
+        dialog->setParent(nullptr, dialog->windowFlags());
+        dialog->reject();
+    }
 }
 
 void FullScreenWindow::SetControls(QWidget* controls)

@@ -16,7 +16,9 @@ class FullScreenWindow : public QWidget
 public:
     // Takes the frame from its parent, who gets it back (setParent) before this goes.
     FullScreenWindow(QScreen& screen, PictureFrame& frame);
-    ~FullScreenWindow() override;
+
+    // Gives the frame back as it was, for the window to go. Dialogs over it end without an answer.
+    void Release();
 
     // Shown at the lower edge, over the picture; owned from now on.
     void SetControls(QWidget* controls);

@@ -31,9 +31,12 @@ constexpr int ProbeSeconds = 3;
 constexpr int VolumeEchoMs = 1000;
 constexpr int EndPatienceMs = 2000;
 
+// Byte by byte: a file's name need not be UTF-8.
 std::string LocalPath(const QUrl& song)
 {
-    return song.isLocalFile() ? QFile::encodeName(song.toLocalFile()).toStdString() : std::string();
+    if (!song.isLocalFile())
+        return {};
+    return QByteArray::fromPercentEncoding(song.path(QUrl::FullyEncoded).toLatin1()).toStdString();
 }
 
 }
