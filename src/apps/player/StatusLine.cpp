@@ -30,6 +30,9 @@ StatusLine::StatusLine(Player& player, QWidget* parent)
     m_meter->hide();
     addWidget(m_notice, 1); // a message has its place for as long as it is shown
     addPermanentWidget(m_meter);
+    // The bar itself hides it only where it is on the screen already.
+    connect(this, &QStatusBar::messageChanged, this,
+        [this](const QString& message) { m_notice->setVisible(message.isEmpty()); });
     connect(&m_timer, &QTimer::timeout, this, [this] {
         const bool hasBeat = m_player.Host().TakeBeat();
         m_meter->Show(m_isActive ? m_player.Host().Level() : 0, m_isActive && hasBeat);
