@@ -1,6 +1,7 @@
 #include "expression/CMathEvaluator.h"
 
 #include "expression/CMathCompiler.h"
+#include "foundation/OQFloatingPointScope.h"
 
 namespace {
 
@@ -45,6 +46,9 @@ CMathEvaluator::~CMathEvaluator()
 void CMathEvaluator::SetEquation(const OQString& text, CMathEvaluatorError* error)
 {
     DropProgram();
+    // Here numbers are read and what they alone determine is worked out, often while a script
+    // loads.
+    const OQFloatingPointScope floatingPoint;
     OQArray<CMathEvaluatorOpCode> opcodes;
     CMathCompiler compiler(*m_table, opcodes, error);
     m_compiled = compiler.Compile(text);

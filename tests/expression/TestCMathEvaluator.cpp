@@ -2,6 +2,7 @@
 
 #include "kernels/Maths.h"
 
+#include <cfenv>
 #include <cmath>
 #include <limits>
 
@@ -166,6 +167,18 @@ TEST_CASE("An equation that isn't compiled changes nothing, and an assignment ha
     CHECK_FALSE(evaluator.IsCompiled());
     CHECK(evaluator.Evaluate() == 0.0);
     CHECK(evaluator.Variable(evaluator.GetVariable(u"a", false)) == 2.0);
+}
+
+TEST_CASE("What is worked out when an equation is compiled doesn't depend on the host's rounding")
+{
+    CMathEvaluator usual;
+    usual.SetEquation(u"1/3+0.1/sin(2)");
+    std::fesetround(FE_UPWARD);
+    CMathEvaluator upward;
+    upward.SetEquation(u"1/3+0.1/sin(2)");
+    CHECK(std::fegetround() == FE_UPWARD);
+    std::fesetround(FE_TONEAREST);
+    CHECK(upward.Evaluate() == usual.Evaluate());
 }
 
 TEST_CASE("Variables carry over from run to run and from compile to compile, under any case")
