@@ -167,8 +167,8 @@ enum OQSettingsScope : int32_t
 enum OQSettingsFault : int32_t
 {
     OQSettingsWhole = 0,
-    OQSettingsDamaged
-    = 1, // what can be read is used; with the first write a copy is kept beside it
+    // What can be read is used; with the first write a copy is kept beside it.
+    OQSettingsDamaged = 1,
     OQSettingsUnusable = 2, // the file is left alone, and nothing can be kept
 };
 

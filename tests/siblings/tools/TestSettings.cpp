@@ -1,3 +1,4 @@
+#include "SlotOf.h"
 #include "siblings/tools/ToolsTesting.h"
 
 #include <sys/stat.h>
@@ -62,6 +63,12 @@ mode_t ModeOf(const std::string& path)
     return stat(path.c_str(), &status) == 0 ? status.st_mode & 0777 : 0;
 }
 
+}
+
+TEST_CASE("The operations of settings keep their slots")
+{
+    CHECK(SlotOf(&IOQSettings::OpenKey) == 0);
+    CHECK(SlotOf(&IOQSettings::GetFault) == 1);
 }
 
 TEST_CASE("What is set is there for others and after a restart, whatever its characters")
