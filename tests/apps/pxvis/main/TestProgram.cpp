@@ -123,6 +123,18 @@ TEST_CASE("What a killed render left is in nobody's way")
     CHECK(folder.Names() == "out.mp4 ");
 }
 
+TEST_CASE("bench tells an object a line of what has the name, and that nothing has it")
+{
+    const ProgramResult found = RunProgram({ "bench", "columns/product/32768", "--json" }, "");
+    CHECK(found.status == 0);
+    CHECK(found.output.find("{\"name\":\"columns/product/32768\",\"threads\":1,\"ns\":") == 0);
+    CHECK(found.output.find(",\"unit\":\"eval\"}\n") == found.output.size() - 16);
+    const ProgramResult missing = RunProgram({ "bench", "columns/nothing" }, "");
+    CHECK(missing.status == 1);
+    CHECK(missing.output.empty());
+    CHECK(missing.errors.find("columns/nothing") != std::string::npos);
+}
+
 TEST_CASE("A reader that goes away ends what is written for it, in silence")
 {
     const TestFolder folder;
