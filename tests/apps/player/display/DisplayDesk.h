@@ -25,12 +25,18 @@ class DisplayDesk
 public:
     static constexpr uint32_t red = 0xe02010;
     static constexpr uint32_t blue = 0x1030e0;
+    static constexpr uint32_t green = 0x40c040;
     static constexpr const char* library = PXVIS_BINARY_DIR "/bin/libpxvis.so";
 
     explicit DisplayDesk(bool isManaged = false)
     {
         AddScript("data/pxvis/Visualizations/Vis Studio/Test/Red.pxv", "0xE02010");
         AddScript("data/pxvis/Visualizations/Vis Studio/Test/Blue.pxv", "0x1030E0");
+        // A cycle that a test shows stays where it is, however slow the machine.
+        std::filesystem::create_directories(home / "config/pxvis");
+        home.Write("config/pxvis/settings.xml",
+            "<Settings><Key Path=\"Plugins\\Display\\Visualizations\">"
+            "<Item Name=\"Script Cycle MS\">3600000</Item></Key></Settings>");
         if (isManaged)
             display.Start({ "openbox" });
         host.SetSound(&sound);

@@ -16,6 +16,7 @@ namespace {
 
 constexpr uint32_t red = DisplayDesk::red;
 constexpr uint32_t blue = DisplayDesk::blue;
+constexpr uint32_t green = DisplayDesk::green;
 constexpr uint32_t white = 0xffffff;
 
 }
@@ -168,8 +169,11 @@ TEST_CASE("What is shown goes on through full screen, also one script of a cycle
         DisplayArea& area = desk.area;
         QObject::connect(&area, &DisplayArea::DoubleClicked, [&] { area.SetFullScreen(true); });
         REQUIRE(desk.Open());
+        desk.AddScript("other.pxv", "0x40C040");
+        REQUIRE(area.ShowScriptFile(desk.home.Path("other.pxv").c_str()));
+        REQUIRE(desk.RunUntil([&] { return desk.IsShown(green); }));
         area.SetMode("Test\\" + area.Modes().value(0));
-        desk.Run(500);
+        REQUIRE(desk.RunUntil([&] { return desk.IsShown(red) || desk.IsShown(blue); }));
         const uint32_t color = desk.IsShown(red) ? red : blue;
         for (int turn = 0; turn < 4; ++turn) {
             desk.Do({ "mousemove", "300", "300", "click", "--repeat", "2", "--delay", "60", "1" });
