@@ -41,7 +41,9 @@ constexpr double volumeStep = 0.05;
 
 QString SongText(const QString& title, const QString& artist)
 {
-    return artist.isEmpty() ? title : QStringLiteral("%1 – %2").arg(title, artist);
+    const bool isTold // by the name of a file without a title
+        = title.startsWith(artist + QStringLiteral(" - "), Qt::CaseInsensitive);
+    return artist.isEmpty() || isTold ? title : QStringLiteral("%1 – %2").arg(title, artist);
 }
 
 }
@@ -302,8 +304,8 @@ void MainWindow::UpdateStatus()
             : tr("The end · %1 plays again")
                   .arg(m_actions.play->shortcut().toString(QKeySequence::NativeText)));
     m_actions.play->setEnabled(status.canPlay);
-    m_actions.stop->setEnabled(
-        status.state != PlayerStatus::State::Stopped || m_player.IsListening());
+    m_actions.stop->setEnabled(status.state != PlayerStatus::State::Stopped
+        || m_player.IsListening() || m_player.IsSkipping());
     m_actions.nextSong->setEnabled(status.canGoNext);
     m_actions.previousSong->setEnabled(status.trackNumber >= 0); // begins the first anew
     m_actions.seekBack->setEnabled(status.canSeek);

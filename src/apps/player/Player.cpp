@@ -94,6 +94,7 @@ void Player::Connect()
         emit PositionChanged();
     });
     connect(&m_sequence, &SongSequence::InfoChanged, this, &Player::TellTrack);
+    connect(&m_sequence, &SongSequence::SkippingChanged, this, &Player::StatusChanged);
     connect(&m_sequence, &SongSequence::ListEnded, this, &Player::StatusChanged);
     connect(&m_sequence, &SongSequence::Message, this, &Player::Message);
 
@@ -308,22 +309,47 @@ void Player::OnFound(int number, const QList<Song>& songs, const QStringList& fa
     if (songs.isEmpty())
         return;
 
-    QList<Song> added = songs;
-    int row = finding.row < 0 ? m_playlist.Count() : std::min(finding.row, m_playlist.Count());
-    if (finding.plays) {
-        QHash<QUrl, int> known;
-        for (int i = m_playlist.Count() - 1; i >= 0; --i)
-            known.insert(m_playlist.At(i).url, i);
-        added.removeIf([&known](const Song& song) { return known.contains(song.url); });
-        row = known.value(songs.first().url, row);
-    }
-    const int taken = m_playlist.Insert(added, finding.plays ? -1 : finding.row);
-    if (taken < added.size())
+    if (finding.plays)
+        PlayFound(songs);
+    else
+        Insert(songs, finding.row);
+}
+
+void Player::Insert(QList<Song> songs, int row)
+{
+    if (m_playlist.Insert(songs, row) < songs.size())
         emit Message(tr("The playlist is full: it holds %1 songs").arg(Playlist::mostSongs));
-    added.removeIf([](const Song& song) { return song.isRead; });
-    m_finder.ReadTags(added);
-    if (finding.plays && row < m_playlist.Count())
-        PlayRow(row);
+    songs.removeIf([](const Song& song) { return song.isRead; });
+    m_finder.ReadTags(songs);
+}
+
+// Songs that are in the list already are played there if they follow each other as they were
+// opened, as one alone does; else all come behind the others.
+void Player::PlayFound(const QList<Song>& songs)
+{
+    QMultiHash<QUrl, int> known;
+    for (int row = m_playlist.Count() - 1; row >= 0; --row)
+        known.insert(m_playlist.At(row).url, row);
+    QList<Song> added;
+    QList<int> rows;
+    for (const Song& song : songs) {
+        if (known.contains(song.url)) {
+            rows.append(known.take(song.url)); // the first one that is left
+        } else {
+            rows.append(m_playlist.Count() + static_cast<int>(added.size()));
+            added.append(song);
+        }
+    }
+    Insert(added, -1);
+    rows.removeIf([this](int row) { return row >= m_playlist.Count(); });
+    if (rows.isEmpty())
+        return;
+    int first = rows.first();
+    if (rows.last() - first != rows.size() - 1 || !std::is_sorted(rows.cbegin(), rows.cend())) {
+        m_playlist.MoveToEnd(rows);
+        first = m_playlist.Count() - static_cast<int>(rows.size());
+    }
+    PlayRow(first);
 }
 
 void Player::PlayRow(int row)
@@ -399,6 +425,11 @@ void Player::StopListening()
 bool Player::IsListening() const
 {
     return m_listening.IsOn();
+}
+
+bool Player::IsSkipping() const
+{
+    return m_sequence.IsSkipping();
 }
 
 bool Player::IsAtEnd() const

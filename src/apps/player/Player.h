@@ -64,7 +64,7 @@ public:
     void SetLoop(PlayerStatus::Loop loop) override;
     void SetFullScreen(bool fullScreen) override;
 
-    // Plays the first of what is found there; what isn't in the list yet goes behind it.
+    // Plays what is found there, which is then in the list once, and in its own order.
     void Open(const QList<QUrl>& urls);
     void Add(const QList<QUrl>& urls, int row = -1);
     void PlayRow(int row);
@@ -79,6 +79,7 @@ public:
     void SetListeningDevice(const QString& device); // from now on, or the next time
     void StopListening();
     bool IsListening() const;
+    bool IsSkipping() const; // songs that can't be played, though Status says stopped
     bool IsAtEnd() const; // of the list, where Play begins with the first song
     QString ListeningDevice() const; // that is heard, or was the last time
     QString ListeningName() const; // of what is heard, for people
@@ -111,6 +112,8 @@ private:
     void Connect();
     void UpdateSource(); // who is heard by the pictures, and what keeps the screen awake
     void TellTrack();
+    void Insert(QList<Song> songs, int row);
+    void PlayFound(const QList<Song>& songs);
     void OnFound(int number, const QList<Song>& songs, const QStringList& faults);
     void OnTick();
 

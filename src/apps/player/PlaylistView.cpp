@@ -20,7 +20,7 @@ namespace {
 constexpr int widthForAlbums = 560;
 constexpr int sumDelay = 200; // ms
 
-// The current song stands out; songs that are missing stand back.
+// The current song stands out; songs that can't be played stand back.
 class SongDelegate : public QStyledItemDelegate
 {
 public:
@@ -39,10 +39,10 @@ protected:
         if (row == m_playlist.Current()) {
             option->palette.setColor(QPalette::Text, Appearance::Accent());
             option->font.setWeight(QFont::DemiBold);
-        } else if (row < m_playlist.Count() && m_playlist.At(row).isMissing) {
+        } else if (row < m_playlist.Count() && !m_playlist.IsPlayable(row)) {
             option->palette.setColor(
                 QPalette::Text, option->palette.color(QPalette::Disabled, QPalette::Text));
-            option->font.setStrikeOut(true);
+            option->font.setStrikeOut(m_playlist.At(row).isMissing);
         } else if (index.column() != Playlist::ColumnTitle) {
             option->palette.setColor(QPalette::Text, Appearance::Dimmed());
         }

@@ -103,12 +103,14 @@ void SongSequence::Next()
 void SongSequence::Previous()
 {
     const int row = m_playlist.Previous();
-    if (row < 0 || m_playback.Position() > beginning) {
+    if (row >= 0 && m_playback.Position() <= beginning) {
+        Play(row);
+        m_direction = Direction::Backward;
+    } else if (m_playback.State() == PlayState::Stopped) {
+        Play(m_playlist.Current());
+    } else {
         m_playback.Seek(0);
-        return;
     }
-    Play(row);
-    m_direction = Direction::Backward;
 }
 
 void SongSequence::NoteProgress()
@@ -140,8 +142,11 @@ void SongSequence::UpdateNext()
 
 void SongSequence::Count()
 {
-    if (const int row = m_playlist.Current(); row >= 0)
-        m_library.NotePlayed(m_playlist.At(row).url);
+    const int row = m_playlist.Current();
+    if (row < 0)
+        return;
+    m_library.NotePlayed(m_playlist.At(row).url);
+    emit InfoChanged();
 }
 
 void SongSequence::CountEnd()
@@ -210,8 +215,8 @@ void SongSequence::OnInfo(const host::SongInfo& info)
         song.duration = static_cast<qint64>(info.durationSeconds * 1000);
     song.isRead = true;
     song.isMissing = false;
-    if (song != m_playlist.At(row))
-        m_playlist.Update(song);
+    m_playlist.Update(song);
+    m_playlist.SetFault(song.url, {});
     emit InfoChanged();
 }
 
@@ -237,6 +242,11 @@ void SongSequence::End()
 bool SongSequence::IsAtEnd() const
 {
     return m_isAtEnd && m_playlist.Current() >= 0 && m_playlist.Next(true) < 0;
+}
+
+bool SongSequence::IsSkipping() const
+{
+    return m_failures > 0 && m_isPlayWanted;
 }
 
 void SongSequence::OnFailed(const QUrl& song, const QString& reason)
@@ -265,6 +275,9 @@ void SongSequence::NoteFailure(int row, const QString& reason)
         m_firstFailure = tr("%1 can't be played: %2").arg(TitleOf(failed), reason);
     failed.isMissing = IsMissing(failed.url);
     m_playlist.Update(failed);
+    m_playlist.SetFault(failed.url, reason);
+    if (m_failures == 1)
+        emit SkippingChanged();
 }
 
 // To the next song that is worth a try.
@@ -302,6 +315,7 @@ void SongSequence::TellFailures()
     const int count = std::exchange(m_failures, 0);
     if (count == 0)
         return;
+    emit SkippingChanged();
     if (count == 1)
         emit Message(m_firstFailure);
     else if (count >= m_playlist.Count())

@@ -36,12 +36,15 @@ public:
 
     // The last song of the list has ended: Play begins with the first.
     bool IsAtEnd() const;
+    // Songs that can't be played are passed over: nothing is heard, but something is to be.
+    bool IsSkipping() const;
 
     void NoteProgress(); // to be called some times a second while it plays
 
 signals:
     void SongStarted(); // the current song is another one, or begins anew
-    void InfoChanged();
+    void InfoChanged(); // also how often it was played
+    void SkippingChanged();
     void ListEnded();
     void Message(const QString& text);
 

@@ -20,6 +20,8 @@ TEST_CASE("Songs that can't be played are passed over with one message, and neve
     CHECK(player.Songs().At(0).isMissing);
     CHECK(desk.WaitUntil([&] { return desk.IsPlaying(4); }));
     CHECK_FALSE(player.Songs().At(2).isMissing);
+    CHECK_FALSE(player.Songs().IsPlayable(2));
+    CHECK(player.Songs().IsPlayable(1));
     CHECK(player.Songs().At(3).isMissing);
     CHECK(desk.WaitUntil([&] { return desk.IsStopped() && player.IsAtEnd(); }));
     player.Play();
@@ -96,12 +98,25 @@ TEST_CASE("Opened songs are played and stand in the list once, added ones wait")
     CHECK(desk.WaitUntil([&] { return player.Songs().Count() == 2; }));
     CHECK(player.Songs().Current() == 0);
     player.Open({ b, a });
-    CHECK(desk.WaitUntil([&] { return desk.IsPlaying(1); }));
+    CHECK(desk.WaitUntil([&] { return desk.IsPlaying(0) && player.Status().url == b; }));
     CHECK(player.Songs().Count() == 2);
+    CHECK(player.Songs().At(1).url == a);
     CHECK(player.Library().Recent() == QList<QUrl> { a, b });
+    player.Open({ a });
+    CHECK(desk.WaitUntil([&] { return desk.IsPlaying(1) && player.Status().url == a; }));
+    const QUrl c = desk.AddSong("c.wav", 30);
+    player.Open({ b, c });
+    CHECK(desk.WaitUntil([&] { return desk.IsPlaying(1) && player.Status().url == b; }));
+    CHECK(player.Songs().At(0).url == a);
+    CHECK(player.Songs().At(2).url == c);
     player.Open({ desk.UrlOf("nothing") });
     CHECK(desk.WaitUntil([&] { return !desk.messages.isEmpty(); }));
     CHECK(desk.IsPlaying(1));
+    player.Stop();
+    player.Songs().SetCurrent(0);
+    player.Stop();
+    player.Previous();
+    CHECK(desk.WaitUntil([&] { return desk.IsPlaying(0); }));
     player.RateSong(b, 4);
     CHECK(player.Library().Rating(b) == 4);
 }

@@ -80,7 +80,7 @@ int Playlist::Insert(const QList<Song>& songs, int row)
     m_indexed = std::min(m_indexed, row);
     m_entries.insert(row, count, {});
     for (int i = 0; i < count; ++i)
-        m_entries[row + i] = { songs[i], ++m_lastNumber };
+        m_entries[row + i] = { songs[i], ++m_lastNumber, {} };
     if (m_current >= row)
         m_current += count;
     if (m_isShuffled)
@@ -202,6 +202,24 @@ void Playlist::Move(QList<int> rows, int before)
     emit OrderChanged();
 }
 
+void Playlist::MoveToEnd(const QList<int>& rows)
+{
+    QList<bool> moves(Count(), false);
+    for (const int row : rows)
+        moves[row] = true;
+    QList<int> order;
+    order.reserve(Count());
+    for (int row = 0; row < Count(); ++row) {
+        if (!moves[row])
+            order.append(row);
+    }
+    order += rows;
+    if (std::is_sorted(order.cbegin(), order.cend()))
+        return;
+    Rearrange(order);
+    emit OrderChanged();
+}
+
 void Playlist::Clear()
 {
     if (m_entries.isEmpty())
@@ -230,17 +248,31 @@ void Playlist::IndexByUrl()
         m_rowsByUrl.insert(At(m_indexed).url, m_indexed);
 }
 
-void Playlist::Update(const Song& song)
+QList<int> Playlist::RowsOf(const QUrl& song)
 {
     IndexByUrl();
-    const auto [first, end] = std::as_const(m_rowsByUrl).equal_range(song.url);
-    for (auto found = first; found != end; ++found) {
-        Song& known = m_entries[found.value()].song;
-        if (known == song)
-            continue;
-        known = song;
-        ShowRow(found.value());
+    return m_rowsByUrl.values(song);
+}
+
+void Playlist::Update(const Song& song)
+{
+    for (const int row : RowsOf(song.url)) {
+        if (std::exchange(m_entries[row].song, song) != song)
+            ShowRow(row);
     }
+}
+
+void Playlist::SetFault(const QUrl& song, const QString& fault)
+{
+    for (const int row : RowsOf(song)) {
+        if (std::exchange(m_entries[row].fault, fault) != fault)
+            ShowRow(row);
+    }
+}
+
+bool Playlist::IsPlayable(int row) const
+{
+    return !At(row).isMissing && m_entries[row].fault.isEmpty();
 }
 
 RepeatMode Playlist::Repeat() const
@@ -336,6 +368,8 @@ QString Playlist::SpokenText(int row) const
     }
     if (song.isMissing)
         parts.append(tr("the file is missing"));
+    else if (!IsPlayable(row))
+        parts.append(tr("can't be played"));
     return parts.join(QStringLiteral(", "));
 }
 
@@ -355,12 +389,14 @@ QVariant Playlist::data(const QModelIndex& index, int role) const
         }
         return {};
     case Qt::ForegroundRole:
-        if (song.isMissing)
+        if (!IsPlayable(index.row()))
             return QGuiApplication::palette().brush(QPalette::Disabled, QPalette::Text);
         return {};
     case Qt::ToolTipRole:
         if (song.isMissing)
             return ToolTipOf(tr("There is no file %1").arg(LineOf(song.url.toLocalFile())));
+        if (const QString& fault = m_entries[index.row()].fault; !fault.isEmpty())
+            return ToolTipOf(tr("%1 can't be played: %2").arg(TitleOf(song), LineOf(fault)));
         return ToolTipOf(TextOf(song, index.column()));
     case Qt::AccessibleTextRole:
         return index.column() == ColumnTitle ? SpokenText(index.row())

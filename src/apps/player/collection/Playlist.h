@@ -51,9 +51,14 @@ public:
     // random order the next one.
     void Remove(QList<int> rows);
     void Move(QList<int> rows, int before);
+    // Behind all others, in the order of `rows`, which are there and differ.
+    void MoveToEnd(const QList<int>& rows);
     void Clear();
     // Puts what is known now in place of what the rows with that song have.
     void Update(const Song& song);
+    // Why the rows with that song couldn't be played, for people; "" if they could.
+    void SetFault(const QUrl& song, const QString& fault);
+    bool IsPlayable(int row) const; // as far as known
 
     RepeatMode Repeat() const;
     void SetRepeat(RepeatMode mode);
@@ -91,6 +96,7 @@ private:
     {
         Song song;
         qint64 number = 0;
+        QString fault; // "": none was seen
     };
 
     QList<int> ValidRows(QList<int> rows) const;
@@ -98,6 +104,7 @@ private:
     void Rearrange(const QList<int>& order);
     void CutTail(int count);
     void MakeCurrent(int row);
+    QList<int> RowsOf(const QUrl& song);
     void ShowRow(int row, const QList<int>& roles = {});
     void IndexByUrl();
     QString TextOf(const Song& song, int column) const;

@@ -202,6 +202,14 @@ TEST_CASE("Views get texts, and missing songs with a reason")
     song.title = "R&B <img src='/a.png'> &lt;";
     list.Update(song);
     CHECK(tip(Playlist::ColumnTitle) == song.title);
+    list.SetFault(song.url, "No decoder");
+    CHECK_FALSE(list.IsPlayable(2));
+    CHECK(list.IsPlayable(1));
+    CHECK(tip(Playlist::ColumnTitle) == song.title + " can't be played: No decoder");
+    list.Update(song); // what is read of it tells nothing of that
+    CHECK_FALSE(list.IsPlayable(2));
+    list.SetFault(song.url, {});
+    CHECK(list.IsPlayable(2));
     CHECK(DurationText(59'999) == "0:59");
 }
 
