@@ -37,6 +37,7 @@ namespace pxvis::maths::HWY_NAMESPACE {
 namespace hn = hwy::HWY_NAMESPACE;
 
 #include "kernels/MathsVector.inl"
+#include "kernels/SingleMaths.inl"
 
 }
 
@@ -46,31 +47,46 @@ namespace {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-using maths::HWY_NAMESPACE::Maths;
+using maths::HWY_NAMESPACE::SingleMaths;
 
-// Of each as many as there are doubles in a vector.
-using Doubles = hn::ScalableTag<double>;
-using Floats = hn::Rebind<float, Doubles>;
+using Doubles = hn::ScalableTag<double>; // two of these
+using Floats = hn::ScalableTag<float>; // for each one of those
 using Ints = hn::RebindToSigned<Floats>;
-using DoubleVector = hn::Vec<Doubles>;
 using FloatVector = hn::Vec<Floats>;
 using IntVector = hn::Vec<Ints>;
 
-constexpr int32_t lanes = static_cast<int32_t>(hn::MaxLanes(Doubles()));
+constexpr int32_t lanes = static_cast<int32_t>(hn::MaxLanes(Floats()));
 
 HWY_INLINE FloatVector Set(float value)
 {
     return hn::Set(Floats(), value);
 }
 
-HWY_INLINE DoubleVector Widened(FloatVector value)
-{
-    return hn::PromoteTo(Doubles(), value);
-}
-
 HWY_INLINE FloatVector LoadNarrowed(const double* values)
 {
-    return hn::DemoteTo(Floats(), hn::LoadU(Doubles(), values));
+    return SingleMaths::Rounded(
+        hn::LoadU(Doubles(), values), hn::LoadU(Doubles(), values + lanes / 2));
+}
+
+HWY_INLINE void StoreWidened(FloatVector values, double* target)
+{
+    hn::StoreU(SingleMaths::Widened<0>(values), Doubles(), target);
+    hn::StoreU(SingleMaths::Widened<1>(values), Doubles(), target + lanes / 2);
+}
+
+// Gives the first lane of each vector of so many items, the last one overlapping the one before;
+// false if there are too few for a vector.
+template <typename Visit>
+HWY_INLINE bool ForVectors(int32_t count, const Visit& visit)
+{
+    if (count < lanes)
+        return false;
+    int32_t i = 0;
+    for (; i + lanes <= count; i += lanes)
+        visit(i);
+    if (i < count)
+        visit(count - lanes);
+    return true;
 }
 
 // As OQTruncateToInt32.
@@ -86,7 +102,7 @@ HWY_INLINE FloatVector Angle(FloatVector x, FloatVector y, FloatVector distance)
 {
     const auto atCenter = hn::Eq(distance, hn::Zero(Floats()));
     const FloatVector cosine = hn::Div(x, hn::IfThenElse(atCenter, Set(1.0f), distance));
-    const FloatVector angle = hn::DemoteTo(Floats(), Maths::Acos(Widened(cosine)));
+    const FloatVector angle = SingleMaths::Acos(cosine);
     const FloatVector turned
         = hn::IfThenElse(hn::Gt(y, hn::Zero(Floats())), hn::Sub(Set(twoPi), angle), angle);
     return hn::IfThenZeroElse(atCenter, turned);
@@ -116,11 +132,11 @@ HWY_INLINE Place TransformPlace(
     const FloatVector radius = Set(center.radius);
     const FloatVector distance = hn::Mul(LoadNarrowed(d), radius);
     const FloatVector angle = hn::Mul(LoadNarrowed(r), Set(twoPi));
-    DoubleVector sine;
-    DoubleVector cosine;
-    Maths::SinCos(Widened(hn::Sub(Set(twoPi), angle)), sine, cosine);
-    const FloatVector right = hn::Mul(hn::DemoteTo(Floats(), cosine), distance);
-    const FloatVector up = hn::Mul(hn::DemoteTo(Floats(), sine), distance);
+    FloatVector sine;
+    FloatVector cosine;
+    SingleMaths::SinCos(hn::Sub(Set(twoPi), angle), sine, cosine);
+    const FloatVector right = hn::Mul(cosine, distance);
+    const FloatVector up = hn::Mul(sine, distance);
     const FloatVector unit = Set(32.0f);
     const IntVector x = Truncated(hn::Mul(hn::Add(right, Set(static_cast<float>(center.x))), unit));
     const IntVector y = Truncated(hn::Mul(hn::Sub(Set(static_cast<float>(center.y)), up), unit));
@@ -136,15 +152,14 @@ HWY_INLINE Place TransformPlace(
 void PolarPoints(float* distances, float* angles, float x, float stepX, float y, int32_t count)
 {
     const FloatVector first = AlongFrom(x, stepX);
-    int32_t i = 0;
-    for (; i + lanes <= count; i += lanes) {
+    const auto visit = [&](int32_t i) HWY_ATTR {
         const FloatVector along = Along(first, stepX, i);
         const FloatVector distance = hn::Sqrt(hn::Add(hn::Mul(along, along), Set(y * y)));
         hn::StoreU(distance, Floats(), distances + i);
         hn::StoreU(Angle(along, Set(y), distance), Floats(), angles + i);
-    }
-    scalar::PolarPoints(
-        distances + i, angles + i, x + static_cast<float>(i) * stepX, stepX, y, count - i);
+    };
+    if (!ForVectors(count, visit))
+        scalar::PolarPoints(distances, angles, x, stepX, y, count);
 }
 
 void TransformPoints(double* d, double* r, double* x, double* y, const TransformCenter& center,
@@ -154,54 +169,53 @@ void TransformPoints(double* d, double* r, double* x, double* y, const Transform
     constexpr int64_t farthest = 32767;
     const int64_t up = int64_t { center.y } - row;
     const int64_t right = int64_t { column } - center.x;
-    int32_t i = 0;
-    if (std::abs(up) <= farthest && right >= -farthest && right + count <= farthest) {
-        const IntVector upSquared = hn::Set(Ints(), static_cast<int32_t>(up * up));
-        const FloatVector radius = Set(center.radius);
-        const FloatVector upward = Set(static_cast<float>(up));
-        const DoubleVector upPart = Widened(hn::Div(upward, radius));
-        const IntVector start = hn::Iota(Ints(), static_cast<int32_t>(right));
-        for (; i + lanes <= count; i += lanes) {
-            const IntVector along = hn::Add(start, hn::Set(Ints(), i));
-            const FloatVector alongFloat = hn::ConvertTo(Floats(), along);
-            const IntVector sum = hn::Add(hn::Mul(along, along), upSquared);
-            const FloatVector distance = hn::Sqrt(hn::ConvertTo(Floats(), sum));
-            const FloatVector angle = Angle(alongFloat, upward, distance);
-            hn::StoreU(Widened(hn::Div(distance, radius)), Doubles(), d + i);
-            hn::StoreU(Widened(hn::Div(angle, Set(twoPi))), Doubles(), r + i);
-            hn::StoreU(Widened(hn::Div(alongFloat, radius)), Doubles(), x + i);
-            hn::StoreU(upPart, Doubles(), y + i);
-        }
-    }
-    scalar::TransformPoints(d + i, r + i, x + i, y + i, center, column + i, row, count - i);
+    const bool isNear = std::abs(up) <= farthest && right >= -farthest && right + count <= farthest;
+    const IntVector upSquared = hn::Set(Ints(), isNear ? static_cast<int32_t>(up * up) : 0);
+    const FloatVector radius = Set(center.radius);
+    const FloatVector upward = Set(static_cast<float>(up));
+    const FloatVector upPart = hn::Div(upward, radius);
+    const IntVector start = hn::Iota(Ints(), isNear ? static_cast<int32_t>(right) : 0);
+    const auto visit = [&](int32_t i) HWY_ATTR {
+        const IntVector along = hn::Add(start, hn::Set(Ints(), i));
+        const FloatVector alongFloat = hn::ConvertTo(Floats(), along);
+        const IntVector sum = hn::Add(hn::Mul(along, along), upSquared);
+        const FloatVector distance = hn::Sqrt(hn::ConvertTo(Floats(), sum));
+        const FloatVector angle = Angle(alongFloat, upward, distance);
+        StoreWidened(hn::Div(distance, radius), d + i);
+        StoreWidened(hn::Div(angle, Set(twoPi)), r + i);
+        StoreWidened(hn::Div(alongFloat, radius), x + i);
+        StoreWidened(upPart, y + i);
+    };
+    if (!isNear || !ForVectors(count, visit))
+        scalar::TransformPoints(d, r, x, y, center, column, row, count);
 }
 
 void TransformEntries16(uint16_t* entries, const double* d, const double* r, int32_t count,
     const TransformCenter& center, bool clips, uint16_t clipped)
 {
-    int32_t i = 0;
-    for (; i + lanes <= count; i += lanes) {
+    const auto visit = [&](int32_t i) HWY_ATTR {
         const Place place = TransformPlace(d + i, r + i, center, clips, clipped);
         const IntVector pair
             = hn::Or(hn::And(place.x, hn::Set(Ints(), 0xFFFF)), hn::ShiftLeft<16>(place.y));
         hn::StoreU(hn::BitCast(hn::Repartition<uint16_t, Ints>(), pair),
             hn::Repartition<uint16_t, Ints>(), entries + 2 * i);
-    }
-    scalar::TransformEntries16(entries + 2 * i, d + i, r + i, count - i, center, clips, clipped);
+    };
+    if (!ForVectors(count, visit))
+        scalar::TransformEntries16(entries, d, r, count, center, clips, clipped);
 }
 
 void TransformEntries32(uint32_t* entries, const double* d, const double* r, int32_t count,
     const TransformCenter& center, bool clips, uint32_t clipped)
 {
     const hn::RebindToUnsigned<Ints> unsignedInts;
-    int32_t i = 0;
-    for (; i + lanes <= count; i += lanes) {
+    const auto visit = [&](int32_t i) HWY_ATTR {
         const Place place
             = TransformPlace(d + i, r + i, center, clips, static_cast<int32_t>(clipped));
         hn::StoreInterleaved2(hn::BitCast(unsignedInts, place.x),
             hn::BitCast(unsignedInts, place.y), unsignedInts, entries + 2 * i);
-    }
-    scalar::TransformEntries32(entries + 2 * i, d + i, r + i, count - i, center, clips, clipped);
+    };
+    if (!ForVectors(count, visit))
+        scalar::TransformEntries32(entries, d, r, count, center, clips, clipped);
 }
 
 void CircleEntries(int32_t* entries, const double* d, const double* r, int32_t count,
@@ -210,8 +224,7 @@ void CircleEntries(int32_t* entries, const double* d, const double* r, int32_t c
     const FloatVector radius = Set(circle.radius);
     const FloatVector unit = Set(32.0f);
     const FloatVector first = AlongFrom(x, stepX);
-    int32_t i = 0;
-    for (; i + lanes <= count; i += lanes) {
+    const auto visit = [&](int32_t i) HWY_ATTR {
         const IntVector step = hn::And(
             Truncated(hn::Mul(LoadNarrowed(r + i), Set(static_cast<float>(circle.steps)))),
             hn::Set(Ints(), circle.steps - 1));
@@ -231,9 +244,9 @@ void CircleEntries(int32_t* entries, const double* d, const double* r, int32_t c
         const FloatVector moveY = hn::Sub(hn::Sub(Set(circle.centerY), up), Set(y));
         hn::StoreInterleaved2(Truncated(hn::Mul(moveX, unit)), Truncated(hn::Mul(moveY, unit)),
             Ints(), entries + 2 * i);
-    }
-    scalar::CircleEntries(entries + 2 * i, d + i, r + i, count - i, circle,
-        x + static_cast<float>(i) * stepX, stepX, y);
+    };
+    if (!ForVectors(count, visit))
+        scalar::CircleEntries(entries, d, r, count, circle, x, stepX, y);
 }
 
 }

@@ -123,4 +123,34 @@ inline constexpr double expTail[] = {
     0x1.ad92d1d83a58bp-26,
 };
 
+// The same as sinTail, shorter. Relative error below 2^-47.
+inline constexpr double sinShortTail[] = {
+    -0x1.5555555552228p-3,
+    0x1.1111110c85fc3p-7,
+    -0x1.a019f937b9ef3p-13,
+    0x1.71d76c2e6b997p-19,
+    -0x1.a9614c443c89cp-26,
+};
+
+// The same as cosTail, shorter. Relative error below 2^-42.
+inline constexpr double cosShortTail[] = {
+    0x1.5555554ed7c62p-5,
+    -0x1.6c16b828385e7p-10,
+    0x1.a010dd97ae092p-16,
+    -0x1.241e5bc968f29p-22,
+};
+
+// The same as asinTail, shorter. Relative error below 2^-43.
+inline constexpr double asinShortTail[] = {
+    0x1.555555565a9bdp-3,
+    0x1.333331f267aadp-4,
+    0x1.6db762b5093a8p-5,
+    0x1.f1ab4338ff08ap-6,
+    0x1.7027ec1c1b42ap-6,
+    0x1.0e116222fadb4p-6,
+    0x1.30da3de7136a1p-6,
+    -0x1.6ff282f3482c4p-9,
+    0x1.056f90a52e8b2p-5,
+};
+
 }

@@ -2,6 +2,7 @@
 
 #include "KernelTesting.h"
 
+#include <cmath>
 #include <limits>
 
 using namespace pxvis::kernels;
@@ -61,6 +62,40 @@ TEST_CASE("Points of maps are the same at every instruction set, and touch nothi
                 columns[2].scalarRow.Data(), columns[3].scalarRow.Data(), center, 3, 20, count);
             for (const Twins<double>& column : columns)
                 CHECK(column.AreEqual());
+        }
+    });
+}
+
+// So far from the centre that the entries hold all bits of a sine or cosine, and from close enough
+// to its axes that arc cosines of all sizes come up.
+TEST_CASE("Rounded sines, cosines and arc cosines have the very bits of the exact ones")
+{
+    constexpr int32_t count = 4096;
+    const TransformCenter center { 0, 0, 0x1p25f };
+    std::mt19937 random(1);
+    std::vector<double> d(count, 1.0);
+    std::vector<double> r(count);
+    std::vector<uint32_t> entries(2 * count);
+    std::vector<uint32_t> scalarEntries(2 * count);
+    std::vector<float> distances(count);
+    std::vector<float> angles(count);
+    std::vector<float> scalarAngles(count);
+    ForEachInstructionSet([&] {
+        for (int turn = 0; turn < 40; ++turn) {
+            for (double& rotation : r) {
+                const double any = static_cast<double>(static_cast<int32_t>(random())) / 0x1p31;
+                const double quarters = static_cast<double>(random() % 9) / 4;
+                const int size = static_cast<int>(random() % 30);
+                rotation = turn % 2 ? quarters + std::ldexp(any, -size) : 300 * any;
+            }
+            TransformEntries32(entries.data(), d.data(), r.data(), count, center, false, 0);
+            scalar::TransformEntries32(
+                scalarEntries.data(), d.data(), r.data(), count, center, false, 0);
+            CHECK(entries == scalarEntries);
+            const float y = std::ldexp(1.0f + static_cast<float>(random()) / 0x1p32f, turn / 3);
+            PolarPoints(distances.data(), angles.data(), -2048.0f, 1.0f, y, count);
+            scalar::PolarPoints(distances.data(), scalarAngles.data(), -2048.0f, 1.0f, y, count);
+            CHECK(angles == scalarAngles);
         }
     });
 }
