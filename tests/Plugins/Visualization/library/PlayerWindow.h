@@ -31,7 +31,7 @@ public:
 
     // Lets the library work for so long, or until it is so; false if it never was.
     void Run(int milliseconds);
-    bool RunUntil(const std::function<bool()>& isSo, int milliseconds = 10000);
+    bool RunUntil(const std::function<bool()>& isSo, int milliseconds = 30000);
 
     // What the player's window shows, 0x00RRGGBB; its middle.
     ScreenPixels Pixels() const;

@@ -254,16 +254,16 @@ TEST_CASE("Nothing is drawn that nobody sees, and only a moment of what nobody h
             desk.Run(milliseconds);
             return desk.sound.taken > before + 2;
         };
-        CHECK(isDrawn(500));
+        CHECK(desk.RunUntil([&] { return isDrawn(300); }));
         desk.window.showMinimized();
-        desk.Run(300);
+        CHECK(desk.RunUntil([&] { return !isDrawn(300); }));
         CHECK_FALSE(isDrawn(1500));
         desk.window.showNormal();
-        CHECK(desk.RunUntil([&] { return desk.IsShown(red) && isDrawn(100); }));
+        CHECK(desk.RunUntil([&] { return desk.IsShown(red) && isDrawn(300); }));
         area.hide();
         CHECK_FALSE(isDrawn(1500));
         area.show();
-        CHECK(desk.RunUntil([&] { return desk.IsShown(red) && isDrawn(100); }));
+        CHECK(desk.RunUntil([&] { return desk.IsShown(red) && isDrawn(300); }));
 
         desk.sound.plays = false;
         desk.Run(1200);

@@ -119,10 +119,12 @@ TEST_CASE("All is as it was when the player is started again")
     CHECK(player.WaitUntil([&] { return player.Position() > 99; }));
     player.Use({ "windowsize", std::to_string(player.ActiveWindow().id), "900", "640" });
     CHECK(player.WaitUntil([&] { return player.ActiveWindow().width == 900; }));
+    player.Use({ "key", "Right" }); // comes behind the size, so that the player knows that by then
+    CHECK(player.WaitUntil([&] { return player.Position() > 104; }));
     CHECK(player.Quit() == 0);
 
     REQUIRE(player.Start());
-    CHECK(player.WaitUntil([&] { return player.Title() == "two" && player.Position() > 99; }));
+    CHECK(player.WaitUntil([&] { return player.Title() == "two" && player.Position() > 104; }));
     REQUIRE(player.WaitUntil([&] { return player.PartOf(red) > some; }));
     CHECK(!player.IsPlaying());
     CHECK(player.Position() < 115);
