@@ -30,6 +30,15 @@ bool HasExtension(EGLDisplay display, std::string_view name)
     return false;
 }
 
+// For a machine without a GPU, or whose GPU can't be reached.
+bool IsSoftware(std::string_view renderer)
+{
+    constexpr std::array<std::string_view, 4> names { "llvmpipe", "softpipe", "Software Rasterizer",
+        "SwiftShader" };
+    return std::any_of(names.begin(), names.end(),
+        [&](std::string_view name) { return renderer.find(name) != renderer.npos; });
+}
+
 class EglSurface final : public PresenterSurface
 {
 public:
@@ -40,7 +49,7 @@ public:
 
     ~EglSurface() override;
 
-    bool Open();
+    bool Open(bool takesSoftware);
 
     ShowResult Show(const PresenterPicture& picture, int32_t width, int32_t height) override;
 
@@ -74,9 +83,10 @@ EglSurface::~EglSurface()
     eglReleaseThread();
 }
 
-bool EglSurface::Open()
+bool EglSurface::Open(bool takesSoftware)
 {
-    return OpenDisplay() && OpenWindow() && OpenContext() && m_quad.Open();
+    return OpenDisplay() && OpenWindow() && OpenContext() && m_quad.Open()
+        && (takesSoftware || !IsSoftware(m_quad.GetRenderer()));
 }
 
 bool EglSurface::OpenDisplay()
@@ -159,7 +169,8 @@ ShowResult EglSurface::Show(const PresenterPicture& picture, int32_t width, int3
 
 }
 
-std::unique_ptr<PresenterSurface> MakeEglSurface(uintptr_t window, ConnectionBreaker& breaker)
+std::unique_ptr<PresenterSurface> MakeEglSurface(
+    uintptr_t window, ConnectionBreaker& breaker, bool takesSoftware)
 {
     if (!epoxy_has_egl()) // without the library any other call would end the process
         return nullptr;
@@ -167,7 +178,7 @@ std::unique_ptr<PresenterSurface> MakeEglSurface(uintptr_t window, ConnectionBre
     if (!presented)
         return nullptr;
     auto surface = std::make_unique<EglSurface>(std::move(presented));
-    return surface->Open() ? std::move(surface) : nullptr;
+    return surface->Open(takesSoftware) ? std::move(surface) : nullptr;
 }
 
 }

@@ -18,6 +18,7 @@ class WindowSurfaces final : public PresenterSurfaceSource
 public:
     WindowSurfaces(uintptr_t window, std::string_view only)
         : m_window(window)
+        , m_takesSoftware(only == "egl")
         , m_first(only == "shm"    ? Shm
                   : only == "put"  ? Put
                   : only == "none" ? Last
@@ -50,11 +51,12 @@ private:
 
     std::unique_ptr<PresenterSurface> Make(int method)
     {
-        return method == Egl ? MakeEglSurface(m_window, m_breaker)
+        return method == Egl ? MakeEglSurface(m_window, m_breaker, m_takesSoftware)
                              : MakeShmSurface(m_window, m_breaker, method == Shm);
     }
 
     const uintptr_t m_window;
+    const bool m_takesSoftware;
     int m_first; // of those that weren't tried
     const int m_last;
     ConnectionBreaker m_breaker;

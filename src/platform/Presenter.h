@@ -15,9 +15,10 @@ class PresenterThread;
 // window beneath as if nothing were there. Owned by who paints the window; one thread at a time.
 // The window may go at any time, before or after the presenter.
 //
-// Ways to show a picture are tried in this order, the next one when one fails: EGL, shared memory
-// with the X server, pictures sent to the server. The variable PXVIS_PRESENT=egl|shm|put|none
-// allows one of them only, or none.
+// Ways to show a picture are tried in this order, the next one when one fails: EGL, unless it is
+// the processor that draws for it, which costs several times what the second way does; shared
+// memory with the X server; pictures sent to the server. The variable
+// PXVIS_PRESENT=egl|shm|put|none allows one of them only, or none.
 class Presenter
 {
 public:
