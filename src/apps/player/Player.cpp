@@ -323,8 +323,8 @@ void Player::Insert(QList<Song> songs, int row)
     m_finder.ReadTags(songs);
 }
 
-// Songs that are in the list already are played there if they follow each other as they were
-// opened, as one alone does; else all come behind the others.
+// Songs that are in the list already (the first row of each counts) are played there if they follow
+// each other as they were opened, as one alone does; else all come behind the others.
 void Player::PlayFound(const QList<Song>& songs)
 {
     QMultiHash<QUrl, int> known;

@@ -64,7 +64,7 @@ public:
     void SetLoop(PlayerStatus::Loop loop) override;
     void SetFullScreen(bool fullScreen) override;
 
-    // Plays what is found there, which is then in the list once, and in its own order.
+    // Plays what is found there, in its own order. What the list has already isn't added again.
     void Open(const QList<QUrl>& urls);
     void Add(const QList<QUrl>& urls, int row = -1);
     void PlayRow(int row);

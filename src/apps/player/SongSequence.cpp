@@ -102,15 +102,14 @@ void SongSequence::Next()
 
 void SongSequence::Previous()
 {
+    const bool isStopped = m_playback.State() == PlayState::Stopped;
     const int row = m_playlist.Previous();
-    if (row >= 0 && m_playback.Position() <= beginning) {
-        Play(row);
-        m_direction = Direction::Backward;
-    } else if (m_playback.State() == PlayState::Stopped) {
-        Play(m_playlist.Current());
-    } else {
+    if (!isStopped && (row < 0 || m_playback.Position() > beginning)) {
         m_playback.Seek(0);
+        return;
     }
+    Play(row < 0 ? m_playlist.Current() : row);
+    m_direction = Direction::Backward;
 }
 
 void SongSequence::NoteProgress()
@@ -275,7 +274,7 @@ void SongSequence::NoteFailure(int row, const QString& reason)
         m_firstFailure = tr("%1 can't be played: %2").arg(TitleOf(failed), reason);
     failed.isMissing = IsMissing(failed.url);
     m_playlist.Update(failed);
-    m_playlist.SetFault(failed.url, reason);
+    m_playlist.SetFault(failed.url, failed.isMissing ? QString() : reason);
     if (m_failures == 1)
         emit SkippingChanged();
 }

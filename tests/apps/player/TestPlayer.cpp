@@ -43,6 +43,10 @@ TEST_CASE("Songs that can't be played are passed over with one message, and neve
     CHECK(desk.IsStopped());
     CHECK(desk.messages.size() == 1);
     CHECK(desk.messages[0].startsWith("None of the 4 songs can be played. "));
+
+    // One that is there again can be played as far as anybody knows.
+    player.Add({ desk.AddSong("gone.wav", 0.6) });
+    CHECK(desk.WaitUntil([&] { return player.Songs().IsPlayable(0); }));
 }
 
 TEST_CASE("What is heard next is what the list says when a song ends")

@@ -56,7 +56,7 @@ public:
     void Clear();
     // Puts what is known now in place of what the rows with that song have.
     void Update(const Song& song);
-    // Why the rows with that song couldn't be played, for people; "" if they could.
+    // Why the song of these rows, as there are now, couldn't be played, for people; "" if it could.
     void SetFault(const QUrl& song, const QString& fault);
     bool IsPlayable(int row) const; // as far as known
 

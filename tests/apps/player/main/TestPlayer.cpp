@@ -119,7 +119,7 @@ TEST_CASE("All is as it was when the player is started again")
     CHECK(player.WaitUntil([&] { return player.Position() > 99; }));
     player.Use({ "windowsize", std::to_string(player.ActiveWindow().id), "900", "640" });
     CHECK(player.WaitUntil([&] { return player.ActiveWindow().width == 900; }));
-    player.Use({ "key", "Right" }); // comes behind the size, so that the player knows that by then
+    player.Press("Right"); // comes behind the size, so that the player knows that by then
     CHECK(player.WaitUntil([&] { return player.Position() > 104; }));
     CHECK(player.Quit() == 0);
 

@@ -38,8 +38,8 @@ TEST_CASE("Songs follow each other without a gap, each told with its own tags wh
     CHECK(playback.Duration() == 1388);
     CHECK(listened.info.tags.title == "a");
     CHECK(listened.info.sampleRate == 44100);
-    CHECK(WaitFor([&] { return look() && listened.events.size() == 2; }));
-    CHECK(playback.Position() < 1300); // of the second one
+    CHECK(WaitFor([&] { return look() && listened.events.size() >= 2; }));
+    CHECK(playback.Position() < 1000); // of the second one
     CHECK(WaitFor([&] { return look() && listened.info.tags.title == "The second one"; }));
     CHECK(WaitFor([&] { return !look(); }));
     CHECK(listened.events == QStringList { "song a.flac", "song b.flac", "ended" });
