@@ -66,7 +66,8 @@ private:
     {
         const F shifted = hn::MulAdd(x, Set(twoOverPi), Set(rounder));
         const F count = hn::Sub(shifted, Set(rounder));
-        // The first difference is exact, and what is left is never below 2^-30.
+        // The first difference is exact, and what is left of others than the smallest (count 0)
+        // never below 2^-28.
         F r = hn::NegMulAdd(count, Set(halfPi1), x);
         r = hn::NegMulAdd(count, Set(halfPi2), r);
         r = hn::NegMulAdd(count, Set(halfPi3), r);

@@ -7,6 +7,7 @@
 #include <array>
 #include <cstring>
 #include <epoxy/egl.h>
+#include <epoxy/gl.h>
 #include <string_view>
 
 namespace pxvis {
@@ -30,11 +31,14 @@ bool HasExtension(EGLDisplay display, std::string_view name)
     return false;
 }
 
-// For a machine without a GPU, or whose GPU can't be reached.
-bool IsSoftware(std::string_view renderer)
+// Whether the current context draws on the processor, by the names that drivers have for that.
+bool IsSoftware()
 {
-    constexpr std::array<std::string_view, 4> names { "llvmpipe", "softpipe", "Software Rasterizer",
-        "SwiftShader" };
+    constexpr std::array<std::string_view, 6> names { "llvmpipe", "softpipe", "Software Rasterizer",
+        "SWR (", "SwiftShader", "Basic Render Driver" };
+    const auto getString = reinterpret_cast<PFNGLGETSTRINGPROC>(eglGetProcAddress("glGetString"));
+    const GLubyte* const text = getString ? getString(GL_RENDERER) : nullptr;
+    const std::string_view renderer = text ? reinterpret_cast<const char*>(text) : "";
     return std::any_of(names.begin(), names.end(),
         [&](std::string_view name) { return renderer.find(name) != renderer.npos; });
 }
@@ -85,8 +89,8 @@ EglSurface::~EglSurface()
 
 bool EglSurface::Open(bool takesSoftware)
 {
-    return OpenDisplay() && OpenWindow() && OpenContext() && m_quad.Open()
-        && (takesSoftware || !IsSoftware(m_quad.GetRenderer()));
+    return OpenDisplay() && OpenWindow() && OpenContext() && (takesSoftware || !IsSoftware())
+        && m_quad.Open();
 }
 
 bool EglSurface::OpenDisplay()

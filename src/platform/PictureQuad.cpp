@@ -53,7 +53,6 @@ struct PictureQuad::Functions
     PFNGLGETERRORPROC getError;
     PFNGLGETINTEGERVPROC getIntegerv;
     PFNGLGETPROGRAMIVPROC getProgramiv;
-    PFNGLGETSTRINGPROC getString;
     PFNGLLINKPROGRAMPROC linkProgram;
     PFNGLSHADERSOURCEPROC shaderSource;
     PFNGLTEXIMAGE2DPROC texImage2D;
@@ -70,11 +69,10 @@ struct PictureQuad::Functions
             && Find(createShader, "glCreateShader") && Find(drawArrays, "glDrawArrays")
             && Find(genTextures, "glGenTextures") && Find(genVertexArrays, "glGenVertexArrays")
             && Find(getError, "glGetError") && Find(getIntegerv, "glGetIntegerv")
-            && Find(getProgramiv, "glGetProgramiv") && Find(getString, "glGetString")
-            && Find(linkProgram, "glLinkProgram") && Find(shaderSource, "glShaderSource")
-            && Find(texImage2D, "glTexImage2D") && Find(texParameteri, "glTexParameteri")
-            && Find(texSubImage2D, "glTexSubImage2D") && Find(useProgram, "glUseProgram")
-            && Find(viewport, "glViewport");
+            && Find(getProgramiv, "glGetProgramiv") && Find(linkProgram, "glLinkProgram")
+            && Find(shaderSource, "glShaderSource") && Find(texImage2D, "glTexImage2D")
+            && Find(texParameteri, "glTexParameteri") && Find(texSubImage2D, "glTexSubImage2D")
+            && Find(useProgram, "glUseProgram") && Find(viewport, "glViewport");
     }
 };
 
@@ -100,12 +98,6 @@ bool PictureQuad::Open()
     m_gl->getIntegerv(GL_MAX_TEXTURE_SIZE, &m_largestTexture);
     m_gl->getIntegerv(GL_MAX_VIEWPORT_DIMS, m_largestViewport);
     return m_gl->getError() == GL_NO_ERROR;
-}
-
-std::string_view PictureQuad::GetRenderer() const
-{
-    const GLubyte* name = m_gl->getString(GL_RENDERER);
-    return name ? reinterpret_cast<const char*>(name) : "";
 }
 
 bool PictureQuad::BuildProgram()

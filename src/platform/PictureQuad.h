@@ -4,7 +4,6 @@
 
 #include <cstdint>
 #include <memory>
-#include <string_view>
 
 namespace pxvis {
 
@@ -19,8 +18,6 @@ public:
 
     // The context that is current has OpenGL 3.0 or later and stays the current one.
     bool Open();
-
-    std::string_view GetRenderer() const; // the driver's name for it; after Open
 
     // False if the driver can't hold the picture or the surface.
     bool Draw(const PresenterPicture& picture, int32_t surfaceWidth, int32_t surfaceHeight);
